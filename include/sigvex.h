@@ -1,0 +1,685 @@
+/*
+ * sigvex - signal processing for measurement software.
+ *
+ * Conventions
+ *   Precision    Every operation exists twice: on dsp_vector (double) and, with the letter f after "dsp", on dspf_vector
+ *                (float). Both do the same; parameters and results of the twin are float unless its prototype says otherwise.
+ *   Record       The caller owns every record. dsp_init makes one, operations size and fill it, dsp_destroy releases it.
+ *                `allocated` > 0 means that the record owns `data`; otherwise a non-null `data` is a view of storage that
+ *                belongs to somebody else: it is read and written in place, never freed, and left behind when it is too
+ *                small. Capacity only grows. A negative point count counts as none.
+ *   Form         `complex` = 0: `points` real samples. Otherwise `points` interleaved pairs (real part, imaginary part).
+ *   Status       0 success, -1 failure, unless said otherwise. A failure leaves every record in a state that dsp_destroy
+ *                can release. A null record is refused with -1. Nothing is ever printed.
+ *   Storage      Where an operation sizes a record, exhausted memory and a size beyond 2^31 - 1 scalars are the same
+ *                failure: the record is left with no storage, `allocated` 0 and `points` 0.
+ *   Unbounded    1e100 (float: 999999986991104, the float nearest 1e15) stands for an infinite or unbounded result;
+ *                "huge" below means this number, "tiny" the smallest normal number of the precision.
+ *   Threads      Records are not locked. After dsp_lib_init any number of threads may call the library on distinct records.
+ *
+ * Names: dsp, f for single precision, a family letter, _ and the operation.
+ *   (none) core, frame, settings    i  in place           u  one vector into another    b, bs  two vectors in
+ *   c  fill a vector                s  statistics         d, h  blocks with carried state        f  vector files
+ *
+ * Labels in the contracts: real / complex (what happens to a sample), params, sizes (of the output), keeps, delta,
+ * alias (whether records may be the same), state, returns, fails (each cause of -1 and what is left untouched).
+ */
+#ifndef SIGVEX_H
+#define SIGVEX_H
+
+#include <stdint.h>
+#include <stdio.h>
+
+/* <complex.h> makes `complex` a keyword of C; here it is the name of a field. */
+#pragma push_macro("complex")
+#undef complex
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#if defined(_WIN32)
+#define DSP_API
+#else
+#define DSP_API __attribute__((visibility("default")))
+#endif
+
+/** A sampled signal in double precision. Zero-filled or passed to dsp_init before its first use. */
+typedef struct dsp_vector {
+  double delta;      /**< spacing of the samples in time or frequency; 1.0 after dsp_init */
+  double *data;      /**< the samples */
+  int32_t allocated; /**< capacity of data in scalars, not points; 0: data is not owned */
+  int32_t points;    /**< number of points */
+  int32_t complex;   /**< 0 real, otherwise complex; operations that set it write 1 */
+  uint64_t reserved; /**< zeroed by dsp_init and dsp_destroy, otherwise neither read nor written */
+} dsp_vector;
+
+/** A sampled signal in single precision; the fields as in dsp_vector. */
+typedef struct dspf_vector {
+  float delta;
+  float *data;
+  int32_t allocated;
+  int32_t points;
+  int32_t complex;
+  uint64_t reserved;
+} dspf_vector;
+
+#pragma pop_macro("complex")
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Record and storage
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+/**
+ * Makes an empty record: delta 1.0, everything else 0 or null. Frees nothing: a record that owns storage would leak it.
+ *   returns  0
+ */
+DSP_API int32_t dsp_init (dsp_vector  *v);
+DSP_API int32_t dspf_init(dspf_vector *v);
+
+/**
+ * Releases the storage the record owns (through the free hook if there is one) and makes the record empty as dsp_init
+ * does. A view is only forgotten. May be called any number of times.
+ *   returns  0
+ */
+DSP_API int32_t dsp_destroy (dsp_vector  *v);
+DSP_API int32_t dspf_destroy(dspf_vector *v);
+
+/**
+ * Makes data large enough for the present points and complex; when it grows, the contents are dropped.
+ *   sizes    exactly the scalars needed; a capacity that suffices is kept, contents included
+ *   alias    a view that is too small is replaced by a fresh block and left as it was
+ *   fails    storage: the record then has no data, allocated 0 and points 0
+ */
+DSP_API int32_t dsp_alloc (dsp_vector  *v);
+DSP_API int32_t dspf_alloc(dspf_vector *v);
+
+/**
+ * Makes data large enough for the present points and complex, keeping the first samples: as many scalars as the old
+ * point count and form held, or as the new ones need if that is less. Samples beyond those are indeterminate.
+ *   alias    a view that is too small is copied into a fresh block and left as it was
+ *   fails    storage: as dsp_alloc
+ */
+DSP_API int32_t dsp_realloc (dsp_vector  *v, int32_t old_points, int32_t old_complex);
+DSP_API int32_t dspf_realloc(dspf_vector *v, int32_t old_points, int32_t old_complex);
+
+/**
+ * Storage hooks, each with the record; what they return is ignored. Hooks are plain globals of each precision, to be
+ * set before other threads use the library. In the hooks points and complex have their new values, allocated its old.
+ *   alloc    must leave in data a block for the record's points and form, or null, and dispose of an owned old block
+ *   free     must release data; called only for records that own it
+ *   realloc  must leave in data a block for the record's points and form that holds the previous contents, or null
+ */
+typedef int32_t (*dsp_alloc_hook)(dsp_vector *v);
+typedef int32_t (*dsp_free_hook)(dsp_vector *v);
+typedef int32_t (*dsp_realloc_hook)(dsp_vector *v, int32_t old_points, int32_t old_complex);
+typedef int32_t (*dspf_alloc_hook)(dspf_vector *v);
+typedef int32_t (*dspf_free_hook)(dspf_vector *v);
+typedef int32_t (*dspf_realloc_hook)(dspf_vector *v, int32_t old_points, int32_t old_complex);
+
+/**
+ * Install a storage hook for the records of one precision; null restores the C heap.
+ *   params   previous: receives the hook installed so far, may be null
+ *   returns  0
+ */
+DSP_API int32_t dsp_lib_alloc (dsp_alloc_hook  hook, dsp_alloc_hook  *previous);
+DSP_API int32_t dspf_lib_alloc(dspf_alloc_hook hook, dspf_alloc_hook *previous);
+DSP_API int32_t dsp_lib_free (dsp_free_hook  hook, dsp_free_hook  *previous);
+DSP_API int32_t dspf_lib_free(dspf_free_hook hook, dspf_free_hook *previous);
+DSP_API int32_t dsp_lib_realloc (dsp_realloc_hook  hook, dsp_realloc_hook  *previous);
+DSP_API int32_t dspf_lib_realloc(dspf_realloc_hook hook, dspf_realloc_hook *previous);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Whole vectors: append, copy, cut, compare
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+/**
+ * Appends the source's points. A complex source makes a real destination complex first (imaginary parts 0.0); real
+ * points enter a complex destination as (x, 0.0).
+ *   keeps    the destination's delta; the source's is ignored
+ *   alias    appending a vector to itself doubles it
+ *   fails    storage
+ */
+DSP_API int32_t dsp_append (dsp_vector  *destination, const dsp_vector  *source);
+DSP_API int32_t dspf_append(dspf_vector *destination, const dspf_vector *source);
+
+/**
+ * Copies the whole source: delta, form, points and samples. Mind the order: the destination comes first.
+ *   fails    storage
+ */
+DSP_API int32_t dsp_copy (dsp_vector  *destination, const dsp_vector  *source);
+DSP_API int32_t dspf_copy(dspf_vector *destination, const dspf_vector *source);
+
+/** dsp_copy of the first `count` points, or of all of them if there are fewer; a negative count copies none. */
+DSP_API int32_t dsp_copy_at_most (dsp_vector  *destination, const dsp_vector  *source, int32_t count);
+DSP_API int32_t dspf_copy_at_most(dspf_vector *destination, const dspf_vector *source, int32_t count);
+
+/**
+ * Copies points start .. start + count - 1 of the source, cut to those it has, with its delta and form.
+ *   alias    source and destination may be one record or share storage
+ *   fails    storage
+ */
+DSP_API int32_t dspu_subvec (const dsp_vector  *source, dsp_vector  *destination, int32_t start, int32_t count);
+DSP_API int32_t dspfu_subvec(const dspf_vector *source, dspf_vector *destination, int32_t start, int32_t count);
+
+/**
+ * Writes source points start .. start + count - 1, cut to those it has, over the destination's points from `position`
+ * on (cut to the destination's length), growing it as needed; points behind them stay, nothing is shifted. A complex
+ * source makes a real destination complex; real points enter a complex one as (x, 0.0).
+ *   delta    becomes the source's
+ *   alias    source and destination may be one record or share storage
+ *   fails    storage
+ */
+DSP_API int32_t dsp_insert_subvec (const dsp_vector  *source, dsp_vector  *destination, int32_t start, int32_t count,
+                                   int32_t position);
+DSP_API int32_t dspf_insert_subvec(const dspf_vector *source, dspf_vector *destination, int32_t start, int32_t count,
+                                   int32_t position);
+
+/**
+ * Three-way comparison, decided by the first difference a - b beyond the tolerance: delta first, then point by point
+ * the real and the imaginary part, a real vector's imaginary parts counting as 0.0.
+ *   params   tolerance: largest difference that counts as equal
+ *            result: receives 1 (a greater), -1 (a less, or the difference is NaN) or 0
+ *   fails    unequal point counts (result untouched)
+ */
+DSP_API int32_t dsp_cmp (const dsp_vector  *a, const dsp_vector  *b, double tolerance, int32_t *result);
+DSP_API int32_t dspf_cmp(const dspf_vector *a, const dspf_vector *b, float  tolerance, int32_t *result);
+
+/**
+ * Converts to single precision, each sample and delta rounded to nearest. The twin has nothing to convert and copies.
+ *   fails    source and destination are one record (untouched); storage
+ */
+DSP_API int32_t dspu_tof (const dsp_vector  *source, dspf_vector *destination);
+DSP_API int32_t dspfu_tof(const dspf_vector *source, dspf_vector *destination);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Library frame
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+/**
+ * Creates the library's two locks; further calls only count. Without it the library runs unlocked, which is right for
+ * single-threaded use only. One function under both names.
+ *   returns  0
+ */
+DSP_API int32_t dsp_lib_init (void);
+DSP_API int32_t dspf_lib_init(void);
+
+/** The version as one integer, 3035006 for 3.35.6. One function under both names. */
+DSP_API int32_t dsp_version (void);
+DSP_API int32_t dspf_version(void);
+
+/**
+ * Releases every cache of this precision: permutation and twiddle tables, transform workspaces and plans, windows. May
+ * be called at any time; it waits for running transforms, and every cache is rebuilt on its next use.
+ *   fails    a plan that cannot be released; the caches after it are then kept
+ */
+DSP_API int32_t dsp_free_internal (void);
+DSP_API int32_t dspf_free_internal(void);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Elementwise, in place: arithmetic
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspi_abs (dsp_vector  *v);
+DSP_API int32_t dspfi_abs(dspf_vector *v);
+
+DSP_API int32_t dspi_neg (dsp_vector  *v);
+DSP_API int32_t dspfi_neg(dspf_vector *v);
+
+DSP_API int32_t dspi_scale (dsp_vector  *v, double factor);
+DSP_API int32_t dspfi_scale(dspf_vector *v, float  factor);
+
+DSP_API int32_t dspi_offset (dsp_vector  *v, double offset);
+DSP_API int32_t dspfi_offset(dspf_vector *v, float  offset);
+
+DSP_API int32_t dspi_cscale (dsp_vector  *v, double re, double im);
+DSP_API int32_t dspfi_cscale(dspf_vector *v, float  re, float  im);
+
+DSP_API int32_t dspi_timesi (dsp_vector  *v);
+DSP_API int32_t dspfi_timesi(dspf_vector *v);
+
+DSP_API int32_t dspi_limit (dsp_vector  *v, int32_t ignored, double a, double b, int32_t *clipped);
+DSP_API int32_t dspfi_limit(dspf_vector *v, int32_t ignored, float  a, float  b, int32_t *clipped);
+
+DSP_API int32_t dspi_recip (dsp_vector  *v);
+DSP_API int32_t dspfi_recip(dspf_vector *v);
+
+DSP_API int32_t dspi_square (dsp_vector  *v);
+DSP_API int32_t dspfi_square(dspf_vector *v);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Elementwise, in place: exponentials, logarithms, roots
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspi_exp (dsp_vector  *v);
+DSP_API int32_t dspfi_exp(dspf_vector *v);
+
+DSP_API int32_t dspi_exp10 (dsp_vector  *v);
+DSP_API int32_t dspfi_exp10(dspf_vector *v);
+
+DSP_API int32_t dspi_log (dsp_vector  *v);
+DSP_API int32_t dspfi_log(dspf_vector *v);
+
+DSP_API int32_t dspi_log10 (dsp_vector  *v);
+DSP_API int32_t dspfi_log10(dspf_vector *v);
+
+DSP_API int32_t dspi_db (dsp_vector  *v, double factor);
+DSP_API int32_t dspfi_db(dspf_vector *v, float  factor);
+
+DSP_API int32_t dspi_sqrt (dsp_vector  *v);
+DSP_API int32_t dspfi_sqrt(dspf_vector *v);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Elementwise, in place: trigonometric and hyperbolic
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspi_acos (dsp_vector  *v);
+DSP_API int32_t dspfi_acos(dspf_vector *v);
+
+DSP_API int32_t dspi_asin (dsp_vector  *v);
+DSP_API int32_t dspfi_asin(dspf_vector *v);
+
+DSP_API int32_t dspi_atan (dsp_vector  *v);
+DSP_API int32_t dspfi_atan(dspf_vector *v);
+
+DSP_API int32_t dspi_cos (dsp_vector  *v);
+DSP_API int32_t dspfi_cos(dspf_vector *v);
+
+DSP_API int32_t dspi_sin (dsp_vector  *v);
+DSP_API int32_t dspfi_sin(dspf_vector *v);
+
+DSP_API int32_t dspi_tan (dsp_vector  *v);
+DSP_API int32_t dspfi_tan(dspf_vector *v);
+
+DSP_API int32_t dspi_cosh (dsp_vector  *v);
+DSP_API int32_t dspfi_cosh(dspf_vector *v);
+
+DSP_API int32_t dspi_sinh (dsp_vector  *v);
+DSP_API int32_t dspfi_sinh(dspf_vector *v);
+
+DSP_API int32_t dspi_tanh (dsp_vector  *v);
+DSP_API int32_t dspfi_tanh(dspf_vector *v);
+
+DSP_API int32_t dspi_sinc (dsp_vector  *v);
+DSP_API int32_t dspfi_sinc(dspf_vector *v);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Elementwise, in place: Bessel functions and the functions not provided
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspi_besi0 (dsp_vector  *v);
+DSP_API int32_t dspfi_besi0(dspf_vector *v);
+
+DSP_API int32_t dspi_besj0 (dsp_vector  *v);
+DSP_API int32_t dspfi_besj0(dspf_vector *v);
+
+DSP_API int32_t dspi_besj1 (dsp_vector  *v);
+DSP_API int32_t dspfi_besj1(dspf_vector *v);
+
+DSP_API int32_t dspi_besy0 (dsp_vector  *v);
+DSP_API int32_t dspfi_besy0(dspf_vector *v);
+
+DSP_API int32_t dspi_besy1 (dsp_vector  *v);
+DSP_API int32_t dspfi_besy1(dspf_vector *v);
+
+DSP_API int32_t dspi_erf (dsp_vector  *v);
+DSP_API int32_t dspfi_erf(dspf_vector *v);
+
+DSP_API int32_t dspi_erfc (dsp_vector  *v);
+DSP_API int32_t dspfi_erfc(dspf_vector *v);
+
+DSP_API int32_t dspi_gamma (dsp_vector  *v);
+DSP_API int32_t dspfi_gamma(dspf_vector *v);
+
+DSP_API int32_t dspi_lgamma (dsp_vector  *v);
+DSP_API int32_t dspfi_lgamma(dspf_vector *v);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Elementwise, in place: real, complex and polar form
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspi_rtoc (dsp_vector  *v);
+DSP_API int32_t dspfi_rtoc(dspf_vector *v);
+
+DSP_API int32_t dspi_real (dsp_vector  *v);
+DSP_API int32_t dspfi_real(dspf_vector *v);
+
+DSP_API int32_t dspi_imag (dsp_vector  *v);
+DSP_API int32_t dspfi_imag(dspf_vector *v);
+
+DSP_API int32_t dspi_conj (dsp_vector  *v);
+DSP_API int32_t dspfi_conj(dspf_vector *v);
+
+DSP_API int32_t dspi_mag (dsp_vector  *v);
+DSP_API int32_t dspfi_mag(dspf_vector *v);
+
+DSP_API int32_t dspi_magsq (dsp_vector  *v);
+DSP_API int32_t dspfi_magsq(dspf_vector *v);
+
+DSP_API int32_t dspi_phase (dsp_vector  *v);
+DSP_API int32_t dspfi_phase(dspf_vector *v);
+
+DSP_API int32_t dspi_rtop (dsp_vector  *v);
+DSP_API int32_t dspfi_rtop(dspf_vector *v);
+
+DSP_API int32_t dspi_ptor (dsp_vector  *v);
+DSP_API int32_t dspfi_ptor(dspf_vector *v);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Two vectors in, one out
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspb_add (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
+DSP_API int32_t dspfb_add(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
+
+DSP_API int32_t dspb_sub (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
+DSP_API int32_t dspfb_sub(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
+
+DSP_API int32_t dspb_mul (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
+DSP_API int32_t dspfb_mul(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
+
+DSP_API int32_t dspb_conj_mul (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
+DSP_API int32_t dspfb_conj_mul(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
+
+DSP_API int32_t dspb_div (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
+DSP_API int32_t dspfb_div(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
+
+DSP_API int32_t dspb_avg_add (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result, double weight);
+DSP_API int32_t dspfb_avg_add(const dspf_vector *a, const dspf_vector *b, dspf_vector *result, float  weight);
+
+DSP_API int32_t dspb_max (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
+DSP_API int32_t dspfb_max(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
+
+DSP_API int32_t dspb_min (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
+DSP_API int32_t dspfb_min(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
+
+DSP_API int32_t dspb_ritoc (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
+DSP_API int32_t dspfb_ritoc(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
+
+DSP_API int32_t dspb_pmul (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
+DSP_API int32_t dspfb_pmul(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
+
+DSP_API int32_t dspbs_dot (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
+DSP_API int32_t dspfbs_dot(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Elementwise, into another vector
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspu_scale (const dsp_vector  *source, dsp_vector  *destination, double factor);
+DSP_API int32_t dspfu_scale(const dspf_vector *source, dspf_vector *destination, float  factor);
+
+DSP_API int32_t dspu_cscale (const dsp_vector  *source, dsp_vector  *destination, double re, double im);
+DSP_API int32_t dspfu_cscale(const dspf_vector *source, dspf_vector *destination, float  re, float  im);
+
+DSP_API int32_t dspu_sqrt (const dsp_vector  *source, dsp_vector  *destination);
+DSP_API int32_t dspfu_sqrt(const dspf_vector *source, dspf_vector *destination);
+
+DSP_API int32_t dspu_mag (const dsp_vector  *source, dsp_vector  *destination);
+DSP_API int32_t dspfu_mag(const dspf_vector *source, dspf_vector *destination);
+
+DSP_API int32_t dspu_magsq (const dsp_vector  *source, dsp_vector  *destination);
+DSP_API int32_t dspfu_magsq(const dspf_vector *source, dspf_vector *destination);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Order and length of a sequence
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspi_zero (dsp_vector  *v);
+DSP_API int32_t dspfi_zero(dspf_vector *v);
+
+DSP_API int32_t dspi_zpad (dsp_vector  *v, int32_t n);
+DSP_API int32_t dspfi_zpad(dspf_vector *v, int32_t n);
+
+DSP_API int32_t dspi_shift (dsp_vector  *v, int32_t count);
+DSP_API int32_t dspfi_shift(dspf_vector *v, int32_t count);
+
+DSP_API int32_t dspi_swap_halves (dsp_vector  *v);
+DSP_API int32_t dspfi_swap_halves(dspf_vector *v);
+
+DSP_API int32_t dspi_swap_halves2 (dsp_vector  *v);
+DSP_API int32_t dspfi_swap_halves2(dspf_vector *v);
+
+DSP_API int32_t dspi_rev (dsp_vector  *v);
+DSP_API int32_t dspfi_rev(dspf_vector *v);
+
+DSP_API int32_t dspi_sort (dsp_vector  *v);
+DSP_API int32_t dspfi_sort(dspf_vector *v);
+
+DSP_API int32_t dspi_shuffle (dsp_vector  *v);
+DSP_API int32_t dspfi_shuffle(dspf_vector *v);
+
+DSP_API int32_t dspi_orecon (dsp_vector  *v, uint32_t odd);
+DSP_API int32_t dspfi_orecon(dspf_vector *v, uint32_t odd);
+
+DSP_API int32_t dspi_recon (dsp_vector  *v);
+DSP_API int32_t dspfi_recon(dspf_vector *v);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Running structure of a sequence
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspi_differ (dsp_vector  *v);
+DSP_API int32_t dspfi_differ(dspf_vector *v);
+
+DSP_API int32_t dspi_integ (dsp_vector  *v);
+DSP_API int32_t dspfi_integ(dspf_vector *v);
+
+DSP_API int32_t dspi_unwrap (dsp_vector  *v);
+DSP_API int32_t dspfi_unwrap(dspf_vector *v);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Bit-reversed order
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspi_bitrev (dsp_vector  *v);
+DSP_API int32_t dspfi_bitrev(dspf_vector *v);
+
+DSP_API int32_t dspi_bitrev_scale (dsp_vector  *v, double factor);
+DSP_API int32_t dspfi_bitrev_scale(dspf_vector *v, float  factor);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Transform and threading settings
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dsp_dft_get_flags (uint32_t *flags);
+DSP_API int32_t dspf_dft_get_flags(uint32_t *flags);
+
+DSP_API int32_t dsp_dft_set_flags (uint32_t flags);
+DSP_API int32_t dspf_dft_set_flags(uint32_t flags);
+
+DSP_API int32_t dsp_omp_get_max_threads (int32_t *count);
+DSP_API int32_t dspf_omp_get_max_threads(int32_t *count);
+
+DSP_API int32_t dsp_omp_set_num_threads (int32_t count);
+DSP_API int32_t dspf_omp_set_num_threads(int32_t count);
+
+DSP_API int32_t dsp_kmp_get_blocktime (int32_t *milliseconds);
+DSP_API int32_t dspf_kmp_get_blocktime(int32_t *milliseconds);
+
+DSP_API int32_t dsp_kmp_set_blocktime (int32_t milliseconds);
+DSP_API int32_t dspf_kmp_set_blocktime(int32_t milliseconds);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Transforms of power-of-two length
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspi_fft (dsp_vector  *v, uint32_t inverse);
+DSP_API int32_t dspfi_fft(dspf_vector *v, uint32_t inverse);
+
+DSP_API int32_t dspi_rfft (dsp_vector  *v);
+DSP_API int32_t dspfi_rfft(dspf_vector *v);
+
+DSP_API int32_t dspi_irfft (dsp_vector  *v);
+DSP_API int32_t dspfi_irfft(dspf_vector *v);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Transforms of any length
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspi_dft (dsp_vector  *v, uint32_t inverse);
+DSP_API int32_t dspfi_dft(dspf_vector *v, uint32_t inverse);
+
+DSP_API int32_t dspi_rdft (dsp_vector  *v);
+DSP_API int32_t dspfi_rdft(dspf_vector *v);
+
+DSP_API int32_t dspi_irdft (dsp_vector  *v, uint32_t odd);
+DSP_API int32_t dspfi_irdft(dspf_vector *v, uint32_t odd);
+
+DSP_API int32_t dspi_dct (dsp_vector  *v, uint32_t flags);
+DSP_API int32_t dspfi_dct(dspf_vector *v, uint32_t flags);
+
+DSP_API int32_t dspi_hilbert (dsp_vector  *v);
+DSP_API int32_t dspfi_hilbert(dspf_vector *v);
+
+DSP_API int32_t dspi_analytic (dsp_vector  *v);
+DSP_API int32_t dspfi_analytic(dspf_vector *v);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Windows
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+/* window types: written by the owner of this section */
+
+DSP_API int32_t dspi_window (dsp_vector  *v, uint32_t type, uint32_t flags);
+DSP_API int32_t dspfi_window(dspf_vector *v, uint32_t type, uint32_t flags);
+
+DSP_API int32_t dspi_window2 (dsp_vector  *v, uint32_t type, uint32_t flags, double parameter);
+DSP_API int32_t dspfi_window2(dspf_vector *v, uint32_t type, uint32_t flags, float  parameter);
+
+DSP_API int32_t dspi_window_cos (dsp_vector  *v, uint32_t flags);
+DSP_API int32_t dspfi_window_cos(dspf_vector *v, uint32_t flags);
+
+DSP_API int32_t dspi_window_gauss (dsp_vector  *v, uint32_t flags, double width);
+DSP_API int32_t dspfi_window_gauss(dspf_vector *v, uint32_t flags, float  width);
+
+DSP_API int32_t dspi_window_kaiser (dsp_vector  *v, uint32_t flags, double beta);
+DSP_API int32_t dspfi_window_kaiser(dspf_vector *v, uint32_t flags, float  beta);
+
+DSP_API int32_t dspi_window_sinc (dsp_vector  *v, uint32_t flags, double width, double scale);
+DSP_API int32_t dspfi_window_sinc(dspf_vector *v, uint32_t flags, float  width, float  scale);
+
+DSP_API int32_t dspi_window_tukey (dsp_vector  *v, uint32_t flags, double fraction);
+DSP_API int32_t dspfi_window_tukey(dspf_vector *v, uint32_t flags, float  fraction);
+
+DSP_API int32_t dspi_window_fir (dsp_vector  *v, uint32_t type, uint32_t flags, double parameter);
+DSP_API int32_t dspfi_window_fir(dspf_vector *v, uint32_t type, uint32_t flags, float  parameter);
+
+DSP_API int32_t dsp_window_from_str (const char *text, uint32_t *type);
+DSP_API int32_t dspf_window_from_str(const char *text, uint32_t *type);
+
+DSP_API int32_t dsp_window_to_str (uint32_t type, char *buffer, int32_t size);
+DSP_API int32_t dspf_window_to_str(uint32_t type, char *buffer, int32_t size);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Window metrics
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dsp_window_scale (double *scale, uint32_t type, uint32_t flags, int32_t points);
+DSP_API int32_t dspf_window_scale(float  *scale, uint32_t type, uint32_t flags, int32_t points);
+
+DSP_API int32_t dsp_window2_scale (double *scale, uint32_t type, uint32_t flags, int32_t points, double parameter);
+DSP_API int32_t dspf_window2_scale(float  *scale, uint32_t type, uint32_t flags, int32_t points, float  parameter);
+
+DSP_API int32_t dsp_window_enbw (double *enbw, uint32_t type, int32_t points);
+DSP_API int32_t dspf_window_enbw(float  *enbw, uint32_t type, int32_t points);
+
+DSP_API int32_t dsp_window2_enbw (double *enbw, uint32_t type, int32_t points, double parameter);
+DSP_API int32_t dspf_window2_enbw(float  *enbw, uint32_t type, int32_t points, float  parameter);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Correlation
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dsph_corr (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result, dsp_vector  *work, int32_t m, uint32_t halve);
+DSP_API int32_t dspfh_corr(const dspf_vector *a, const dspf_vector *b, dspf_vector *result, dspf_vector *work, int32_t m, uint32_t halve);
+
+DSP_API int32_t dspb_corr (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result, dsp_vector  *work, int32_t m);
+DSP_API int32_t dspfb_corr(const dspf_vector *a, const dspf_vector *b, dspf_vector *result, dspf_vector *work, int32_t m);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Statistics
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dsps_sum (const dsp_vector  *v, dsp_vector  *result);
+DSP_API int32_t dspfs_sum(const dspf_vector *v, dspf_vector *result);
+
+DSP_API int32_t dsps_mean (const dsp_vector  *v, dsp_vector  *result);
+DSP_API int32_t dspfs_mean(const dspf_vector *v, dspf_vector *result);
+
+DSP_API int32_t dsps_gmean (const dsp_vector  *v, dsp_vector  *result);
+DSP_API int32_t dspfs_gmean(const dspf_vector *v, dspf_vector *result);
+
+DSP_API int32_t dsps_hmean (const dsp_vector  *v, dsp_vector  *result);
+DSP_API int32_t dspfs_hmean(const dspf_vector *v, dspf_vector *result);
+
+DSP_API int32_t dsps_median (const dsp_vector  *v, dsp_vector  *result);
+DSP_API int32_t dspfs_median(const dspf_vector *v, dspf_vector *result);
+
+DSP_API int32_t dsps_max (const dsp_vector  *v, dsp_vector  *result);
+DSP_API int32_t dspfs_max(const dspf_vector *v, dspf_vector *result);
+
+DSP_API int32_t dsps_min (const dsp_vector  *v, dsp_vector  *result);
+DSP_API int32_t dspfs_min(const dspf_vector *v, dspf_vector *result);
+
+DSP_API int32_t dsps_magsq_sum (const dsp_vector  *v, dsp_vector  *result);
+DSP_API int32_t dspfs_magsq_sum(const dspf_vector *v, dspf_vector *result);
+
+DSP_API int32_t dsps_rms (const dsp_vector  *v, dsp_vector  *result);
+DSP_API int32_t dspfs_rms(const dspf_vector *v, dspf_vector *result);
+
+DSP_API int32_t dsps_pop_var (const dsp_vector  *v, dsp_vector  *result);
+DSP_API int32_t dspfs_pop_var(const dspf_vector *v, dspf_vector *result);
+
+DSP_API int32_t dsps_pop_stddev (const dsp_vector  *v, dsp_vector  *result);
+DSP_API int32_t dspfs_pop_stddev(const dspf_vector *v, dspf_vector *result);
+
+DSP_API int32_t dsps_samp_var (const dsp_vector  *v, dsp_vector  *result);
+DSP_API int32_t dspfs_samp_var(const dspf_vector *v, dspf_vector *result);
+
+DSP_API int32_t dsps_samp_stddev (const dsp_vector  *v, dsp_vector  *result);
+DSP_API int32_t dspfs_samp_stddev(const dspf_vector *v, dspf_vector *result);
+
+DSP_API int32_t dsps_skew (const dsp_vector  *v, dsp_vector  *result);
+DSP_API int32_t dspfs_skew(const dspf_vector *v, dspf_vector *result);
+
+DSP_API int32_t dsps_excess (const dsp_vector  *v, dsp_vector  *result);
+DSP_API int32_t dspfs_excess(const dspf_vector *v, dspf_vector *result);
+
+DSP_API int32_t dsps_hist (const dsp_vector  *v, dsp_vector  *result, double lo, double width, int32_t bins);
+DSP_API int32_t dspfs_hist(const dspf_vector *v, dspf_vector *result, double lo, double width, int32_t bins);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Peak search
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dsps_peak (const dsp_vector  *v, dsp_vector  *result, uint32_t flags, int32_t index);
+DSP_API int32_t dspfs_peak(const dspf_vector *v, dspf_vector *result, uint32_t flags, int32_t index);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Vector files
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API FILE *dspf_fopen (const char *name, const char *mode);
+DSP_API FILE *dspff_fopen(const char *name, const char *mode);
+
+DSP_API int32_t dspf_fclose (FILE *stream);
+DSP_API int32_t dspff_fclose(FILE *stream);
+
+DSP_API int32_t dspf_fread (dsp_vector  *v, FILE *stream);
+DSP_API int32_t dspff_fread(dspf_vector *v, FILE *stream);
+
+DSP_API int32_t dspf_fwrite (const dsp_vector  *v, FILE *stream);
+DSP_API int32_t dspff_fwrite(const dspf_vector *v, FILE *stream);
+
+DSP_API int32_t dspf_fwrite2 (const dsp_vector  *v, FILE *stream, uint32_t flags);
+DSP_API int32_t dspff_fwrite2(const dspf_vector *v, FILE *stream, uint32_t flags);
+
+DSP_API int32_t dspf_fwrite_ascii (const dsp_vector  *v, FILE *stream);
+DSP_API int32_t dspff_fwrite_ascii(const dspf_vector *v, FILE *stream);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,56 @@
+#include "core/locks.h"
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <system_error>
+#include <thread>
+
+namespace sigvex {
+namespace {
+
+// Raw storage, so that nothing is constructed at load and nothing destroyed at exit, while threads may still run.
+struct Lock {
+  alignas(std::recursive_mutex) unsigned char storage[sizeof(std::recursive_mutex)];
+  std::atomic<bool> created;
+
+  std::recursive_mutex& mutex() { return *std::launder(reinterpret_cast<std::recursive_mutex*>(storage)); }
+};
+
+constinit Lock locks[2] = {};
+constinit std::atomic<int32_t> init_count{0};
+constexpr int32_t kInitCountLimit = 10000;  // the counter must not run away in a host that calls again and again
+
+}  // namespace
+
+void init_locks() {
+  const int32_t calls = ++init_count;
+  if (calls == 1) {
+    for (Lock& lock : locks) {
+      try {
+        std::construct_at(reinterpret_cast<std::recursive_mutex*>(lock.storage));
+        lock.created = true;
+      } catch (const std::system_error&) {
+      }
+    }
+  }
+  if (calls > kInitCountLimit) --init_count;
+}
+
+namespace detail {
+
+void enter(int lock) {
+  if (locks[lock].created) locks[lock].mutex().lock();
+}
+
+void leave(int lock) {
+  if (locks[lock].created) locks[lock].mutex().unlock();
+}
+
+}  // namespace detail
+
+void InUse::wait_for_none() {
+  for (std::chrono::milliseconds pause{6}; running_ != 0; ++pause) std::this_thread::sleep_for(pause);
+}
+
+}  // namespace sigvex

@@ -1,0 +1,71 @@
+// The record as the library's own code sees it: one name for both precisions, counts that cannot overflow, loops over
+// samples and points, and temporaries that release themselves.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+
+#include "sigvex.h"
+
+namespace sigvex {
+
+using Status = int32_t;
+inline constexpr Status kSuccess = 0;
+inline constexpr Status kFailure = -1;
+
+// Passes the negative status of a called operation up to the caller.
+#define SIGVEX_TRY(call)                                                                \
+  do {                                                                                  \
+    if (const ::sigvex::Status sigvex_status = (call); sigvex_status < 0) return sigvex_status; \
+  } while (false)
+
+template <class T> struct RecordOf;
+template <> struct RecordOf<double> { using type = dsp_vector; };
+template <> struct RecordOf<float> { using type = dspf_vector; };
+
+// The C record itself, so that nothing has to be converted or kept in step.
+template <class T> using Vector = typename RecordOf<T>::type;
+
+template <class T> struct Point {
+  T re, im;
+};
+
+// A negative count counts as none.
+inline size_t count(int32_t points) { return points > 0 ? static_cast<size_t>(points) : 0; }
+template <class T> size_t points(const Vector<T>& v) { return count(v.points); }
+
+// Scalars in `points` points of a form.
+inline size_t scalars(int32_t points, int32_t complex) { return count(points) * (complex ? 2 : 1); }
+template <class T> size_t size(const Vector<T>& v) { return scalars(v.points, v.complex); }
+
+inline constexpr size_t kMaxScalars = std::numeric_limits<int32_t>::max();
+inline bool fits(size_t n) { return n <= kMaxScalars; }
+
+template <class T> Point<T> point(const Vector<T>& v, size_t k) { return {v.data[2 * k], v.data[2 * k + 1]}; }
+template <class T> void set_point(Vector<T>& v, size_t k, Point<T> z) {
+  v.data[2 * k] = z.re;
+  v.data[2 * k + 1] = z.im;
+}
+
+// x = f(x) for every scalar: the samples of a real vector, both parts of a complex one.
+template <class T, class F> Status each_scalar(Vector<T>& v, F f) {
+  T* const x = v.data;
+  for (size_t k = 0, n = size<T>(v); k < n; ++k) x[k] = f(x[k]);
+  return kSuccess;
+}
+
+// z = f(z) for every point of a complex vector.
+template <class T, class F> Status each_point(Vector<T>& v, F f) {
+  for (size_t k = 0, n = points<T>(v); k < n; ++k) set_point<T>(v, k, f(point<T>(v, k)));
+  return kSuccess;
+}
+
+// Turns a complex vector into a real one in place: each point gives one sample.
+template <class T, class F> Status each_point_to_real(Vector<T>& v, F f) {
+  v.complex = 0;
+  for (size_t k = 0, n = points<T>(v); k < n; ++k) v.data[k] = f(point<T>(v, k));
+  return kSuccess;
+}
+
+}  // namespace sigvex

@@ -1,0 +1,46 @@
+// The elementwise and sequence operations that other files of the library build on, generic in the precision.
+#pragma once
+
+#include "core/vector.h"
+
+namespace sigvex::dspi {
+
+template <class T> Status scale(Vector<T>& v, T factor);
+template <class T> Status recip(Vector<T>& v);
+template <class T> Status exp(Vector<T>& v);
+template <class T> Status log(Vector<T>& v);
+template <class T> Status conj(Vector<T>& v);
+template <class T> Status real(Vector<T>& v);
+template <class T> Status rtoc(Vector<T>& v);
+template <class T> Status zero(Vector<T>& v);
+template <class T> Status zpad(Vector<T>& v, int32_t n);
+template <class T> Status rev(Vector<T>& v);
+template <class T> Status sort(Vector<T>& v);
+template <class T> Status swap_halves(Vector<T>& v);
+template <class T> Status swap_halves2(Vector<T>& v);
+template <class T> Status orecon(Vector<T>& v, uint32_t odd);
+template <class T> Status bitrev(Vector<T>& v);
+template <class T> Status bitrev_scale(Vector<T>& v, T factor);
+
+}  // namespace sigvex::dspi
+
+namespace sigvex::dspb {
+
+template <class T> Status mul(const Vector<T>& a, const Vector<T>& b, Vector<T>& result);
+template <class T> Status conj_mul(const Vector<T>& a, const Vector<T>& b, Vector<T>& result);
+template <class T> Status avg_add(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, T weight);
+template <class T> Status max(const Vector<T>& a, const Vector<T>& b, Vector<T>& result);
+template <class T> Status min(const Vector<T>& a, const Vector<T>& b, Vector<T>& result);
+
+}  // namespace sigvex::dspb
+
+namespace sigvex {
+
+// I0(x) for |x| <= ln huge; the Kaiser window shares it with dspi_besi0.
+template <class T> T bessel_i0(T x);
+
+// The result preparation shared by the pointwise binary operations and the out-of-place ones: delta the mean of the
+// inputs', form complex if either input is, points the first input's; storage sized, and kept where it is shared.
+template <class T> Status prepare_result(const Vector<T>& a, const Vector<T>& b, Vector<T>& result);
+
+}  // namespace sigvex
