@@ -78,6 +78,6 @@ template <class R, class... P, class... A> R call(R (*operation)(P...), A... arg
     return sigvex::call(operation SIGVEX_PASS_##arity);                                \
   }
 
-#define SIGVEX_EXPORT(family, op, arity)                                   \
+#define SIGVEX_EXPORT(family, op, arity)                                        \
   SIGVEX_EXPORT_ONE(dsp##family##_##op, sigvex::dsp##family::op<double>, arity) \
   SIGVEX_EXPORT_ONE(dspf##family##_##op, sigvex::dsp##family::op<float>, arity)

@@ -10,22 +10,22 @@ namespace sigvex {
 template <class T> struct Limits;
 
 template <> struct Limits<double> {
-  static constexpr double huge = 1e100;                       // stands for an infinite or unbounded result
-  static constexpr double tiny = DBL_MIN;                     // below it a logarithm has no meaning
+  static constexpr double huge = 1e100;    // stands for an infinite or unbounded result
+  static constexpr double tiny = DBL_MIN;  // below it a logarithm has no meaning
   static constexpr double epsilon = DBL_EPSILON;
-  static constexpr double ln_huge = 230.25850929940458;       // ln huge
+  static constexpr double ln_huge = 230.25850929940458;  // ln huge
   static constexpr double log10_huge = 100.0;
-  static constexpr double ln_tiny = -708.3964185322641;       // ln tiny
+  static constexpr double ln_tiny = -708.3964185322641;  // ln tiny
   static constexpr double log10_tiny = -307.6526555685888;
 };
 
 template <> struct Limits<float> {
-  static constexpr float huge = 999999986991104.0F;           // the float nearest 1e15
+  static constexpr float huge = 999999986991104.0F;  // the float nearest 1e15
   static constexpr float tiny = FLT_MIN;
   static constexpr float epsilon = FLT_EPSILON;
-  static constexpr float ln_huge = 34.538776381388636F;       // ln huge
-  static constexpr float log10_huge = 15.0F;                  // log10 huge, rounded
-  static constexpr float ln_tiny = -87.33654475055310F;       // ln tiny
+  static constexpr float ln_huge = 34.538776381388636F;  // ln huge
+  static constexpr float log10_huge = 15.0F;             // log10 huge, rounded
+  static constexpr float ln_tiny = -87.33654475055310F;  // ln tiny
   static constexpr float log10_tiny = -37.92977945366163F;
 };
 

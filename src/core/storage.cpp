@@ -128,10 +128,10 @@ Status lib_realloc(int32_t (*hook)(Vector<T>*, int32_t, int32_t), int32_t (**pre
 
 }  // namespace dsp
 
-#define SIGVEX_INSTANTIATE(T)                               \
-  template Status exhausted<T>(Vector<T>&);                 \
+#define SIGVEX_INSTANTIATE(T)                                   \
+  template Status exhausted<T>(Vector<T>&);                     \
   template bool overlap<T>(const Vector<T>&, const Vector<T>&); \
-  template Status shape<T>(Vector<T>&, size_t, int32_t);       \
+  template Status shape<T>(Vector<T>&, size_t, int32_t);        \
   template Status reshape<T>(Vector<T>&, size_t, int32_t);
 SIGVEX_INSTANTIATE(double)
 SIGVEX_INSTANTIATE(float)

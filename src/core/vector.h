@@ -15,8 +15,8 @@ inline constexpr Status kSuccess = 0;
 inline constexpr Status kFailure = -1;
 
 // Passes the negative status of a called operation up to the caller.
-#define SIGVEX_TRY(call)                                                                \
-  do {                                                                                  \
+#define SIGVEX_TRY(call)                                                                        \
+  do {                                                                                          \
     if (const ::sigvex::Status sigvex_status = (call); sigvex_status < 0) return sigvex_status; \
   } while (false)
 
@@ -27,9 +27,7 @@ template <> struct RecordOf<float> { using type = dspf_vector; };
 // The C record itself, so that nothing has to be converted or kept in step.
 template <class T> using Vector = typename RecordOf<T>::type;
 
-template <class T> struct Point {
-  T re, im;
-};
+template <class T> struct Point { T re, im; };
 
 // A negative count counts as none.
 inline size_t count(int32_t points) { return points > 0 ? static_cast<size_t>(points) : 0; }

@@ -43,7 +43,8 @@ TYPED_TEST(Contents, SubvecClampsStartAndCount) {
     int32_t start, count;
     std::vector<T> expected;
   };
-  const Row rows[] = {{1, 2, {2, 3}}, {9, 2, {}}, {2, 99, {3, 4}}, {0, -1, {}}, {-5, 2, {1, 2}}, {0, INT32_MAX, {1, 2, 3, 4}}};
+  const Row rows[] = {{1, 2, {2, 3}}, {9, 2, {}},      {2, 99, {3, 4}},
+                      {0, -1, {}},    {-5, 2, {1, 2}}, {0, INT32_MAX, {1, 2, 3, 4}}};
   for (const Row& row : rows) {
     Vec<T> source{1, 2, 3, 4}, destination{9, 9};
     source->delta = 3;

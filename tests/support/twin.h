@@ -15,6 +15,8 @@
 
 namespace sigvex_test {
 
+using ::testing::AssertionResult;
+
 template <class T> struct RecordOf;
 template <> struct RecordOf<double> { using type = dsp_vector; };
 template <> struct RecordOf<float> { using type = dspf_vector; };
@@ -115,7 +117,7 @@ template <class T> bool identical(T a, T b) {
 }
 
 // The scalars of a vector equal the expected ones exactly (NaN to NaN, -0.0 apart from 0.0).
-template <class T> ::testing::AssertionResult exactly(const Vec<T>& v, const std::vector<T>& expected) {
+template <class T> AssertionResult exactly(const Vec<T>& v, const std::vector<T>& expected) {
   if (v.size() != expected.size()) {
     return ::testing::AssertionFailure() << v.size() << " scalars, expected " << expected.size();
   }
@@ -130,15 +132,15 @@ template <class T> ::testing::AssertionResult exactly(const Vec<T>& v, const std
 
 // The scalars of a vector are within `tolerance` times the magnitude of the expected ones (at least `floor`).
 template <class T, class U>
-::testing::AssertionResult close(const Vec<T>& v, const std::vector<U>& expected, double tolerance, double floor = 0) {
+AssertionResult close(const Vec<T>& v, const std::vector<U>& expected, double tolerance, double floor = 0) {
   if (v.size() != expected.size()) {
     return ::testing::AssertionFailure() << v.size() << " scalars, expected " << expected.size();
   }
   for (size_t k = 0; k < expected.size(); ++k) {
     const double e = static_cast<double>(expected[k]), x = static_cast<double>(v[k]);
     if (!(std::abs(x - e) <= tolerance * std::max(std::abs(e), floor))) {
-      return ::testing::AssertionFailure() << "scalar " << k << " is " << ::testing::PrintToString(x) << ", expected "
-                                           << ::testing::PrintToString(e);
+      return ::testing::AssertionFailure()
+             << "scalar " << k << " is " << ::testing::PrintToString(x) << ", expected " << ::testing::PrintToString(e);
     }
   }
   return ::testing::AssertionSuccess();
