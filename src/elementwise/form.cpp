@@ -1,21 +1,89 @@
 // dspi_rtoc dspi_real dspi_imag dspi_conj dspi_mag dspi_magsq dspi_phase dspi_rtop dspi_ptor
 #include <cmath>
+#include <numbers>
 
 #include "core/exports.h"
 #include "core/limits.h"
 #include "core/scratch.h"
 #include "elementwise/operations.h"
+#include "elementwise/rules.h"
 
 namespace sigvex::dspi {
+namespace {
 
-// Spread from the last sample to the first, so that no second buffer is needed.
-template <class T> Status rtoc(Vector<T>& v) {
+// The origin has no direction, whatever the signs of its zeros: 0.
+template <class T>
+T angle(Point<T> z) {
+  return z.re == 0 && z.im == 0 ? T(0) : std::atan2(z.im, z.re);
+}
+
+}  // namespace
+
+template <class T>
+Status rtoc(Vector<T>& v) {
   if (v.complex) return kSuccess;
   SIGVEX_TRY(reshape<T>(v, points<T>(v), 1));
-  for (size_t k = points<T>(v); k-- > 0;) set_point<T>(v, k, {v.data[k], T(0)});
+  spread(v.data, v.data, points<T>(v), [](T x) -> Point<T> { return {x, T(0)}; });
   return kSuccess;
+}
+
+template <class T>
+Status real(Vector<T>& v) {
+  if (!v.complex) return kSuccess;
+  return each_point_to_real<T>(v, [](Point<T> z) { return z.re; });
+}
+
+template <class T>
+Status imag(Vector<T>& v) {
+  if (!v.complex) return each_scalar<T>(v, [](T) { return T(0); });
+  return each_point_to_real<T>(v, [](Point<T> z) { return z.im; });
+}
+
+template <class T>
+Status conj(Vector<T>& v) {
+  if (!v.complex) return kSuccess;
+  return each_point<T>(v, [](Point<T> z) -> Point<T> { return {z.re, -z.im}; });
+}
+
+template <class T>
+Status mag(Vector<T>& v) {
+  return v.complex ? each_point_to_real<T>(v, Magnitude()) : each_scalar<T>(v, Magnitude());
+}
+
+template <class T>
+Status magsq(Vector<T>& v) {
+  return v.complex ? each_point_to_real<T>(v, MagsqCapped()) : each_scalar<T>(v, MagsqCapped());
+}
+
+template <class T>
+Status phase(Vector<T>& v) {
+  if (!v.complex) return each_scalar<T>(v, [](T x) { return x < 0 ? std::numbers::pi_v<T> : T(0); });
+  return each_point_to_real<T>(v, angle<T>);
+}
+
+template <class T>
+Status rtop(Vector<T>& v) {
+  if (!v.complex) return kSuccess;
+  return each_point<T>(v, [](Point<T> z) -> Point<T> {
+    const Point<T> c = clamped(z);
+    return {Magnitude()(c), angle(c)};
+  });
+}
+
+template <class T>
+Status ptor(Vector<T>& v) {
+  if (!v.complex) return kSuccess;
+  return each_point<T>(v, [](Point<T> z) -> Point<T> { return {z.re * std::cos(z.im), z.re * std::sin(z.im)}; });
 }
 
 }  // namespace sigvex::dspi
 
 SIGVEX_EXPORT(i, rtoc, 1)
+SIGVEX_EXPORT(i, real, 1)
+SIGVEX_EXPORT(i, imag, 1)
+SIGVEX_EXPORT(i, conj, 1)
+SIGVEX_EXPORT(i, mag, 1)
+SIGVEX_EXPORT(i, magsq, 1)
+SIGVEX_EXPORT(i, phase, 1)
+SIGVEX_EXPORT(i, rtop, 1)
+SIGVEX_EXPORT(i, ptor, 1)

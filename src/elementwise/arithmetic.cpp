@@ -1,0 +1,102 @@
+// dspi_abs dspi_neg dspi_scale dspi_offset dspi_cscale dspi_timesi dspi_limit dspi_recip dspi_square
+#include <algorithm>
+#include <cmath>
+
+#include "core/exports.h"
+#include "core/limits.h"
+#include "core/scratch.h"
+#include "elementwise/operations.h"
+#include "elementwise/rules.h"
+
+namespace sigvex::dspi {
+namespace {
+
+// Points f(z) of a complex vector, or a real one made complex with the points f(x).
+template <class T, class F>
+Status each_as_complex(Vector<T>& v, F f) {
+  if (v.complex) return each_point<T>(v, f);
+  SIGVEX_TRY(reshape<T>(v, points<T>(v), 1));
+  spread(v.data, v.data, points<T>(v), f);
+  return kSuccess;
+}
+
+template <class T>
+struct TimesI {
+  Point<T> operator()(T x) const { return {T(0), x}; }
+  Point<T> operator()(Point<T> z) const { return {-z.im, z.re}; }
+};
+
+}  // namespace
+
+template <class T>
+Status abs(Vector<T>& v) {
+  if (v.complex) return kFailure;
+  return each_scalar<T>(v, Magnitude());
+}
+
+template <class T>
+Status neg(Vector<T>& v) {
+  return each_scalar<T>(v, [](T x) { return -x; });
+}
+
+template <class T>
+Status scale(Vector<T>& v, T factor) {
+  return each_scalar<T>(v, [=](T x) { return x * factor; });
+}
+
+template <class T>
+Status offset(Vector<T>& v, T offset) {
+  if (!v.complex) return each_scalar<T>(v, [=](T x) { return x + offset; });
+  return each_point<T>(v, [=](Point<T> z) -> Point<T> { return {z.re + offset, z.im}; });
+}
+
+template <class T>
+Status cscale(Vector<T>& v, T re, T im) {
+  return each_as_complex<T>(v, TimesComplex<T>{re, im});
+}
+
+template <class T>
+Status timesi(Vector<T>& v) {
+  return each_as_complex<T>(v, TimesI<T>());
+}
+
+template <class T>
+Status limit(Vector<T>& v, int32_t, T a, T b, int32_t* clipped) {
+  if (std::isnan(a) || std::isnan(b)) return kFailure;
+  const T low = std::min(a, b), high = std::max(a, b);
+  bool any = false;
+  each_scalar<T>(v, [=, &any](T x) {
+    const T y = x > high ? high : x >= low ? x : low;  // NaN counts as below
+    any |= y != x;
+    return y;
+  });
+  if (clipped) *clipped = any;
+  return kSuccess;
+}
+
+template <class T>
+Status recip(Vector<T>& v) {
+  if (!v.complex) return each_scalar<T>(v, [](T x) { return x > 0 || x < 0 ? 1 / x : x; });
+  return each_point<T>(v, [](Point<T> z) -> Point<T> {
+    const T m = magsq_capped(z), k = m > 0 ? 1 / m : Limits<T>::huge;
+    return {z.re * k, -z.im * k};
+  });
+}
+
+template <class T>
+Status square(Vector<T>& v) {
+  if (!v.complex) return each_scalar<T>(v, [](T x) { return x * x; });
+  return each_point<T>(v, [](Point<T> z) -> Point<T> { return {z.re * z.re - z.im * z.im, 2 * z.re * z.im}; });
+}
+
+}  // namespace sigvex::dspi
+
+SIGVEX_EXPORT(i, abs, 1)
+SIGVEX_EXPORT(i, neg, 1)
+SIGVEX_EXPORT(i, scale, 2)
+SIGVEX_EXPORT(i, offset, 2)
+SIGVEX_EXPORT(i, cscale, 3)
+SIGVEX_EXPORT(i, timesi, 1)
+SIGVEX_EXPORT(i, limit, 5)
+SIGVEX_EXPORT(i, recip, 1)
+SIGVEX_EXPORT(i, square, 1)

@@ -1,0 +1,67 @@
+// The rules of single samples that an operation in place and its form into another vector share, and the loop that
+// turns real samples into points.
+#pragma once
+
+#include <cmath>
+
+#include "core/limits.h"
+
+namespace sigvex {
+
+// Times re + j im.
+template <class T>
+struct TimesComplex {
+  T re, im;
+  Point<T> operator()(T x) const { return {x * re, x * im}; }
+  Point<T> operator()(Point<T> z) const { return {z.re * re - z.im * im, z.im * re + z.re * im}; }
+};
+
+// Negative numbers and NaN have no real root: 0. The complex root is the principal one.
+struct RootOrZero {
+  template <class T>
+  T operator()(T x) const {
+    return x >= 0 ? std::sqrt(x) : T(0);
+  }
+  template <class T>
+  Point<T> operator()(Point<T> z) const {
+    const T r = std::sqrt(bounded(z) ? std::sqrt(magsq(z)) : Limits<T>::huge);
+    if (!(r > 0)) return {0, 0};
+    const T half_angle = std::atan2(z.im, z.re) / 2;
+    return {r * std::cos(half_angle), r * std::sin(half_angle)};
+  }
+};
+
+struct Magnitude {
+  template <class T>
+  T operator()(T x) const {
+    return std::abs(x);
+  }  // clears the sign bit, of NaN too
+  template <class T>
+  T operator()(Point<T> z) const {
+    return std::hypot(z.re, z.im);
+  }
+};
+
+struct MagsqCapped {
+  template <class T>
+  T operator()(T x) const {
+    return bounded(x) ? x * x : Limits<T>::huge;
+  }
+  template <class T>
+  T operator()(Point<T> z) const {
+    return magsq_capped(z);
+  }
+};
+
+// Spreads n samples into points f(x), from the last to the first: the points may grow over the samples themselves, so
+// that no second buffer is needed.
+template <class T, class F>
+void spread(const T* samples, T* points, size_t n, F f) {
+  while (n-- > 0) {
+    const Point<T> z = f(samples[n]);
+    points[2 * n] = z.re;
+    points[2 * n + 1] = z.im;
+  }
+}
+
+}  // namespace sigvex
