@@ -26,6 +26,8 @@ template <class T> Status bitrev_scale(Vector<T>& v, T factor);
 
 namespace sigvex::dspb {
 
+template <class T> Status add(const Vector<T>& a, const Vector<T>& b, Vector<T>& result);
+template <class T> Status sub(const Vector<T>& a, const Vector<T>& b, Vector<T>& result);
 template <class T> Status mul(const Vector<T>& a, const Vector<T>& b, Vector<T>& result);
 template <class T> Status conj_mul(const Vector<T>& a, const Vector<T>& b, Vector<T>& result);
 template <class T> Status avg_add(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, T weight);
@@ -40,7 +42,18 @@ namespace sigvex {
 template <class T> T bessel_i0(T x);
 
 // The result preparation shared by the pointwise binary operations and the out-of-place ones: delta the mean of the
-// inputs', form complex if either input is, points the first input's; storage sized, and kept where it is shared.
+// inputs', points the first input's, form complex if either input is (or the form that is asked for); storage sized, its
+// contents kept where it is shared. The result may be an input record: take its form before, its data after. Where it
+// shares storage with an input without being that record, an owner of that storage keeps it.
 template <class T> Status prepare_result(const Vector<T>& a, const Vector<T>& b, Vector<T>& result);
+template <class T> Status prepare_result(const Vector<T>& a, const Vector<T>& b, int32_t complex, Vector<T>& result);
+
+// The storage half of it: sizes the result for n points of a form.
+template <class T>
+Status size_result(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t complex, Vector<T>& result);
+
+// Whether an input must be read from a copy: sizing the result for `need` scalars could move the input's storage away,
+// or the result would be written over samples that are still to be read. Storage that starts at one address is safe.
+template <class T> bool endangered(const Vector<T>& input, const Vector<T>& result, size_t need);
 
 }  // namespace sigvex

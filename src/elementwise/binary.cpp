@@ -1,0 +1,217 @@
+// dspb_add dspb_sub dspb_mul dspb_conj_mul dspb_div dspb_avg_add dspb_max dspb_min dspb_ritoc
+#include "core/exports.h"
+#include "core/limits.h"
+#include "core/scratch.h"
+#include "elementwise/operations.h"
+
+namespace sigvex::dspb {
+namespace {
+
+template <class T>
+Point<T> operator*(Point<T> z, T x) {
+  return {z.re * x, z.im * x};
+}
+template <class T>
+Point<T> operator*(Point<T> a, Point<T> b) {
+  return {a.re * b.re - a.im * b.im, a.im * b.re + a.re * b.im};
+}
+template <class T>
+Point<T> conj(Point<T> z) {
+  return {z.re, -z.im};
+}
+
+// result[k] = f(a[k], b[k]). The rule f has one overload for each pair of forms. Mixed forms go from the last point to
+// the first, so that a result which grows over a real input never overwrites samples not yet read.
+template <class T, class F>
+Status combine(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, F f) {
+  const int32_t complex = a.complex || b.complex;
+  if (endangered<T>(a, result, 0)) {  // the result leaves a block that a shares rather than moving it
+    Scratch<T> copy;
+    SIGVEX_TRY(dsp::copy<T>(copy, a));
+    return combine<T>(copy, b, result, f);
+  }
+  if (endangered<T>(b, result, scalars(a.points, complex))) {
+    Scratch<T> copy;
+    SIGVEX_TRY(dsp::copy<T>(copy, b));
+    return combine<T>(a, copy, result, f);
+  }
+  const bool real_a = !a.complex, real_b = !b.complex;  // before the result, which may be one of them, gets its form
+  SIGVEX_TRY(prepare_result<T>(a, b, result));
+  const size_t n = points<T>(result);
+  if (real_a && real_b) {
+    for (size_t k = 0; k < n; ++k) result.data[k] = f(a.data[k], b.data[k]);
+  } else if (real_a) {
+    for (size_t k = n; k-- > 0;) set_point<T>(result, k, f(a.data[k], point<T>(b, k)));
+  } else if (real_b) {
+    for (size_t k = n; k-- > 0;) set_point<T>(result, k, f(point<T>(a, k), b.data[k]));
+  } else {
+    for (size_t k = 0; k < n; ++k) set_point<T>(result, k, f(point<T>(a, k), point<T>(b, k)));
+  }
+  return kSuccess;
+}
+
+// The same with the shorter input extended by zeros.
+template <class T, class F>
+Status combine_padded(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, F f) {
+  if (points<T>(a) == points<T>(b)) return combine<T>(a, b, result, f);
+  const bool pad_a = points<T>(a) < points<T>(b);
+  Scratch<T> padded;
+  SIGVEX_TRY(dsp::copy<T>(padded, pad_a ? a : b));
+  SIGVEX_TRY(dspi::zpad<T>(padded, pad_a ? b.points : a.points));
+  return pad_a ? combine<T>(padded, b, result, f) : combine<T>(a, padded, result, f);
+}
+
+template <class T>
+struct Sum {
+  T operator()(T a, T b) const { return a + b; }
+  Point<T> operator()(T a, Point<T> b) const { return {a + b.re, b.im}; }
+  Point<T> operator()(Point<T> a, T b) const { return {a.re + b, a.im}; }
+  Point<T> operator()(Point<T> a, Point<T> b) const { return {a.re + b.re, a.im + b.im}; }
+};
+
+template <class T>
+struct Difference {
+  T operator()(T a, T b) const { return a - b; }
+  Point<T> operator()(T a, Point<T> b) const { return {a - b.re, -b.im}; }
+  Point<T> operator()(Point<T> a, T b) const { return {a.re - b, a.im}; }
+  Point<T> operator()(Point<T> a, Point<T> b) const { return {a.re - b.re, a.im - b.im}; }
+};
+
+template <class T>
+struct Product {
+  T operator()(T a, T b) const { return a * b; }
+  Point<T> operator()(T a, Point<T> b) const { return b * a; }
+  Point<T> operator()(Point<T> a, T b) const { return a * b; }
+  Point<T> operator()(Point<T> a, Point<T> b) const { return a * b; }
+};
+
+template <class T>
+struct ConjugateProduct {
+  T operator()(T a, T b) const { return a * b; }
+  Point<T> operator()(T a, Point<T> b) const { return conj(b) * a; }
+  Point<T> operator()(Point<T> a, T b) const { return a * b; }
+  Point<T> operator()(Point<T> a, Point<T> b) const { return a * conj(b); }
+};
+
+// A zero divisor gives huge (always positive), or 0 over 0.
+template <class T>
+struct Quotient {
+  static constexpr T kUnbounded = Limits<T>::huge;
+  static Point<T> by_zero(bool any_nonzero) { return any_nonzero ? Point<T>{kUnbounded, kUnbounded} : Point<T>{0, 0}; }
+  static bool nonzero(Point<T> z) { return z.re != 0 || z.im != 0; }
+
+  T operator()(T a, T b) const {
+    if (b != 0) return a / b;
+    return a != 0 ? kUnbounded : T(0);
+  }
+  Point<T> operator()(Point<T> a, T b) const { return b != 0 ? a * (1 / b) : by_zero(nonzero(a)); }
+  Point<T> operator()(T a, Point<T> b) const {
+    const T m = magsq(b);
+    return m > 0 ? conj(b) * a * (1 / m) : by_zero(a != 0 || nonzero(b));
+  }
+  Point<T> operator()(Point<T> a, Point<T> b) const {
+    const T m = magsq(b);
+    return m > 0 ? a * conj(b) * (1 / m) : by_zero(nonzero(a) || nonzero(b));
+  }
+};
+
+// (a - b) * weight + b: one step of an exponential average with the new data a and the running mean b.
+template <class T>
+struct AverageStep {
+  T weight;
+
+  T operator()(T a, T b) const { return (a - b) * weight + b; }
+  Point<T> operator()(T a, Point<T> b) const { return {(*this)(a, b.re), (1 - weight) * b.im}; }
+  Point<T> operator()(Point<T> a, T b) const { return {(*this)(a.re, b), a.im * weight}; }
+  Point<T> operator()(Point<T> a, Point<T> b) const { return {(*this)(a.re, b.re), (*this)(a.im, b.im)}; }
+};
+
+// Takes b wherever the comparison prefer(a, b) does not hold: ties, and NaN between real samples. Points are compared
+// by magnitude and taken whole.
+template <class T, bool (*prefer)(T, T)>
+struct Choice {
+  T operator()(T a, T b) const { return prefer(a, b) ? a : b; }
+  Point<T> operator()(T a, Point<T> b) const { return (*this)(Point<T>{a, 0}, b); }
+  Point<T> operator()(Point<T> a, T b) const { return (*this)(a, Point<T>{b, 0}); }
+  Point<T> operator()(Point<T> a, Point<T> b) const { return prefer(magsq_capped(a), magsq_capped(b)) ? a : b; }
+};
+template <class T>
+bool greater(T a, T b) {
+  return a > b;
+}
+template <class T>
+bool less(T a, T b) {
+  return a < b;
+}
+
+}  // namespace
+
+template <class T>
+Status add(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+  return combine_padded<T>(a, b, result, Sum<T>{});
+}
+
+template <class T>
+Status sub(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+  return combine_padded<T>(a, b, result, Difference<T>{});
+}
+
+template <class T>
+Status mul(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+  return combine<T>(a, b, result, Product<T>{});
+}
+
+template <class T>
+Status conj_mul(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+  return combine<T>(a, b, result, ConjugateProduct<T>{});
+}
+
+template <class T>
+Status div(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+  return combine<T>(a, b, result, Quotient<T>{});
+}
+
+template <class T>
+Status avg_add(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, T weight) {
+  return combine<T>(a, b, result, AverageStep<T>{weight});
+}
+
+template <class T>
+Status max(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+  return combine<T>(a, b, result, Choice<T, greater<T>>{});
+}
+
+template <class T>
+Status min(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+  return combine<T>(a, b, result, Choice<T, less<T>>{});
+}
+
+template <class T>
+Status ritoc(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+  if (a.complex || b.complex || points<T>(a) != points<T>(b)) return kFailure;
+  const size_t n = points<T>(a);
+  if (endangered<T>(a, result, 2 * n) || endangered<T>(b, result, 2 * n)) {
+    Scratch<T> re, im;
+    SIGVEX_TRY(dsp::copy<T>(re, a));
+    SIGVEX_TRY(dsp::copy<T>(im, b));
+    return ritoc<T>(re, im, result);
+  }
+  const T delta = a.delta * T(0.5);
+  const bool shared = result.data == a.data || result.data == b.data;
+  SIGVEX_TRY(shared ? size_result<T>(a, b, n, 1, result) : reshape<T>(result, n, 1));
+  result.delta = delta;
+  for (size_t k = n; k-- > 0;) set_point<T>(result, k, {a.data[k], b.data[k]});
+  return kSuccess;
+}
+
+}  // namespace sigvex::dspb
+
+SIGVEX_EXPORT(b, add, 3)
+SIGVEX_EXPORT(b, sub, 3)
+SIGVEX_EXPORT(b, mul, 3)
+SIGVEX_EXPORT(b, conj_mul, 3)
+SIGVEX_EXPORT(b, div, 3)
+SIGVEX_EXPORT(b, avg_add, 4)
+SIGVEX_EXPORT(b, max, 3)
+SIGVEX_EXPORT(b, min, 3)
+SIGVEX_EXPORT(b, ritoc, 3)

@@ -1,0 +1,142 @@
+// dspi_zero dspi_zpad dspi_shift dspi_swap_halves dspi_swap_halves2 dspi_rev dspi_sort
+#include <algorithm>
+#include <bit>
+#include <limits>
+#include <type_traits>
+
+#include "core/exports.h"
+#include "core/limits.h"
+#include "core/scratch.h"
+#include "elementwise/operations.h"
+
+namespace sigvex::dspi {
+namespace {
+
+// Calls f with the elements that move as one: samples, or whole points.
+template <class T, class F>
+Status rearrange(Vector<T>& v, F f) {
+  if (v.complex) {
+    f(reinterpret_cast<Point<T>*>(v.data), points<T>(v));
+  } else {
+    f(v.data, points<T>(v));
+  }
+  return kSuccess;
+}
+
+// An integer that orders as the numbers do, with -0.0 before 0.0 and every NaN before the numbers.
+template <class T>
+struct SortKey {
+  using Int = std::conditional_t<sizeof(T) == 8, int64_t, int32_t>;
+  using Bits = std::make_unsigned_t<Int>;
+  static constexpr int kSign = 8 * sizeof(T) - 1;
+  // Number of NaNs of one sign: as keys, those with a clear sign bit stand above infinity, and this carries them around
+  // to the lower end.
+  static constexpr Bits kNaNs = (Bits{1} << (std::numeric_limits<T>::digits - 1)) - 1;
+
+  static Int fold(Int bits) { return bits ^ ((bits >> kSign) & std::numeric_limits<Int>::max()); }
+  static Int of(T x) { return static_cast<Int>(static_cast<Bits>(fold(std::bit_cast<Int>(x))) + kNaNs); }
+  static T value(Int key) { return std::bit_cast<T>(fold(static_cast<Int>(static_cast<Bits>(key) - kNaNs))); }
+};
+
+// NaN counts as below every number.
+template <class T>
+int compare(T a, T b) {
+  if (a < b) return -1;
+  if (a > b) return 1;
+  return (a == a) - (b == b);
+}
+
+// By squared magnitude, then real part, then imaginary part.
+template <class T>
+bool before(Point<T> a, Point<T> b) {
+  int order = compare(magsq(a), magsq(b));
+  if (order == 0) order = compare(a.re, b.re);
+  if (order == 0) order = compare(a.im, b.im);
+  return order < 0;
+}
+
+}  // namespace
+
+template <class T>
+Status zpad(Vector<T>& v, int32_t n) {
+  if (count(n) <= points<T>(v)) return kSuccess;
+  const size_t end = size<T>(v);
+  SIGVEX_TRY(reshape<T>(v, count(n), v.complex));
+  std::fill(v.data + end, v.data + size<T>(v), T(0));
+  return kSuccess;
+}
+
+template <class T>
+Status zero(Vector<T>& v) {
+  const int32_t n = v.points;
+  v.points = 0;
+  return zpad<T>(v, n);
+}
+
+template <class T>
+Status shift(Vector<T>& v, int32_t n) {
+  const int64_t rest = int64_t{v.points} - n;
+  constexpr int64_t low = std::numeric_limits<int32_t>::min(), high = std::numeric_limits<int32_t>::max();
+  return dspu::subvec<T>(v, v, n, static_cast<int32_t>(std::clamp(rest, low, high)));
+}
+
+// One pass each. For an odd count the place that the longer half gives up first is saved; every other element has been
+// read before its place is written.
+template <class T>
+Status swap_halves(Vector<T>& v) {
+  return rearrange<T>(v, [](auto* x, size_t n) {
+    const size_t half = n / 2;
+    if (n % 2 == 0) {
+      std::swap_ranges(x, x + half, x + half);
+      return;
+    }
+    const auto saved = x[half];
+    for (size_t k = 0; k < half; ++k) {
+      const auto first = x[k];
+      x[k] = x[half + 1 + k];
+      x[half + k] = first;
+    }
+    x[n - 1] = saved;
+  });
+}
+
+template <class T>
+Status swap_halves2(Vector<T>& v) {
+  if (points<T>(v) % 2 == 0) return swap_halves<T>(v);
+  return rearrange<T>(v, [](auto* x, size_t n) {
+    const size_t half = n / 2;
+    const auto saved = x[n - 1];
+    for (size_t k = half; k-- > 0;) {
+      const auto second = x[half + k];
+      x[half + 1 + k] = x[k];
+      x[k] = second;
+    }
+    x[half] = saved;
+  });
+}
+
+template <class T>
+Status rev(Vector<T>& v) {
+  return rearrange<T>(v, [](auto* x, size_t n) { std::reverse(x, x + n); });
+}
+
+template <class T>
+Status sort(Vector<T>& v) {
+  if (v.complex) {
+    Point<T>* const z = reinterpret_cast<Point<T>*>(v.data);
+    std::sort(z, z + points<T>(v), before<T>);
+    return kSuccess;
+  }
+  std::sort(v.data, v.data + points<T>(v), [](T a, T b) { return SortKey<T>::of(a) < SortKey<T>::of(b); });
+  return kSuccess;
+}
+
+}  // namespace sigvex::dspi
+
+SIGVEX_EXPORT(i, zero, 1)
+SIGVEX_EXPORT(i, zpad, 2)
+SIGVEX_EXPORT(i, shift, 2)
+SIGVEX_EXPORT(i, swap_halves, 1)
+SIGVEX_EXPORT(i, swap_halves2, 1)
+SIGVEX_EXPORT(i, rev, 1)
+SIGVEX_EXPORT(i, sort, 1)

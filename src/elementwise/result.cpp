@@ -1,0 +1,59 @@
+// Where a result may be an input record, or another record over the same storage.
+#include "core/scratch.h"
+#include "elementwise/operations.h"
+
+namespace sigvex {
+namespace {
+
+template <class T>
+bool starts_with(const Vector<T>& result, const Vector<T>& input) {
+  return result.data == input.data;
+}
+
+}  // namespace
+
+template <class T>
+Status size_result(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t complex, Vector<T>& result) {
+  const bool on_a = starts_with<T>(result, a), on_b = starts_with<T>(result, b);
+  if (!on_a && !on_b) return shape<T>(result, n, complex);
+  // Not more than an input holds, whatever form another record over its storage was left with.
+  const int32_t old_complex = result.complex && ((on_a && a.complex) || (on_b && b.complex));
+  result.points = static_cast<int32_t>(n);
+  result.complex = complex;
+  // A block that has to grow is not taken from under another record: the result leaves it and gets one of its own. The
+  // first input keeps the block in any case, the second where it claims to own it.
+  const bool kept = (on_a && &result != &a) || (on_b && &result != &b && b.allocated > 0);
+  if (kept && count(result.allocated) < size<T>(result)) result.allocated = 0;
+  return dsp::realloc<T>(result, result.points, old_complex);
+}
+
+template <class T>
+Status prepare_result(const Vector<T>& a, const Vector<T>& b, int32_t complex, Vector<T>& result) {
+  const size_t n = points<T>(a);
+  if (n != points<T>(b)) return kFailure;
+  result.delta = (a.delta + b.delta) * T(0.5);
+  return size_result<T>(a, b, n, complex, result);
+}
+
+template <class T>
+Status prepare_result(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+  return prepare_result<T>(a, b, a.complex || b.complex, result);
+}
+
+template <class T>
+bool endangered(const Vector<T>& input, const Vector<T>& result, size_t need) {
+  if (&input == &result || !overlap<T>(input, result)) return false;
+  if (!starts_with<T>(result, input)) return true;
+  return input.allocated <= 0 && result.allocated > 0 && count(result.allocated) < need;  // viewed, and about to move
+}
+
+#define SIGVEX_INSTANTIATE(T)                                                                      \
+  template Status size_result<T>(const Vector<T>&, const Vector<T>&, size_t, int32_t, Vector<T>&); \
+  template Status prepare_result<T>(const Vector<T>&, const Vector<T>&, int32_t, Vector<T>&);      \
+  template Status prepare_result<T>(const Vector<T>&, const Vector<T>&, Vector<T>&);               \
+  template bool endangered<T>(const Vector<T>&, const Vector<T>&, size_t);
+SIGVEX_INSTANTIATE(double)
+SIGVEX_INSTANTIATE(float)
+#undef SIGVEX_INSTANTIATE
+
+}  // namespace sigvex
