@@ -12,56 +12,41 @@ namespace sigvex::dspi {
 namespace {
 
 // Points f(z) of a complex vector, or a real one made complex with the points f(x).
-template <class T, class F>
-Status each_as_complex(Vector<T>& v, F f) {
+template <class T, class F> Status each_as_complex(Vector<T>& v, F f) {
   if (v.complex) return each_point<T>(v, f);
   SIGVEX_TRY(reshape<T>(v, points<T>(v), 1));
   spread(v.data, v.data, points<T>(v), f);
   return kSuccess;
 }
 
-template <class T>
-struct TimesI {
+template <class T> struct TimesI {
   Point<T> operator()(T x) const { return {T(0), x}; }
   Point<T> operator()(Point<T> z) const { return {-z.im, z.re}; }
 };
 
 }  // namespace
 
-template <class T>
-Status abs(Vector<T>& v) {
+template <class T> Status abs(Vector<T>& v) {
   if (v.complex) return kFailure;
   return each_scalar<T>(v, Magnitude());
 }
 
-template <class T>
-Status neg(Vector<T>& v) {
+template <class T> Status neg(Vector<T>& v) {
   return each_scalar<T>(v, [](T x) { return -x; });
 }
 
-template <class T>
-Status scale(Vector<T>& v, T factor) {
-  return each_scalar<T>(v, [=](T x) { return x * factor; });
-}
+template <class T> Status scale(Vector<T>& v, T factor) { return each_scalar<T>(v, Times<T>{factor}); }
 
-template <class T>
-Status offset(Vector<T>& v, T offset) {
+template <class T> Status offset(Vector<T>& v, T offset) {
   if (!v.complex) return each_scalar<T>(v, [=](T x) { return x + offset; });
   return each_point<T>(v, [=](Point<T> z) -> Point<T> { return {z.re + offset, z.im}; });
 }
 
-template <class T>
-Status cscale(Vector<T>& v, T re, T im) {
-  return each_as_complex<T>(v, TimesComplex<T>{re, im});
-}
+template <class T> Status cscale(Vector<T>& v, T re, T im) { return each_as_complex<T>(v, TimesComplex<T>{re, im}); }
 
-template <class T>
-Status timesi(Vector<T>& v) {
-  return each_as_complex<T>(v, TimesI<T>());
-}
+template <class T> Status timesi(Vector<T>& v) { return each_as_complex<T>(v, TimesI<T>()); }
 
-template <class T>
-Status limit(Vector<T>& v, int32_t, T a, T b, int32_t* clipped) {
+template <class T> Status limit(Vector<T>& v, int32_t, T a, T b, int32_t* clipped) {
   if (std::isnan(a) || std::isnan(b)) return kFailure;
   const T low = std::min(a, b), high = std::max(a, b);
   bool any = false;
@@ -74,8 +59,7 @@ Status limit(Vector<T>& v, int32_t, T a, T b, int32_t* clipped) {
   return kSuccess;
 }
 
-template <class T>
-Status recip(Vector<T>& v) {
+template <class T> Status recip(Vector<T>& v) {
   if (!v.complex) return each_scalar<T>(v, [](T x) { return x > 0 || x < 0 ? 1 / x : x; });
   return each_point<T>(v, [](Point<T> z) -> Point<T> {
     const T m = magsq_capped(z), k = m > 0 ? 1 / m : Limits<T>::huge;
@@ -83,8 +67,7 @@ Status recip(Vector<T>& v) {
   });
 }
 
-template <class T>
-Status square(Vector<T>& v) {
+template <class T> Status square(Vector<T>& v) {
   if (!v.complex) return each_scalar<T>(v, [](T x) { return x * x; });
   return each_point<T>(v, [](Point<T> z) -> Point<T> { return {z.re * z.re - z.im * z.im, 2 * z.re * z.im}; });
 }

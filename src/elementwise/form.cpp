@@ -12,57 +12,46 @@ namespace sigvex::dspi {
 namespace {
 
 // The origin has no direction, whatever the signs of its zeros: 0.
-template <class T>
-T angle(Point<T> z) {
-  return z.re == 0 && z.im == 0 ? T(0) : std::atan2(z.im, z.re);
-}
+template <class T> T angle(Point<T> z) { return z.re == 0 && z.im == 0 ? T(0) : std::atan2(z.im, z.re); }
 
 }  // namespace
 
-template <class T>
-Status rtoc(Vector<T>& v) {
+template <class T> Status rtoc(Vector<T>& v) {
   if (v.complex) return kSuccess;
   SIGVEX_TRY(reshape<T>(v, points<T>(v), 1));
   spread(v.data, v.data, points<T>(v), [](T x) -> Point<T> { return {x, T(0)}; });
   return kSuccess;
 }
 
-template <class T>
-Status real(Vector<T>& v) {
+template <class T> Status real(Vector<T>& v) {
   if (!v.complex) return kSuccess;
   return each_point_to_real<T>(v, [](Point<T> z) { return z.re; });
 }
 
-template <class T>
-Status imag(Vector<T>& v) {
+template <class T> Status imag(Vector<T>& v) {
   if (!v.complex) return each_scalar<T>(v, [](T) { return T(0); });
   return each_point_to_real<T>(v, [](Point<T> z) { return z.im; });
 }
 
-template <class T>
-Status conj(Vector<T>& v) {
+template <class T> Status conj(Vector<T>& v) {
   if (!v.complex) return kSuccess;
   return each_point<T>(v, [](Point<T> z) -> Point<T> { return {z.re, -z.im}; });
 }
 
-template <class T>
-Status mag(Vector<T>& v) {
+template <class T> Status mag(Vector<T>& v) {
   return v.complex ? each_point_to_real<T>(v, Magnitude()) : each_scalar<T>(v, Magnitude());
 }
 
-template <class T>
-Status magsq(Vector<T>& v) {
+template <class T> Status magsq(Vector<T>& v) {
   return v.complex ? each_point_to_real<T>(v, MagsqCapped()) : each_scalar<T>(v, MagsqCapped());
 }
 
-template <class T>
-Status phase(Vector<T>& v) {
+template <class T> Status phase(Vector<T>& v) {
   if (!v.complex) return each_scalar<T>(v, [](T x) { return x < 0 ? std::numbers::pi_v<T> : T(0); });
   return each_point_to_real<T>(v, angle<T>);
 }
 
-template <class T>
-Status rtop(Vector<T>& v) {
+template <class T> Status rtop(Vector<T>& v) {
   if (!v.complex) return kSuccess;
   return each_point<T>(v, [](Point<T> z) -> Point<T> {
     const Point<T> c = clamped(z);
@@ -70,8 +59,7 @@ Status rtop(Vector<T>& v) {
   });
 }
 
-template <class T>
-Status ptor(Vector<T>& v) {
+template <class T> Status ptor(Vector<T>& v) {
   if (!v.complex) return kSuccess;
   return each_point<T>(v, [](Point<T> z) -> Point<T> { return {z.re * std::cos(z.im), z.re * std::sin(z.im)}; });
 }

@@ -6,9 +6,13 @@
 namespace sigvex::dspi {
 
 template <class T> Status scale(Vector<T>& v, T factor);
+template <class T> Status cscale(Vector<T>& v, T re, T im);
 template <class T> Status recip(Vector<T>& v);
 template <class T> Status exp(Vector<T>& v);
 template <class T> Status log(Vector<T>& v);
+template <class T> Status sqrt(Vector<T>& v);
+template <class T> Status mag(Vector<T>& v);
+template <class T> Status magsq(Vector<T>& v);
 template <class T> Status conj(Vector<T>& v);
 template <class T> Status real(Vector<T>& v);
 template <class T> Status rtoc(Vector<T>& v);

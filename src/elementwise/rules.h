@@ -8,9 +8,14 @@
 
 namespace sigvex {
 
+template <class T> struct Times {
+  T factor;
+  T operator()(T x) const { return x * factor; }
+  Point<T> operator()(Point<T> z) const { return {z.re * factor, z.im * factor}; }
+};
+
 // Times re + j im.
-template <class T>
-struct TimesComplex {
+template <class T> struct TimesComplex {
   T re, im;
   Point<T> operator()(T x) const { return {x * re, x * im}; }
   Point<T> operator()(Point<T> z) const { return {z.re * re - z.im * im, z.im * re + z.re * im}; }
@@ -18,12 +23,8 @@ struct TimesComplex {
 
 // Negative numbers and NaN have no real root: 0. The complex root is the principal one.
 struct RootOrZero {
-  template <class T>
-  T operator()(T x) const {
-    return x >= 0 ? std::sqrt(x) : T(0);
-  }
-  template <class T>
-  Point<T> operator()(Point<T> z) const {
+  template <class T> T operator()(T x) const { return x >= 0 ? std::sqrt(x) : T(0); }
+  template <class T> Point<T> operator()(Point<T> z) const {
     const T r = std::sqrt(bounded(z) ? std::sqrt(magsq(z)) : Limits<T>::huge);
     if (!(r > 0)) return {0, 0};
     const T half_angle = std::atan2(z.im, z.re) / 2;
@@ -32,36 +33,27 @@ struct RootOrZero {
 };
 
 struct Magnitude {
-  template <class T>
-  T operator()(T x) const {
-    return std::abs(x);
-  }  // clears the sign bit, of NaN too
-  template <class T>
-  T operator()(Point<T> z) const {
-    return std::hypot(z.re, z.im);
+  template <class T> T operator()(T x) const {
+    return std::abs(x);  // clears the sign bit, of NaN too
   }
+  template <class T> T operator()(Point<T> z) const { return std::hypot(z.re, z.im); }
 };
 
 struct MagsqCapped {
-  template <class T>
-  T operator()(T x) const {
-    return bounded(x) ? x * x : Limits<T>::huge;
-  }
-  template <class T>
-  T operator()(Point<T> z) const {
-    return magsq_capped(z);
-  }
+  template <class T> T operator()(T x) const { return bounded(x) ? x * x : Limits<T>::huge; }
+  template <class T> T operator()(Point<T> z) const { return magsq_capped(z); }
 };
+
+template <class T> void store(T* samples, size_t k, T x) { samples[k] = x; }
+template <class T> void store(T* points, size_t k, Point<T> z) {
+  points[2 * k] = z.re;
+  points[2 * k + 1] = z.im;
+}
 
 // Spreads n samples into points f(x), from the last to the first: the points may grow over the samples themselves, so
 // that no second buffer is needed.
-template <class T, class F>
-void spread(const T* samples, T* points, size_t n, F f) {
-  while (n-- > 0) {
-    const Point<T> z = f(samples[n]);
-    points[2 * n] = z.re;
-    points[2 * n + 1] = z.im;
-  }
+template <class T, class F> void spread(const T* samples, T* points, size_t n, F f) {
+  while (n-- > 0) store<T>(points, n, f(samples[n]));
 }
 
 }  // namespace sigvex

@@ -13,16 +13,12 @@ TWIN(i, limit);
 TWIN(i, recip);
 TWIN(i, square);
 
-template <class T>
-struct Arithmetic : ::testing::Test {};
+template <class T> struct Arithmetic : ::testing::Test {};
 TYPED_TEST_SUITE(Arithmetic, Precisions);
 
-template <class T>
-const auto kScale = [](Record<T>* v) { return scale(v, T(-2.5)); };
-template <class T>
-const auto kOffset = [](Record<T>* v) { return offset(v, T(3)); };
-template <class T>
-const auto kCscale = [](Record<T>* v) { return cscale(v, T(2), T(-3)); };
+template <class T> const auto kScale = [](Record<T>* v) { return scale(v, T(-2.5)); };
+template <class T> const auto kOffset = [](Record<T>* v) { return offset(v, T(3)); };
+template <class T> const auto kCscale = [](Record<T>* v) { return cscale(v, T(2), T(-3)); };
 
 TYPED_TEST(Arithmetic, EdgesOfRealSamples) {
   using T = TypeParam;

@@ -55,9 +55,9 @@ TYPED_TEST(Bessel, Edges) {
 }
 
 // Up to 20 the argument of the series, (x/2)^2, is off by half an epsilon, which the function magnifies up to ten times
-// (by x/2 times the ratio of I1 and I0), and the Horner steps round as often; an ulp may be half an epsilon. Above 20 an
-// exponential, a root and three products round once each, and the series stops within an epsilon. Single precision is
-// computed in double.
+// (by x/2 times the ratio of I1 and I0), and the Horner steps round as often; an ulp may be half an epsilon. Above 20
+// an exponential, a root and three products round once each, and the series stops within an epsilon. Single precision
+// is computed in double.
 TYPED_TEST(Bessel, ModifiedIsAccurateOnBothSidesOfTheSeam) {
   using T = TypeParam;
   const bool single = std::is_same_v<T, float>;

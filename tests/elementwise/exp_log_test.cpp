@@ -10,19 +10,14 @@ TWIN(i, log10);
 TWIN(i, db);
 TWIN(i, sqrt);
 
-template <class T>
-struct ExpLog : ::testing::Test {};
+template <class T> struct ExpLog : ::testing::Test {};
 TYPED_TEST_SUITE(ExpLog, Precisions);
 
 constexpr long double kLn10 = 2.302585092994045684017991454684364208L;
-template <class T>
-constexpr T kTiny = std::numeric_limits<T>::min();
-template <class T>
-const T kLnTiny = static_cast<T>(std::log(static_cast<long double>(kTiny<T>)));
-template <class T>
-const T kLog10Tiny = static_cast<T>(std::log10(static_cast<long double>(kTiny<T>)));
-template <class T>
-const auto kDb20 = [](Record<T>* v) { return db(v, T(20)); };
+template <class T> constexpr T kTiny = std::numeric_limits<T>::min();
+template <class T> const T kLnTiny = static_cast<T>(std::log(static_cast<long double>(kTiny<T>)));
+template <class T> const T kLog10Tiny = static_cast<T>(std::log10(static_cast<long double>(kTiny<T>)));
+template <class T> const auto kDb20 = [](Record<T>* v) { return db(v, T(20)); };
 
 TEST(ExpLogDouble, FloorsAndLimitsAreTheStatedNumbers) {
   Vec<double> v{0.0, -1.0};

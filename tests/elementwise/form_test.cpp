@@ -13,8 +13,7 @@ TWIN(i, phase);
 TWIN(i, rtop);
 TWIN(i, ptor);
 
-template <class T>
-struct FormOf : ::testing::Test {};
+template <class T> struct FormOf : ::testing::Test {};
 TYPED_TEST_SUITE(FormOf, Precisions);
 
 TYPED_TEST(FormOf, EdgesOfRealSamples) {

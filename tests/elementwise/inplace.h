@@ -12,19 +12,16 @@ namespace sigvex_test {
 
 enum class Form { kReal, kComplex };
 
-template <class T>
-using InPlace = std::function<int32_t(Record<T>*)>;
+template <class T> using InPlace = std::function<int32_t(Record<T>*)>;
 
-template <class T>
-struct EdgeRow {
+template <class T> struct EdgeRow {
   std::string name;
   InPlace<T> operation;
   std::vector<T> in, out;  // scalars
   Form from = Form::kReal, to = from;
 };
 
-template <class T>
-Vec<T> make(const std::vector<T>& scalars, Form form) {
+template <class T> Vec<T> make(const std::vector<T>& scalars, Form form) {
   if (form == Form::kReal) return Vec<T>(scalars);
   std::vector<std::complex<T>> points;
   for (size_t k = 0; k + 1 < scalars.size(); k += 2) points.emplace_back(scalars[k], scalars[k + 1]);
@@ -33,8 +30,7 @@ Vec<T> make(const std::vector<T>& scalars, Form form) {
 
 // Exact results; points and delta kept, the form as the row says; the same on an owned vector and on a view. Empty
 // vectors succeed too and take the same form.
-template <class T>
-void check_edges(const std::vector<EdgeRow<T>>& rows) {
+template <class T> void check_edges(const std::vector<EdgeRow<T>>& rows) {
   for (const EdgeRow<T>& row : rows) {
     for (const std::vector<T>& in : {row.in, std::vector<T>{}}) {
       Vec<T> owned = make(in, row.from), storage = owned, view;
@@ -89,8 +85,7 @@ double max_ulp(const InPlace<T>& operation, const std::function<long double(long
   return static_cast<double>(worst);
 }
 
-template <class T>
-void check_refuses_complex(const std::vector<InPlace<T>>& operations) {
+template <class T> void check_refuses_complex(const std::vector<InPlace<T>>& operations) {
   for (const InPlace<T>& operation : operations) {
     Vec<T> v = Vec<T>::pairs({{T(0.5), -2}, {-1, kNaN<T>}});
     EXPECT_EQ(operation(v), -1);
