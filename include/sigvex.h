@@ -601,51 +601,152 @@ DSP_API int32_t dspfb_corr(const dspf_vector *a, const dspf_vector *b, dspf_vect
  * Statistics
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/*
+ * For all statistics. They read v and give one point; n is the number of v's points.
+ *   sizes    result: 1 point, in the form of v where said so, else real; the histogram: its bins
+ *   delta    result's is left as it was, but for the histogram
+ *   alias    v and result may be one record or share storage
+ *   sums     in blocks of 2048 points: each block sum starts at 0.0 and runs in order, and the finished block sums are
+ *            added to the total in order, so every bit of a result is defined
+ *   clamped  brought into +-huge; NaN gives -huge
+ *   fails    storage; nothing fails for want of points
+ */
+
+/**
+ * Sum of the samples, nothing clamped; the real and the imaginary parts of complex points separately. Form of v.
+ *   returns  0; no points give 0.0
+ */
 DSP_API int32_t dsps_sum (const dsp_vector  *v, dsp_vector  *result);
 DSP_API int32_t dspfs_sum(const dspf_vector *v, dspf_vector *result);
 
+/**
+ * Arithmetic mean: dsps_sum, each part times 1.0 / n. Form of v.
+ *   returns  0; no points give 0.0
+ */
 DSP_API int32_t dsps_mean (const dsp_vector  *v, dsp_vector  *result);
 DSP_API int32_t dspfs_mean(const dspf_vector *v, dspf_vector *result);
 
+/**
+ * Geometric mean, by way of the plain product P of all samples from left to right, nothing scaled. Form of v.
+ *   real     exp(ln(P) / n) if P >= tiny, else 0.0: also for a negative, vanishing or NaN product; infinite if P is
+ *   complex  magnitude exp(ln(|P|^2) / 2n), angle arg(P) / n, if |P|^2 >= tiny, else (0, 0)
+ *   returns  0; no points give 0.0
+ */
 DSP_API int32_t dsps_gmean (const dsp_vector  *v, dsp_vector  *result);
 DSP_API int32_t dspfs_gmean(const dspf_vector *v, dspf_vector *result);
 
+/**
+ * Harmonic mean: n / S, S being the sum of the reciprocals. Form of v.
+ *   real     0.0 if a sample is 0.0; huge if S is 0.0
+ *   complex  parts clamped; 1 / |z|^2 counts as huge where z is 0, and 1 / |S|^2 where S is 0 or NaN
+ *   returns  0; no points give 0.0
+ */
 DSP_API int32_t dsps_hmean (const dsp_vector  *v, dsp_vector  *result);
 DSP_API int32_t dspfs_hmean(const dspf_vector *v, dspf_vector *result);
 
+/**
+ * The middle sample in the order of dspi_sort, or for an even number the mean of the two in the middle, real and
+ * imaginary parts of complex points separately. Form of v.
+ *   returns  0; no points give 0.0
+ *   fails    storage, also that of a sorted copy (result then untouched)
+ */
 DSP_API int32_t dsps_median (const dsp_vector  *v, dsp_vector  *result);
 DSP_API int32_t dspfs_median(const dspf_vector *v, dspf_vector *result);
 
+/**
+ * Largest sample. Form of v.
+ *   real     NaN and samples not above -huge are skipped; where only such are left: -huge
+ *   complex  the first point of largest squared magnitude, copied as it is; a point with a part outside +-huge, or NaN,
+ *            is rated as huge (the squared magnitude, not the magnitude)
+ *   returns  0; no points give 0.0
+ */
 DSP_API int32_t dsps_max (const dsp_vector  *v, dsp_vector  *result);
 DSP_API int32_t dspfs_max(const dspf_vector *v, dspf_vector *result);
 
+/**
+ * Smallest sample. Form of v.
+ *   real     NaN and samples not below huge are skipped; where only such are left: huge
+ *   complex  the first point of smallest squared magnitude, rated as in dsps_max, copied as it is
+ *   returns  0; no points give 0.0
+ */
 DSP_API int32_t dsps_min (const dsp_vector  *v, dsp_vector  *result);
 DSP_API int32_t dspfs_min(const dspf_vector *v, dspf_vector *result);
 
+/**
+ * Sum of the squares of the clamped samples, or of re^2 + im^2 of the clamped parts.
+ *   returns  0; no points give 0.0
+ */
 DSP_API int32_t dsps_magsq_sum (const dsp_vector  *v, dsp_vector  *result);
 DSP_API int32_t dspfs_magsq_sum(const dspf_vector *v, dspf_vector *result);
 
+/**
+ * Root mean square: the square root of dsps_magsq_sum divided by n.
+ *   returns  0; no points give 0.0
+ */
 DSP_API int32_t dsps_rms (const dsp_vector  *v, dsp_vector  *result);
 DSP_API int32_t dspfs_rms(const dspf_vector *v, dspf_vector *result);
 
+/**
+ * Variance of a population, from the sums S1 of d and S2 of d^2, d being the clamped deviations from a shift point c:
+ * c = (v[n/2] + v[0] + v[n-1]) * 0.3333333333333333.
+ *   real     S2 / n - (S1 / n)^2, the divisions being products with 1.0 / n; rounding may leave it just below 0.0
+ *   complex  the variance of the real parts plus that of the imaginary parts, each about its own shift point
+ *   returns  0; no points give 0.0
+ */
 DSP_API int32_t dsps_pop_var (const dsp_vector  *v, dsp_vector  *result);
 DSP_API int32_t dspfs_pop_var(const dspf_vector *v, dspf_vector *result);
 
+/**
+ * Standard deviation of a population: the square root of dsps_pop_var, NaN where rounding left that below 0.0.
+ *   returns  0; no points give 0.0
+ */
 DSP_API int32_t dsps_pop_stddev (const dsp_vector  *v, dsp_vector  *result);
 DSP_API int32_t dspfs_pop_stddev(const dspf_vector *v, dspf_vector *result);
 
+/**
+ * Variance of a sample: dsps_pop_var times n / (n - 1); of one point, the population's.
+ *   returns  0; no points give 0.0
+ */
 DSP_API int32_t dsps_samp_var (const dsp_vector  *v, dsp_vector  *result);
 DSP_API int32_t dspfs_samp_var(const dspf_vector *v, dspf_vector *result);
 
+/**
+ * Standard deviation of a sample: the square root of the product in dsps_samp_var, NaN below 0.0.
+ *   returns  0; no points give 0.0
+ */
 DSP_API int32_t dsps_samp_stddev (const dsp_vector  *v, dsp_vector  *result);
 DSP_API int32_t dspfs_samp_stddev(const dspf_vector *v, dspf_vector *result);
 
+/**
+ * Skewness, from the means m1, m2, m3 of d, d^2, d^3, d being the clamped deviations from (v[n/2] + v[0] + v[n-1]) / 3.
+ *   real     (m3 - 3 m2 m1 + 2 m1^3) / (m2 - m1^2)^1.5; over a denominator of 0.0: 0.0 if the numerator is, else huge
+ *   returns  0; no points give 0.0
+ *   fails    v is complex (result untouched); storage
+ */
 DSP_API int32_t dsps_skew (const dsp_vector  *v, dsp_vector  *result);
 DSP_API int32_t dspfs_skew(const dspf_vector *v, dspf_vector *result);
 
+/**
+ * Excess kurtosis, from the means m2, m4 of d^2, d^4, d being the clamped deviations from the mean of clamped samples.
+ *   real     m4 / m2^2 - 3.0; where m2^2 is 0.0: -3.0 if m4 is, else huge; samples all alike: -3.0
+ *   returns  0; no points give -3.0
+ *   fails    v is complex (result untouched); storage
+ */
 DSP_API int32_t dsps_excess (const dsp_vector  *v, dsp_vector  *result);
 DSP_API int32_t dspfs_excess(const dspf_vector *v, dspf_vector *result);
 
+/**
+ * Histogram of the samples, of a complex vector of the magnitudes. Bin k counts the values from lo + k width up to, not
+ * including, lo + (k + 1) width: position (x - lo) / width, cut to an integer. The upper edge of the last bin, with ten
+ * epsilon to spare, belongs to that bin. What is outside, or NaN, is not counted; a point with a part outside +-huge,
+ * or NaN, has the magnitude huge.
+ *   params   lo, width: any, in both precisions doubles, converted to the precision of v before use; a width of 0.0
+ *            counts only the values equal to lo, in bin 0
+ *            bins: number of bins; a negative number counts as none
+ *   sizes    result: one real point for each bin, the counts as samples (a float count stops at 16777216)
+ *   delta    width
+ *   fails    storage; where v and result are one record or share storage, also that of a temporary (result untouched)
+ */
 DSP_API int32_t dsps_hist (const dsp_vector  *v, dsp_vector  *result, double lo, double width, int32_t bins);
 DSP_API int32_t dspfs_hist(const dspf_vector *v, dspf_vector *result, double lo, double width, int32_t bins);
 
@@ -653,6 +754,38 @@ DSP_API int32_t dspfs_hist(const dspf_vector *v, dspf_vector *result, double lo,
  * Peak search
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/** Flags of dsps_peak: where to look, and one refinement. Bits not named here are ignored. */
+enum {
+  DSP_PEAK_PARABOLIC = 0x0100,       /**< parabola through the sample and its neighbours */
+  DSP_PEAK_GAUSS = 0x0200,           /**< Gaussian lobe through two samples */
+  DSP_PEAK_GAUSS_CORRECTED = 0x0300, /**< the same, its offset corrected for the shape of the lobe */
+  DSP_PEAK_REFINEMENT = 0x0700,      /**< mask of the refinement: 0 none, the three above, all else refused */
+  DSP_PEAK_AT_INDEX = 0x1000,        /**< take the sample at the given index, do not search */
+  DSP_PEAK_MINIMUM = 0x2000          /**< search the smallest sample instead of the largest */
+};
+
+/**
+ * Height and position of the largest (or smallest) sample, refined between samples on request. Result sample 0 is the
+ * height, sample 1 the position as a fractional index, not multiplied by delta.
+ *   real     samples are compared as they are; the first of equals wins, a NaN replaces the best so far and is replaced
+ *            by the sample after it; where none lies above -huge (for the minimum: below huge) the first is taken
+ *   complex  the same on squared magnitudes, which the height then is; a point with a part outside +-huge, or NaN,
+ *            counts as huge
+ *   params   flags: DSP_PEAK_...
+ *            index: for DSP_PEAK_AT_INDEX, brought into 0 .. points - 1
+ *   refine   parabolic: y0, y1, y2 at k - 1, k, k + 1 give a = (y2 - y0) / 2 and b = (y2 - 2 y1 + y0) / 2; position
+ *            k - a / 2b, height y1 - a^2 / 4b, not finite on a flat top (b = 0); none at the first and the last sample
+ *            Gaussian: from the pair ya, yb at k, k + 1 that encloses the peak, the offset
+ *            d = 0.792233201343665 ln(yb / ya), if corrected times 1 - 0.02036 (d^2 - 0.25), plus 0.5; position k + d,
+ *            height ya exp(0.6260852964868817 d^2), or if yb is larger yb exp(0.6260852964868817 (1 - d)^2);
+ *            none for fewer than two points
+ *   sizes    result: 2 points, real; no points in v give (0, 0)
+ *   delta    result's is left as it was; it becomes 1.0 where v itself is the result
+ *   alias    v and result may be one record or share storage
+ *   returns  0; -1 with the result written if the Gaussian offset left -0.5 .. 1.5 (or is NaN), taken then as 1.5 where
+ *            it was above and as -0.5 otherwise
+ *   fails    a refinement of 0x400 or more (result untouched, also without points); storage
+ */
 DSP_API int32_t dsps_peak (const dsp_vector  *v, dsp_vector  *result, uint32_t flags, int32_t index);
 DSP_API int32_t dspfs_peak(const dspf_vector *v, dspf_vector *result, uint32_t flags, int32_t index);
 

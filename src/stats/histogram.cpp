@@ -1,0 +1,62 @@
+// dsps_hist
+#include <cmath>
+
+#include "core/exports.h"
+#include "core/limits.h"
+#include "core/scratch.h"
+#include "elementwise/operations.h"
+
+namespace sigvex::dsps {
+namespace {
+
+template <class T> T magnitude(Point<T> z) { return bounded(z) ? std::sqrt(magsq(z)) : Limits<T>::huge; }
+
+// Adds one to the count of the bin that a sample falls into, if there is one.
+template <class T> class Bins {
+ public:
+  Bins(Vector<T>& counts, T lo, T width)
+      : counts_(counts.data), n_(points<T>(counts)), lo_(lo), width_(width), end_(static_cast<T>(n_)) {}
+
+  void add(T sample) {
+    const T v = position(sample);
+    if (v >= 0 && v < end_) {
+      counts_[static_cast<size_t>(v)] += 1;
+    } else if (v >= end_ && v < end_ * kTop) {
+      counts_[n_ - 1] += 1;
+    }
+  }
+
+ private:
+  // A sample on the top edge, found just outside by rounding, belongs to the last bin.
+  static constexpr T kTop = 1 + 10 * Limits<T>::epsilon;
+
+  T position(T sample) const {
+    const T v = sample - lo_;
+    if (width_ != 0) return v / width_;
+    return v == 0 ? T(0) : Limits<T>::huge;
+  }
+
+  T* counts_;
+  size_t n_;
+  T lo_, width_, end_;
+};
+
+}  // namespace
+
+template <class T> Status hist(const Vector<T>& v, Vector<T>& result, double lo, double width, int32_t bins) {
+  Scratch<T> scratch;
+  const bool shared = &result == &v || overlap<T>(v, result);
+  Vector<T>& out = shared ? scratch : result;
+  out.delta = static_cast<T>(width);
+  SIGVEX_TRY(shape<T>(out, count(bins), 0));
+  SIGVEX_TRY(dspi::zero<T>(out));
+  Bins<T> histogram(out, static_cast<T>(lo), static_cast<T>(width));
+  for (size_t k = 0, n = points<T>(v); k < n; ++k) {
+    histogram.add(v.complex ? magnitude(point<T>(v, k)) : v.data[k]);
+  }
+  return shared ? dsp::copy<T>(result, scratch) : kSuccess;
+}
+
+}  // namespace sigvex::dsps
+
+SIGVEX_EXPORT(s, hist, 5)

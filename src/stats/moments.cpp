@@ -1,0 +1,116 @@
+// dsps_pop_var dsps_pop_stddev dsps_samp_var dsps_samp_stddev dsps_skew dsps_excess
+//
+// All sums are of deviations from a point near the data, so that a large offset does not cancel the digits away.
+#include <cmath>
+
+#include "core/exports.h"
+#include "core/limits.h"
+#include "stats/blocks.h"
+#include "stats/operations.h"
+#include "stats/result.h"
+
+namespace sigvex::dsps {
+namespace {
+
+// The first, middle and last sample of part `part` in samples of `width` scalars; the shift point is their mean.
+template <class T> T shift_sum(const T* x, size_t n, size_t width = 1, size_t part = 0) {
+  return x[n / 2 * width + part] + x[part] + x[(n - 1) * width + part];
+}
+
+template <class T> T variance(const Vector<T>& v) {
+  const size_t n = points<T>(v);
+  if (n == 0) return 0;
+  const T* const x = v.data;
+  const T third = static_cast<T>(0.3333333333333333), weight = T(1) / static_cast<T>(n);
+  if (!v.complex) {
+    const T center = shift_sum(x, n) * third;
+    const auto [s1, s2] = block_sums<T, 2>(n, [=](size_t k) {
+      const T d = clamped(x[k] - center);
+      return Sums<T, 2>{d, d * d};
+    });
+    const T m1 = s1 * weight;
+    return s2 * weight - m1 * m1;
+  }
+  const Point<T> center{shift_sum(x, n, 2, 0) * third, shift_sum(x, n, 2, 1) * third};
+  const auto [re1, im1, re2, im2] = block_sums<T, 4>(n, [=](size_t k) {
+    const Point<T> d{clamped(x[2 * k] - center.re), clamped(x[2 * k + 1] - center.im)};
+    return Sums<T, 4>{d.re, d.im, d.re * d.re, d.im * d.im};
+  });
+  const Point<T> m1{re1 * weight, im1 * weight};
+  return re2 * weight + im2 * weight - m1.re * m1.re - m1.im * m1.im;
+}
+
+// n / (n - 1), which makes a population variance that of a sample; a single point has none to spare.
+template <class T> T sample_factor(const Vector<T>& v) {
+  const size_t n = points<T>(v);
+  return n > 1 ? static_cast<T>(n) / static_cast<T>(n - 1) : T(1);
+}
+
+template <class T> T skewness(const T* x, size_t n) {
+  if (n == 0) return 0;
+  const T center = shift_sum(x, n) / 3, count = static_cast<T>(n);
+  const auto [s1, s2, s3] = block_sums<T, 3>(n, [=](size_t k) {
+    const T d = clamped(x[k] - center);
+    return Sums<T, 3>{d, d * d, d * d * d};
+  });
+  const T m1 = s1 / count, m2 = s2 / count, m3 = s3 / count;
+  const T numerator = m3 - 3 * m2 * m1 + 2 * m1 * m1 * m1;
+  const T var = m2 - m1 * m1, denominator = var * std::sqrt(var);
+  if (denominator == 0) return numerator == 0 ? T(0) : Limits<T>::huge;
+  return numerator / denominator;
+}
+
+template <class T> T excess_kurtosis(const T* x, size_t n) {
+  constexpr T kNone = -3;  // of no samples, and of samples that are all alike
+  bool differ = false;
+  const auto [total] = block_sums<T, 1>(n, [x, &differ](size_t k) {
+    differ |= x[k] != x[0];
+    return Sums<T, 1>{clamped(x[k])};
+  });
+  if (!differ) return kNone;  // the rounding of the mean must not look like a deviation
+  const T weight = T(1) / static_cast<T>(n), mean = total * weight;
+  const auto [s2, s4] = block_sums<T, 2>(n, [=](size_t k) {
+    const T d = clamped(x[k] - mean), square = d * d;
+    return Sums<T, 2>{square, square * square};
+  });
+  const T var = s2 * weight, q = s4 * weight, var2 = var * var;
+  if (var2 == 0) return q == 0 ? kNone : Limits<T>::huge;
+  return q / var2 - 3;
+}
+
+}  // namespace
+
+template <class T> Status pop_var(const Vector<T>& v, Vector<T>& result) {
+  return write_real<T>(result, variance<T>(v));
+}
+
+template <class T> Status pop_stddev(const Vector<T>& v, Vector<T>& result) {
+  return write_real<T>(result, std::sqrt(variance<T>(v)));
+}
+
+template <class T> Status samp_var(const Vector<T>& v, Vector<T>& result) {
+  return write_real<T>(result, variance<T>(v) * sample_factor<T>(v));
+}
+
+template <class T> Status samp_stddev(const Vector<T>& v, Vector<T>& result) {
+  return write_real<T>(result, std::sqrt(variance<T>(v) * sample_factor<T>(v)));
+}
+
+template <class T> Status skew(const Vector<T>& v, Vector<T>& result) {
+  if (v.complex) return kFailure;
+  return write_real<T>(result, skewness<T>(v.data, points<T>(v)));
+}
+
+template <class T> Status excess(const Vector<T>& v, Vector<T>& result) {
+  if (v.complex) return kFailure;
+  return write_real<T>(result, excess_kurtosis<T>(v.data, points<T>(v)));
+}
+
+}  // namespace sigvex::dsps
+
+SIGVEX_EXPORT(s, pop_var, 2)
+SIGVEX_EXPORT(s, pop_stddev, 2)
+SIGVEX_EXPORT(s, samp_var, 2)
+SIGVEX_EXPORT(s, samp_stddev, 2)
+SIGVEX_EXPORT(s, skew, 2)
+SIGVEX_EXPORT(s, excess, 2)
