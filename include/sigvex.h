@@ -472,9 +472,20 @@ DSP_API int32_t dspfi_unwrap(dspf_vector *v);
  * Bit-reversed order
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/**
+ * Bit-reversed order, in place: with the index written in log2 points bits, point k goes to the index with these bits
+ * in reverse. Its own inverse. The exchange table of each length is kept until dsp_free_internal.
+ *   sizes    the point count must be a power of two; 1 is one
+ *   keeps    points, form, delta
+ *   returns  0
+ *   fails    any other count, exhausted memory: nothing changes
+ */
 DSP_API int32_t dspi_bitrev (dsp_vector  *v);
 DSP_API int32_t dspfi_bitrev(dspf_vector *v);
 
+/**
+ * As dspi_bitrev, and every sample, both parts of a complex one, times the factor.
+ */
 DSP_API int32_t dspi_bitrev_scale (dsp_vector  *v, double factor);
 DSP_API int32_t dspfi_bitrev_scale(dspf_vector *v, float  factor);
 

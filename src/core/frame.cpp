@@ -1,6 +1,4 @@
 // dsp_lib_init dsp_version dsp_free_internal
-#include <initializer_list>
-
 #include "core/caches.h"
 #include "core/exports.h"
 #include "core/locks.h"
@@ -8,7 +6,10 @@
 namespace sigvex::dsp {
 template <class T> Status free_internal() {
   // The order is part of the interface; a step that fails stops the release.
-  constexpr std::initializer_list<Status (*)()> steps = {};
+  constexpr Status (*steps[])() = {
+      release_bitrev<T>,
+      release_twiddles<T>,
+  };
   for (const auto release : steps) SIGVEX_TRY(release());
   return kSuccess;
 }
