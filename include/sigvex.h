@@ -493,21 +493,69 @@ DSP_API int32_t dspfi_bitrev_scale(dspf_vector *v, float  factor);
  * Transform and threading settings
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/**
+ * Bits of the transform flags, one word per precision, 0 at load. Other bits are kept as given and mean nothing, except
+ * that any nonzero word lets the thread settings below reach the OpenMP runtime.
+ */
+enum {
+  DSP_DFT_MKL_AVAILABLE = 0x1000, /**< transform library and OpenMP runtime are loaded; cannot be set or cleared */
+  DSP_DFT_USE_MKL = 0x2000,       /**< transforms of power-of-two length compute through the library */
+  DSP_DFT_KEEP_PLANS = 0x4000     /**< its plans stay cached; without it all are released after each transform */
+};
+
+/**
+ * First use. The first call in each precision that reads or sets a setting here, transforms, or releases the caches
+ * looks for a library with the DFTI interface and an OpenMP runtime, once and silently; both are optional, and a failed
+ * search is not repeated. If both are found, the three bits above are set. Callers in other threads do not wait for the
+ * search: until it ends they see flags 0.
+ *   searched   the file that SIGVEX_MKL_LIBRARY names, libmkl_rt.so.2, libmkl_rt.so; the file that SIGVEX_OMP_LIBRARY
+ *              names, libiomp5.so, libomp.so.5 (Windows: Corvanta_IntelMKL.dll; libiomp5md.dll). A file that does not
+ *              load or lacks an entry point is passed over; one that the process has loaded already is preferred.
+ *   sets       the environment variables MKL_DISABLE_FAST_MM to YES (and the library's buffer caching off) and
+ *              KMP_BLOCKTIME to 0, each only where it has no value, before either file is loaded
+ *
+ * dsp_dft_get_flags reads the flags.
+ *   params   flags: receives the word, may be null
+ *   returns  0
+ */
 DSP_API int32_t dsp_dft_get_flags (uint32_t *flags);
 DSP_API int32_t dspf_dft_get_flags(uint32_t *flags);
 
+/**
+ * Sets the flags. DSP_DFT_MKL_AVAILABLE stays as it is; where it is not set, all three bits stay clear.
+ *   returns  0
+ */
 DSP_API int32_t dsp_dft_set_flags (uint32_t flags);
 DSP_API int32_t dspf_dft_set_flags(uint32_t flags);
 
+/**
+ * The number of threads that the OpenMP runtime would use.
+ *   params   count: receives the number, 0 while the flags are 0 or without a runtime; null: nothing is done
+ *   returns  0
+ */
 DSP_API int32_t dsp_omp_get_max_threads (int32_t *count);
 DSP_API int32_t dspf_omp_get_max_threads(int32_t *count);
 
+/**
+ * Sets the number of threads of the OpenMP runtime and releases the cached plans, which carry the old number; waits for
+ * running transforms. Does nothing while the flags are 0 or without a runtime.
+ *   fails    a plan that cannot be released (the number is set, the cache empty all the same)
+ */
 DSP_API int32_t dsp_omp_set_num_threads (int32_t count);
 DSP_API int32_t dspf_omp_set_num_threads(int32_t count);
 
+/**
+ * How long the runtime's threads spin before they sleep.
+ *   params   milliseconds: receives the time, 0 while the flags are 0 or without a runtime; null: nothing is done
+ *   returns  0
+ */
 DSP_API int32_t dsp_kmp_get_blocktime (int32_t *milliseconds);
 DSP_API int32_t dspf_kmp_get_blocktime(int32_t *milliseconds);
 
+/**
+ * Passes the runtime the setting KMP_BLOCKTIME=milliseconds. Does nothing while the flags are 0 or without a runtime.
+ *   returns  0
+ */
 DSP_API int32_t dsp_kmp_set_blocktime (int32_t milliseconds);
 DSP_API int32_t dspf_kmp_set_blocktime(int32_t milliseconds);
 
@@ -803,17 +851,6 @@ DSP_API int32_t dspfs_peak(const dspf_vector *v, dspf_vector *result, uint32_t f
 /* ------------------------------------------------------------------------------------------------------------------
  * Vector files
  * ------------------------------------------------------------------------------------------------------------------ */
-
-/** What dspf_fwrite2 writes: one format, and up to two of the flags below it. */
-enum {
-  DSP_FILE_BINARY = 0,         /**< binary record, as dspf_fwrite */
-  DSP_FILE_ASCII = 1,          /**< "#DSP" text, which dspf_fread reads back */
-  DSP_FILE_SUMMARY = 2,        /**< one line: points, delta and the first 32 points */
-  DSP_FILE_GNUPLOT = 3,        /**< gnuplot script with its data */
-  DSP_FILE_TRACE = 4,          /**< keys and values separated by tabs, for an instrument's display */
-  DSP_FILE_NO_HEADER = 0x100,  /**< only the data */
-  DSP_FILE_NO_DATA = 0x200     /**< only the header */
-};
 
 DSP_API FILE *dspf_fopen (const char *name, const char *mode);
 DSP_API FILE *dspff_fopen(const char *name, const char *mode);

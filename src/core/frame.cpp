@@ -8,6 +8,9 @@ template <class T> Status free_internal() {
   // The order is part of the interface; a step that fails stops the release.
   constexpr Status (*steps[])() = {
       release_bitrev<T>,
+      release_dct<T>,
+      release_dft<T>,
+      release_plans<T>,
       release_twiddles<T>,
   };
   for (const auto release : steps) SIGVEX_TRY(release());

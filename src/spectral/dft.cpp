@@ -1,0 +1,135 @@
+// dspi_dft dspi_rdft dspi_irdft
+#include <bit>
+
+#include "core/caches.h"
+#include "core/exports.h"
+#include "core/locks.h"
+#include "core/scratch.h"
+#include "elementwise/operations.h"
+#include "spectral/engine.h"
+#include "spectral/operations.h"
+#include "spectral/roots.h"
+
+namespace sigvex {
+namespace {
+
+// Lengths that are no power of two, after Bluestein: jk = (j^2 + k^2 - (k-j)^2) / 2 turns the transform into a product
+// with a chirp, a convolution with the conjugate chirp, which transforms of M points compute, and a product again.
+// Kept for the forward direction of one length; the inverse multiplies by the conjugates, because the chirp's kernel is
+// even and so is its spectrum. Guarded by the work lock.
+template <class T> struct Bluestein {
+  Vector<T> chirp;   // e^(-i pi k^2/N), N points
+  Vector<T> kernel;  // inverse transform of the conjugate chirp, mirrored, M points
+  int32_t length;    // N, 0 while the two vectors are not built
+};
+template <class T> constinit Bluestein<T> bluestein{};
+
+// The smallest 4 * 2^k that holds the convolution, at least 2N - 2: the kernel's two outermost points are one.
+size_t convolution_length(int32_t n) { return 4 * std::bit_floor(static_cast<size_t>(n) - 2); }
+
+template <class T> Status build_chirp(Vector<T>& chirp, int32_t length) {
+  const size_t n = count(length);
+  SIGVEX_TRY(shape<T>(chirp, n, 1));
+  for (size_t k = 0, square = 0; k < n; ++k) {  // k^2 mod 2N, from step to step because it would outgrow its type
+    const Point<T> root = unit_root<T>(square, 2 * n);
+    set_point<T>(chirp, k, {root.re, -root.im});
+    square += 2 * k + 1;
+    if (square >= 2 * n) square -= 2 * n;
+  }
+  return kSuccess;
+}
+
+template <class T> Status build_kernel(Vector<T>& kernel, const Vector<T>& chirp) {
+  const size_t m = convolution_length(chirp.points);
+  SIGVEX_TRY(shape<T>(kernel, m, 1));
+  SIGVEX_TRY(dspi::zero<T>(kernel));
+  set_point<T>(kernel, 0, {T(1), T(0)});
+  for (size_t k = 1, n = points<T>(chirp); k < n; ++k) {
+    const Point<T> z = point<T>(chirp, k);
+    set_point<T>(kernel, k, {z.re, -z.im});
+    set_point<T>(kernel, m - k, {z.re, -z.im});
+  }
+  return dspi::fft<T>(kernel, 1);
+}
+
+template <class T> Status prepare(Bluestein<T>& work, int32_t length) {
+  if (work.length == length) return kSuccess;
+  work.length = 0;
+  SIGVEX_TRY(build_chirp<T>(work.chirp, length));
+  SIGVEX_TRY(build_kernel<T>(work.kernel, work.chirp));
+  work.length = length;
+  return kSuccess;
+}
+
+// z[k] *= factor * w[k], or by the conjugate.
+template <class T> void multiply(Vector<T>& z, const Vector<T>& w, bool conjugate, T factor) {
+  const T im_factor = conjugate ? -factor : factor;
+  for (size_t k = 0, n = points<T>(z); k < n; ++k) {
+    const Point<T> a = point<T>(z, k), b{w.data[2 * k] * factor, w.data[2 * k + 1] * im_factor};
+    set_point<T>(z, k, {a.re * b.re - a.im * b.im, a.im * b.re + a.re * b.im});
+  }
+}
+
+template <class T> Status chirp_transform(Vector<T>& v, bool inverse) {
+  const WorkLock lock;
+  Bluestein<T>& work = bluestein<T>;
+  SIGVEX_TRY(prepare<T>(work, v.points));
+  work.chirp.delta = v.delta;
+  SIGVEX_TRY((inverse ? dspb::conj_mul<T> : dspb::mul<T>)(v, work.chirp, v));
+  SIGVEX_TRY(dspi::zpad<T>(v, work.kernel.points));
+  SIGVEX_TRY(dspi::fft<T>(v, 1));
+  multiply<T>(v, work.kernel, inverse, inverse ? T(1) : T(1) / static_cast<T>(work.length));
+  SIGVEX_TRY(dspi::fft<T>(v, 0));
+  v.points = work.length;
+  multiply<T>(v, work.chirp, inverse, T(1));
+  return kSuccess;
+}
+
+}  // namespace
+
+template <class T> Status release_dft() {
+  const WorkLock lock;
+  Bluestein<T>& work = bluestein<T>;
+  work.length = 0;
+  SIGVEX_TRY(dsp::destroy<T>(work.chirp));
+  return dsp::destroy<T>(work.kernel);
+}
+template Status release_dft<double>();
+template Status release_dft<float>();
+
+namespace dspi {
+
+template <class T> Status dft(Vector<T>& v, uint32_t inverse) {
+  const T delta = v.delta;
+  if (v.points < 2) {
+    v.delta = bin_spacing<T>(delta, 1);
+    return kSuccess;
+  }
+  if (power_of_two(v.points)) return fft<T>(v, inverse);
+  SIGVEX_TRY(chirp_transform<T>(v, inverse != 0));
+  v.delta = bin_spacing<T>(delta, points<T>(v));
+  return kSuccess;
+}
+
+template <class T> Status rdft(Vector<T>& v) {
+  if (v.complex) return kFailure;
+  const int32_t n = v.points;
+  if (power_of_two(n)) return rfft<T>(v);
+  SIGVEX_TRY(dft<T>(v, 0));
+  if (n > 0) v.points = n / 2 + 1;
+  return kSuccess;
+}
+
+template <class T> Status irdft(Vector<T>& v, uint32_t odd) {
+  if (!odd && points<T>(v) > 1 && std::has_single_bit(2 * points<T>(v) - 2)) return irfft<T>(v);
+  SIGVEX_TRY(orecon<T>(v, odd));
+  SIGVEX_TRY(dft<T>(v, 1));
+  return real<T>(v);
+}
+
+}  // namespace dspi
+}  // namespace sigvex
+
+SIGVEX_EXPORT(i, dft, 2)
+SIGVEX_EXPORT(i, rdft, 1)
+SIGVEX_EXPORT(i, irdft, 2)

@@ -1,0 +1,158 @@
+#include <sys/time.h>
+
+#include <csignal>
+#include <thread>
+
+#include "support/fresh_process.h"
+#include "support/stand_in.h"
+#include "support/twin.h"
+
+namespace sigvex_test {
+namespace {
+
+TWIN(i, fft);
+TWIN(i, rfft);
+TWIN(, dft_set_flags);
+TWIN(, omp_set_num_threads);
+TWIN(, free_internal);
+TWIN(, lib_init);
+
+template <class T> struct Dfti : ::testing::Test {};
+TYPED_TEST_SUITE(Dfti, Precisions);
+
+// Rounding of sums of four or eight terms that are at most 4.
+template <class T> constexpr double kTolerance = 16.0 * kEps<T>;
+
+TYPED_TEST(Dfti, ComplexAndRealPlansAreBuiltOnceAndKept) {
+  using T = TypeParam;
+  IN_FRESH_PROCESS({
+    StandIn& library = use_stand_in();
+    Vec<T> v{1, 2, 3, 4};
+    v->delta = T(0.5);
+    ASSERT_EQ(fft(v.get(), 0U), 0);
+    EXPECT_TRUE(close(v, std::vector<T>{T(2.5), 0, T(-0.5), T(0.5), T(-0.5), 0, T(-0.5), T(-0.5)}, kTolerance<T>, 1));
+    EXPECT_EQ(v->delta, T(0.5));
+    EXPECT_EQ(library.precision, (std::is_same_v<T, double> ? 36 : 35));
+    EXPECT_EQ(library.domain, 32);
+    EXPECT_EQ(library.dimensions, 1);
+    EXPECT_EQ(library.length, 4);
+    EXPECT_EQ(library.forward_scale, 0.25);
+    ASSERT_EQ(fft(v.get(), 7U), 0);
+    EXPECT_TRUE(close(v, std::vector<T>{1, 0, 2, 0, 3, 0, 4, 0}, kTolerance<T>, 1));
+    EXPECT_EQ(library.computed + library.backward, 2);
+    EXPECT_EQ(library.created, 1);
+
+    Vec<T> real{1, 2, 3, 4};
+    real->delta = 0;
+    ASSERT_EQ(rfft(real.get()), 0);
+    EXPECT_TRUE(close(real, std::vector<T>{T(2.5), 0, T(-0.5), T(0.5), T(-0.5), 0}, kTolerance<T>, 1));
+    EXPECT_EQ(real->complex, 1);
+    EXPECT_EQ(real->allocated, 8);
+    EXPECT_EQ(real->delta, kHuge<T>);
+    EXPECT_EQ(library.domain, 33);
+    EXPECT_EQ(library.created, 2);
+    EXPECT_EQ(library.freed, 0);
+    EXPECT_EQ(free_internal.of<T>()(), 0);
+    EXPECT_EQ(library.freed, 2);
+    ASSERT_EQ(fft(v.get(), 0U), 0);
+    EXPECT_EQ(library.created, 3);
+  });
+}
+
+TYPED_TEST(Dfti, RefusesLengthsAndFormsBeforeAnyChange) {
+  using T = TypeParam;
+  IN_FRESH_PROCESS({
+    StandIn& library = use_stand_in();
+    Vec<T> three{1, 2, 3}, none, complex = Vec<T>::pairs({{1, 2}, {3, 4}});
+    EXPECT_EQ(fft(three.get(), 0U), -1);
+    EXPECT_EQ(rfft(three.get()), -1);
+    EXPECT_TRUE(exactly(three, {1, 2, 3}));
+    EXPECT_EQ(fft(none.get(), 0U), -1);
+    none->points = -4;
+    EXPECT_EQ(rfft(none.get()), -1);
+    EXPECT_EQ(rfft(complex.get()), -1);
+    EXPECT_TRUE(exactly(complex, {1, 2, 3, 4}));
+    EXPECT_EQ(library.created, 0);
+    Vec<T> one{5};
+    EXPECT_EQ(fft(one.get(), 0U), 0);  // a power of two, and complex after the library's transform
+    EXPECT_TRUE(exactly(one, {5, 0}));
+  });
+}
+
+TYPED_TEST(Dfti, PlansAreDroppedAfterEachTransformUnlessKept) {
+  using T = TypeParam;
+  IN_FRESH_PROCESS({
+    StandIn& library = use_stand_in();
+    EXPECT_EQ(dft_set_flags.of<T>()(DSP_DFT_USE_MKL), 0);
+    Vec<T> v{1, 2, 3, 4};
+    for (int k = 1; k <= 3; ++k) {
+      EXPECT_EQ(fft(v.get(), 0U), 0);
+      EXPECT_EQ(library.created, k);
+      EXPECT_EQ(library.freed, k);
+    }
+    library.failing = 'f';
+    EXPECT_EQ(fft(v.get(), 0U), -1);
+    EXPECT_EQ(free_internal.of<T>()(), 0);  // the cache is empty all the same
+    library.failing = 0;
+    EXPECT_EQ(dft_set_flags.of<T>()(0), 0);
+    EXPECT_EQ(fft(v.get(), 0U), 0);
+    EXPECT_EQ(library.created, 4);  // the library's own kernels
+  });
+}
+
+TYPED_TEST(Dfti, ThreadCountGoesIntoThePlans) {
+  using T = TypeParam;
+  IN_FRESH_PROCESS({
+    StandIn& library = use_stand_in();
+    Vec<T> v{1, 2, 3, 4};
+    EXPECT_EQ(omp_set_num_threads.of<T>()(2), 0);
+    EXPECT_EQ(fft(v.get(), 0U), 0);
+    EXPECT_EQ(library.user_threads, 0);
+    EXPECT_EQ(omp_set_num_threads.of<T>()(1), 0);
+    EXPECT_EQ(library.freed, 1);
+    EXPECT_EQ(fft(v.get(), 0U), 0);
+    EXPECT_EQ(library.user_threads, static_cast<long>(std::thread::hardware_concurrency()));
+    library.failing = 'f';
+    EXPECT_EQ(omp_set_num_threads.of<T>()(2), -1);
+    EXPECT_EQ(library.freed, 2);
+  });
+}
+
+// A release that waits for ever is ended by the alarm; one that returns ends the process with success.
+template <class T> void release_for_ever() {
+  const itimerval soon{{}, {0, 300000}};
+  setitimer(ITIMER_REAL, &soon, nullptr);
+  free_internal.of<T>()();
+}
+
+TYPED_TEST(Dfti, AFailedBuildClosesTheTables) {
+  using T = TypeParam;
+  for (const char call : {'c', 'n', 's', 'k'}) {
+    EXPECT_IN_FRESH_PROCESS(::testing::KilledBySignal(SIGALRM), {
+      lib_init();
+      StandIn& library = use_stand_in();
+      Vec<T> v{1, 2, 3, 4};
+      library.failing = call;
+      const int32_t refused = fft(v.get(), 0U), again = fft(v.get(), 0U);  // the lock is this thread's own
+      if (refused == -1 && again == -1) std::thread([] { release_for_ever<T>(); }).join();
+    });
+  }
+}
+
+TYPED_TEST(Dfti, AFailedTransformStaysCounted) {
+  using T = TypeParam;
+  EXPECT_IN_FRESH_PROCESS(::testing::KilledBySignal(SIGALRM), {
+    lib_init();
+    StandIn& library = use_stand_in();
+    Vec<T> v{1, 2, 3, 4};
+    library.failing = 'x';
+    const int32_t refused = fft(v.get(), 0U);
+    library.failing = 0;
+    int32_t elsewhere = -1;
+    std::thread([&] { elsewhere = fft(v.get(), 0U); }).join();  // the tables are open
+    if (refused == -1 && elsewhere == 0 && library.created == 1) release_for_ever<T>();
+  });
+}
+
+}  // namespace
+}  // namespace sigvex_test
