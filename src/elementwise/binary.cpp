@@ -3,27 +3,14 @@
 #include "core/limits.h"
 #include "core/scratch.h"
 #include "elementwise/operations.h"
+#include "elementwise/products.h"
 
 namespace sigvex::dspb {
 namespace {
 
-template <class T>
-Point<T> operator*(Point<T> z, T x) {
-  return {z.re * x, z.im * x};
-}
-template <class T>
-Point<T> operator*(Point<T> a, Point<T> b) {
-  return {a.re * b.re - a.im * b.im, a.im * b.re + a.re * b.im};
-}
-template <class T>
-Point<T> conj(Point<T> z) {
-  return {z.re, -z.im};
-}
-
 // result[k] = f(a[k], b[k]). The rule f has one overload for each pair of forms. Mixed forms go from the last point to
 // the first, so that a result which grows over a real input never overwrites samples not yet read.
-template <class T, class F>
-Status combine(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, F f) {
+template <class T, class F> Status combine(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, F f) {
   const int32_t complex = a.complex || b.complex;
   if (endangered<T>(a, result, 0)) {  // the result leaves a block that a shares rather than moving it
     Scratch<T> copy;
@@ -51,8 +38,7 @@ Status combine(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, F f) {
 }
 
 // The same with the shorter input extended by zeros.
-template <class T, class F>
-Status combine_padded(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, F f) {
+template <class T, class F> Status combine_padded(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, F f) {
   if (points<T>(a) == points<T>(b)) return combine<T>(a, b, result, f);
   const bool pad_a = points<T>(a) < points<T>(b);
   Scratch<T> padded;
@@ -61,41 +47,22 @@ Status combine_padded(const Vector<T>& a, const Vector<T>& b, Vector<T>& result,
   return pad_a ? combine<T>(padded, b, result, f) : combine<T>(a, padded, result, f);
 }
 
-template <class T>
-struct Sum {
+template <class T> struct Sum {
   T operator()(T a, T b) const { return a + b; }
   Point<T> operator()(T a, Point<T> b) const { return {a + b.re, b.im}; }
   Point<T> operator()(Point<T> a, T b) const { return {a.re + b, a.im}; }
   Point<T> operator()(Point<T> a, Point<T> b) const { return {a.re + b.re, a.im + b.im}; }
 };
 
-template <class T>
-struct Difference {
+template <class T> struct Difference {
   T operator()(T a, T b) const { return a - b; }
   Point<T> operator()(T a, Point<T> b) const { return {a - b.re, -b.im}; }
   Point<T> operator()(Point<T> a, T b) const { return {a.re - b, a.im}; }
   Point<T> operator()(Point<T> a, Point<T> b) const { return {a.re - b.re, a.im - b.im}; }
 };
 
-template <class T>
-struct Product {
-  T operator()(T a, T b) const { return a * b; }
-  Point<T> operator()(T a, Point<T> b) const { return b * a; }
-  Point<T> operator()(Point<T> a, T b) const { return a * b; }
-  Point<T> operator()(Point<T> a, Point<T> b) const { return a * b; }
-};
-
-template <class T>
-struct ConjugateProduct {
-  T operator()(T a, T b) const { return a * b; }
-  Point<T> operator()(T a, Point<T> b) const { return conj(b) * a; }
-  Point<T> operator()(Point<T> a, T b) const { return a * b; }
-  Point<T> operator()(Point<T> a, Point<T> b) const { return a * conj(b); }
-};
-
 // A zero divisor gives huge (always positive), or 0 over 0.
-template <class T>
-struct Quotient {
+template <class T> struct Quotient {
   static constexpr T kUnbounded = Limits<T>::huge;
   static Point<T> by_zero(bool any_nonzero) { return any_nonzero ? Point<T>{kUnbounded, kUnbounded} : Point<T>{0, 0}; }
   static bool nonzero(Point<T> z) { return z.re != 0 || z.im != 0; }
@@ -116,8 +83,7 @@ struct Quotient {
 };
 
 // (a - b) * weight + b: one step of an exponential average with the new data a and the running mean b.
-template <class T>
-struct AverageStep {
+template <class T> struct AverageStep {
   T weight;
 
   T operator()(T a, T b) const { return (a - b) * weight + b; }
@@ -128,66 +94,50 @@ struct AverageStep {
 
 // Takes b wherever the comparison prefer(a, b) does not hold: ties, and NaN between real samples. Points are compared
 // by magnitude and taken whole.
-template <class T, bool (*prefer)(T, T)>
-struct Choice {
+template <class T, bool (*prefer)(T, T)> struct Choice {
   T operator()(T a, T b) const { return prefer(a, b) ? a : b; }
   Point<T> operator()(T a, Point<T> b) const { return (*this)(Point<T>{a, 0}, b); }
   Point<T> operator()(Point<T> a, T b) const { return (*this)(a, Point<T>{b, 0}); }
   Point<T> operator()(Point<T> a, Point<T> b) const { return prefer(magsq_capped(a), magsq_capped(b)) ? a : b; }
 };
-template <class T>
-bool greater(T a, T b) {
-  return a > b;
-}
-template <class T>
-bool less(T a, T b) {
-  return a < b;
-}
+template <class T> bool greater(T a, T b) { return a > b; }
+template <class T> bool less(T a, T b) { return a < b; }
 
 }  // namespace
 
-template <class T>
-Status add(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+template <class T> Status add(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
   return combine_padded<T>(a, b, result, Sum<T>{});
 }
 
-template <class T>
-Status sub(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+template <class T> Status sub(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
   return combine_padded<T>(a, b, result, Difference<T>{});
 }
 
-template <class T>
-Status mul(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
-  return combine<T>(a, b, result, Product<T>{});
+template <class T> Status mul(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+  return combine<T>(a, b, result, [](auto x, auto y) { return x * y; });
 }
 
-template <class T>
-Status conj_mul(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
-  return combine<T>(a, b, result, ConjugateProduct<T>{});
+template <class T> Status conj_mul(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+  return combine<T>(a, b, result, [](auto x, auto y) { return x * conj(y); });
 }
 
-template <class T>
-Status div(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+template <class T> Status div(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
   return combine<T>(a, b, result, Quotient<T>{});
 }
 
-template <class T>
-Status avg_add(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, T weight) {
+template <class T> Status avg_add(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, T weight) {
   return combine<T>(a, b, result, AverageStep<T>{weight});
 }
 
-template <class T>
-Status max(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+template <class T> Status max(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
   return combine<T>(a, b, result, Choice<T, greater<T>>{});
 }
 
-template <class T>
-Status min(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+template <class T> Status min(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
   return combine<T>(a, b, result, Choice<T, less<T>>{});
 }
 
-template <class T>
-Status ritoc(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+template <class T> Status ritoc(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
   if (a.complex || b.complex || points<T>(a) != points<T>(b)) return kFailure;
   const size_t n = points<T>(a);
   if (endangered<T>(a, result, 2 * n) || endangered<T>(b, result, 2 * n)) {

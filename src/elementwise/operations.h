@@ -56,6 +56,10 @@ template <class T> Status prepare_result(const Vector<T>& a, const Vector<T>& b,
 template <class T>
 Status size_result(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t complex, Vector<T>& result);
 
+// A result that needs more than the block it shares with an input which owns it becomes a view of that block: the next
+// sizing gives it one of its own.
+template <class T> void leave_to_owner(const Vector<T>& input, Vector<T>& result, size_t need);
+
 // Whether an input must be read from a copy: sizing the result for `need` scalars could move the input's storage away,
 // or the result would be written over samples that are still to be read. Storage that starts at one address is safe.
 template <class T> bool endangered(const Vector<T>& input, const Vector<T>& result, size_t need);

@@ -1,4 +1,4 @@
-// dspi_zero dspi_zpad dspi_shift dspi_swap_halves dspi_swap_halves2 dspi_rev dspi_sort
+// dspi_zero dspi_zpad dspi_shift dspi_swap_halves dspi_swap_halves2 dspi_rev dspi_sort dspi_shuffle
 #include <algorithm>
 #include <bit>
 #include <limits>
@@ -6,15 +6,16 @@
 
 #include "core/exports.h"
 #include "core/limits.h"
+#include "core/locks.h"
 #include "core/scratch.h"
 #include "elementwise/operations.h"
+#include "generate/random_source.h"
 
 namespace sigvex::dspi {
 namespace {
 
 // Calls f with the elements that move as one: samples, or whole points.
-template <class T, class F>
-Status rearrange(Vector<T>& v, F f) {
+template <class T, class F> Status rearrange(Vector<T>& v, F f) {
   if (v.complex) {
     f(reinterpret_cast<Point<T>*>(v.data), points<T>(v));
   } else {
@@ -24,8 +25,7 @@ Status rearrange(Vector<T>& v, F f) {
 }
 
 // An integer that orders as the numbers do, with -0.0 before 0.0 and every NaN before the numbers.
-template <class T>
-struct SortKey {
+template <class T> struct SortKey {
   using Int = std::conditional_t<sizeof(T) == 8, int64_t, int32_t>;
   using Bits = std::make_unsigned_t<Int>;
   static constexpr int kSign = 8 * sizeof(T) - 1;
@@ -39,16 +39,14 @@ struct SortKey {
 };
 
 // NaN counts as below every number.
-template <class T>
-int compare(T a, T b) {
+template <class T> int compare(T a, T b) {
   if (a < b) return -1;
   if (a > b) return 1;
   return (a == a) - (b == b);
 }
 
 // By squared magnitude, then real part, then imaginary part.
-template <class T>
-bool before(Point<T> a, Point<T> b) {
+template <class T> bool before(Point<T> a, Point<T> b) {
   int order = compare(magsq(a), magsq(b));
   if (order == 0) order = compare(a.re, b.re);
   if (order == 0) order = compare(a.im, b.im);
@@ -57,8 +55,7 @@ bool before(Point<T> a, Point<T> b) {
 
 }  // namespace
 
-template <class T>
-Status zpad(Vector<T>& v, int32_t n) {
+template <class T> Status zpad(Vector<T>& v, int32_t n) {
   if (count(n) <= points<T>(v)) return kSuccess;
   const size_t end = size<T>(v);
   SIGVEX_TRY(reshape<T>(v, count(n), v.complex));
@@ -66,15 +63,13 @@ Status zpad(Vector<T>& v, int32_t n) {
   return kSuccess;
 }
 
-template <class T>
-Status zero(Vector<T>& v) {
+template <class T> Status zero(Vector<T>& v) {
   const int32_t n = v.points;
   v.points = 0;
   return zpad<T>(v, n);
 }
 
-template <class T>
-Status shift(Vector<T>& v, int32_t n) {
+template <class T> Status shift(Vector<T>& v, int32_t n) {
   const int64_t rest = int64_t{v.points} - n;
   constexpr int64_t low = std::numeric_limits<int32_t>::min(), high = std::numeric_limits<int32_t>::max();
   return dspu::subvec<T>(v, v, n, static_cast<int32_t>(std::clamp(rest, low, high)));
@@ -82,8 +77,7 @@ Status shift(Vector<T>& v, int32_t n) {
 
 // One pass each. For an odd count the place that the longer half gives up first is saved; every other element has been
 // read before its place is written.
-template <class T>
-Status swap_halves(Vector<T>& v) {
+template <class T> Status swap_halves(Vector<T>& v) {
   return rearrange<T>(v, [](auto* x, size_t n) {
     const size_t half = n / 2;
     if (n % 2 == 0) {
@@ -100,8 +94,7 @@ Status swap_halves(Vector<T>& v) {
   });
 }
 
-template <class T>
-Status swap_halves2(Vector<T>& v) {
+template <class T> Status swap_halves2(Vector<T>& v) {
   if (points<T>(v) % 2 == 0) return swap_halves<T>(v);
   return rearrange<T>(v, [](auto* x, size_t n) {
     const size_t half = n / 2;
@@ -115,13 +108,11 @@ Status swap_halves2(Vector<T>& v) {
   });
 }
 
-template <class T>
-Status rev(Vector<T>& v) {
+template <class T> Status rev(Vector<T>& v) {
   return rearrange<T>(v, [](auto* x, size_t n) { std::reverse(x, x + n); });
 }
 
-template <class T>
-Status sort(Vector<T>& v) {
+template <class T> Status sort(Vector<T>& v) {
   if (v.complex) {
     Point<T>* const z = reinterpret_cast<Point<T>*>(v.data);
     std::sort(z, z + points<T>(v), before<T>);
@@ -129,6 +120,17 @@ Status sort(Vector<T>& v) {
   }
   std::sort(v.data, v.data + points<T>(v), [](T a, T b) { return SortKey<T>::of(a) < SortKey<T>::of(b); });
   return kSuccess;
+}
+
+// Fisher and Yates: every place takes one of the elements not yet placed.
+template <class T> Status shuffle(Vector<T>& v) {
+  const WorkLock lock;
+  RandomSource& source = random_source<T>();
+  return rearrange<T>(v, [&source](auto* x, size_t n) {
+    for (size_t k = 0; k + 1 < n; ++k) {
+      if (const size_t ahead = source.draw31() % (n - k)) std::swap(x[k], x[k + ahead]);
+    }
+  });
 }
 
 }  // namespace sigvex::dspi
@@ -140,3 +142,4 @@ SIGVEX_EXPORT(i, swap_halves, 1)
 SIGVEX_EXPORT(i, swap_halves2, 1)
 SIGVEX_EXPORT(i, rev, 1)
 SIGVEX_EXPORT(i, sort, 1)
+SIGVEX_EXPORT(i, shuffle, 1)

@@ -5,12 +5,16 @@
 namespace sigvex {
 namespace {
 
-template <class T>
-bool starts_with(const Vector<T>& result, const Vector<T>& input) {
+template <class T> bool starts_with(const Vector<T>& result, const Vector<T>& input) {
   return result.data == input.data;
 }
 
 }  // namespace
+
+template <class T> void leave_to_owner(const Vector<T>& input, Vector<T>& result, size_t need) {
+  const bool owned = &input != &result && starts_with<T>(result, input) && input.allocated > 0;
+  if (owned && count(result.allocated) < need) result.allocated = 0;
+}
 
 template <class T>
 Status size_result(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t complex, Vector<T>& result) {
@@ -20,34 +24,31 @@ Status size_result(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t com
   const int32_t old_complex = result.complex && ((on_a && a.complex) || (on_b && b.complex));
   result.points = static_cast<int32_t>(n);
   result.complex = complex;
-  // A block that has to grow is not taken from under another record: the result leaves it and gets one of its own. The
-  // first input keeps the block in any case, the second where it claims to own it.
-  const bool kept = (on_a && &result != &a) || (on_b && &result != &b && b.allocated > 0);
-  if (kept && count(result.allocated) < size<T>(result)) result.allocated = 0;
+  if (on_a && &result != &a && count(result.allocated) < size<T>(result)) result.allocated = 0;
+  leave_to_owner<T>(b, result, size<T>(result));
   return dsp::realloc<T>(result, result.points, old_complex);
 }
 
-template <class T>
-Status prepare_result(const Vector<T>& a, const Vector<T>& b, int32_t complex, Vector<T>& result) {
+template <class T> Status prepare_result(const Vector<T>& a, const Vector<T>& b, int32_t complex, Vector<T>& result) {
   const size_t n = points<T>(a);
   if (n != points<T>(b)) return kFailure;
   result.delta = (a.delta + b.delta) * T(0.5);
   return size_result<T>(a, b, n, complex, result);
 }
 
-template <class T>
-Status prepare_result(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+template <class T> Status prepare_result(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
   return prepare_result<T>(a, b, a.complex || b.complex, result);
 }
 
-template <class T>
-bool endangered(const Vector<T>& input, const Vector<T>& result, size_t need) {
-  if (&input == &result || !overlap<T>(input, result)) return false;
+template <class T> bool endangered(const Vector<T>& input, const Vector<T>& result, size_t need) {
+  // A result that views is not written over: it gets a block of its own.
+  if (&input == &result || result.allocated <= 0 || !overlap<T>(input, result)) return false;
   if (!starts_with<T>(result, input)) return true;
-  return input.allocated <= 0 && result.allocated > 0 && count(result.allocated) < need;  // viewed, and about to move
+  return input.allocated <= 0 && count(result.allocated) < need;  // viewed, and about to move
 }
 
 #define SIGVEX_INSTANTIATE(T)                                                                      \
+  template void leave_to_owner<T>(const Vector<T>&, Vector<T>&, size_t);                           \
   template Status size_result<T>(const Vector<T>&, const Vector<T>&, size_t, int32_t, Vector<T>&); \
   template Status prepare_result<T>(const Vector<T>&, const Vector<T>&, int32_t, Vector<T>&);      \
   template Status prepare_result<T>(const Vector<T>&, const Vector<T>&, Vector<T>&);               \

@@ -13,14 +13,13 @@ TWIN(i, swap_halves);
 TWIN(i, swap_halves2);
 TWIN(i, rev);
 TWIN(i, sort);
+TWIN(i, shuffle);
 
-template <class T>
-struct Order : ::testing::Test {};
+template <class T> struct Order : ::testing::Test {};
 TYPED_TEST_SUITE(Order, Precisions);
 
 // n different points: 1, 2, 3 ... or (1, -1), (2, -2), (3, -3) ...
-template <class T>
-Vec<T> numbered(size_t n, bool complex) {
+template <class T> Vec<T> numbered(size_t n, bool complex) {
   std::vector<T> real(n);
   std::vector<std::complex<T>> pairs(n);
   for (size_t k = 0; k < n; ++k) {
@@ -31,8 +30,7 @@ Vec<T> numbered(size_t n, bool complex) {
 }
 
 // The vector whose point k is point from(k) of another.
-template <class T, class F>
-Vec<T> picked(const Vec<T>& v, F from) {
+template <class T, class F> Vec<T> picked(const Vec<T>& v, F from) {
   Vec<T> result = v;
   const size_t width = v->complex ? 2 : 1, n = static_cast<size_t>(v->points);
   for (size_t k = 0; k < n; ++k) {
@@ -140,8 +138,7 @@ TYPED_TEST(Order, SortOrdersRealsWithNaNFirst) {
 }
 
 // Any vector of n points that repeats some values and lacks others.
-template <class T>
-Vec<T> scattered(size_t n, bool complex) {
+template <class T> Vec<T> scattered(size_t n, bool complex) {
   Vec<T> v = numbered<T>(n, complex);
   uint32_t state = 1;
   for (size_t k = 0; k < v.size(); ++k) {
@@ -176,6 +173,40 @@ TYPED_TEST(Order, SortOrdersPointsByMagnitudeThenParts) {
   EXPECT_EQ(sort(z.get()), 0);
   EXPECT_TRUE(exactly(z, {kNaN<T>, 0, 0, kNaN<T>, 1, 1, -3, -4, -3, 4, 0, -5, 0, 5, 3, 4, 5, 0}));
   EXPECT_EQ(z->complex, 1);
+}
+
+TYPED_TEST(Order, ShuffleMovesWholePointsWithEqualChances) {
+  using T = TypeParam;
+  constexpr size_t kCount = 5, kRounds = 20000;
+  size_t seen[kCount][kCount] = {};  // how often each point came to each place
+  for (size_t round = 0; round < kRounds; ++round) {
+    Vec<T> z = numbered<T>(kCount, true);
+    EXPECT_EQ(shuffle(z.get()), 0);
+    bool present[kCount] = {};
+    for (size_t k = 0; k < kCount; ++k) {
+      const size_t point = static_cast<size_t>(z[2 * k]) - 1;
+      ASSERT_LT(point, kCount);
+      EXPECT_EQ(z[2 * k + 1], -z[2 * k]);
+      EXPECT_FALSE(std::exchange(present[point], true));
+      ++seen[point][k];
+    }
+  }
+  // Binomial: within 6 standard deviations of an equal share; all 50 checks fail by chance less than once in 10^7 runs.
+  const double share = double{kRounds} / kCount, deviation = std::sqrt(share * (1 - 1.0 / kCount));
+  for (const auto& places : seen) {
+    for (const size_t times : places) EXPECT_NEAR(static_cast<double>(times), share, 6 * deviation);
+  }
+}
+
+TYPED_TEST(Order, ShuffleOfALongVectorIsAPermutation) {
+  using T = TypeParam;
+  const Vec<T> original = numbered<T>(3000, false);
+  Vec<T> v = original, nothing;
+  EXPECT_EQ(shuffle(v.get()), 0);
+  EXPECT_NE(v.samples(), original.samples());
+  EXPECT_EQ(sort(v.get()), 0);
+  EXPECT_TRUE(exactly(v, original.samples()));
+  EXPECT_EQ(shuffle(nothing.get()), 0);
 }
 
 }  // namespace

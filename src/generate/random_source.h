@@ -1,0 +1,55 @@
+// The random source of a precision: 15-bit draws, four of them cut from each output of xoshiro256++ (D. Blackman and
+// S. Vigna, "Scrambled linear pseudorandom number generators", ACM TOMS 47, 2021; period 2^256 - 1).
+#pragma once
+
+#include <bit>
+#include <cstdint>
+
+namespace sigvex {
+
+class RandomSource {
+ public:
+  // The state is the start value spread by SplitMix64, as the generator's authors advise; never all zero.
+  void seed(uint32_t value);
+
+  // 0 .. 32767
+  uint32_t draw() {
+    if (left_ == 0) {
+      bits_ = next();
+      left_ = kDraws;
+    }
+    const uint32_t result = bits_ & 0x7FFF;
+    bits_ >>= 15;
+    --left_;
+    return result;
+  }
+
+  // 31 bits of three draws, the last one in the low 15 bits.
+  uint32_t draw31() {
+    const uint32_t first = draw(), second = draw(), third = draw();
+    return first << 16 | (second & 1) << 15 | third;
+  }
+
+ private:
+  static constexpr int kDraws = 4;
+
+  uint64_t next() {
+    const uint64_t result = std::rotl(state_[0] + state_[3], 23) + state_[0], shifted = state_[1] << 17;
+    state_[2] ^= state_[0];
+    state_[3] ^= state_[1];
+    state_[1] ^= state_[2];
+    state_[0] ^= state_[3];
+    state_[2] ^= shifted;
+    state_[3] = std::rotl(state_[3], 45);
+    return result;
+  }
+
+  uint64_t state_[4] = {};
+  uint64_t bits_ = 0;  // of the last output, those not yet drawn
+  int left_ = 0;       // draws in them
+};
+
+// The source of a precision, seeded at its first use in the process. Hold WorkLock while drawing.
+template <class T> RandomSource& random_source();
+
+}  // namespace sigvex
