@@ -1,0 +1,244 @@
+// Every operation with memory running out at every single request: -1, records that can still be destroyed, no leak.
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <string>
+
+#include "support/twin.h"
+
+namespace {
+
+// What the process's heap is told to do while a call is under test.
+struct Heap {
+  long granted = 0;     // blocks handed out and not yet freed
+  long remaining = -1;  // requests still served; -1 serves all
+  bool denied = false;  // a request was refused
+  bool counting = false;
+
+  bool refuses() {
+    if (remaining == 0) denied = true;
+    else if (remaining > 0) --remaining;
+    return denied;
+  }
+};
+Heap heap;
+
+template <class F> void* served(F request) {
+  if (!heap.counting) return request();
+  if (heap.refuses()) return nullptr;
+  void* const block = request();
+  heap.granted += block != nullptr;
+  return block;
+}
+
+}  // namespace
+
+// The C library's own entry points behind the public names that this program replaces.
+extern "C" {
+void* __libc_malloc(size_t);
+void* __libc_calloc(size_t, size_t);
+void* __libc_realloc(void*, size_t);
+void* __libc_memalign(size_t, size_t);
+void __libc_free(void*);
+
+void* malloc(size_t n) noexcept {
+  return served([n] { return __libc_malloc(n); });
+}
+void* calloc(size_t n, size_t width) noexcept {
+  return served([n, width] { return __libc_calloc(n, width); });
+}
+void* aligned_alloc(size_t alignment, size_t n) noexcept {
+  return served([alignment, n] { return __libc_memalign(alignment, n); });
+}
+void* memalign(size_t alignment, size_t n) noexcept { return aligned_alloc(alignment, n); }
+int posix_memalign(void** block, size_t alignment, size_t n) noexcept {
+  *block = aligned_alloc(alignment, n);
+  return *block ? 0 : 12;
+}
+void free(void* block) noexcept {
+  if (heap.counting && block) --heap.granted;
+  __libc_free(block);
+}
+void* realloc(void* block, size_t n) noexcept {
+  if (!heap.counting) return __libc_realloc(block, n);
+  if (heap.refuses()) return nullptr;
+  void* const grown = __libc_realloc(block, n);
+  heap.granted += !block && grown;
+  return grown;
+}
+}
+
+namespace sigvex_test {
+namespace {
+
+TWIN(, append);
+TWIN(, insert_subvec);
+TWIN(, free_internal);
+TWIN(, destroy);
+TWIN(i, dft);
+TWIN(i, rdft);
+TWIN(i, irdft);
+TWIN(i, fft);
+TWIN(i, rfft);
+TWIN(i, irfft);
+TWIN(i, dct);
+TWIN(i, hilbert);
+TWIN(i, analytic);
+TWIN(i, bitrev);
+TWIN(i, bitrev_scale);
+TWIN(i, orecon);
+TWIN(i, zero);
+TWIN(i, zpad);
+TWIN(i, shift);
+TWIN(i, sort);
+TWIN(i, shuffle);
+TWIN(i, swap_halves);
+TWIN(i, cscale);
+TWIN(i, timesi);
+TWIN(i, window2);
+TWIN(i, window_fir);
+TWIN(, window2_enbw);
+TWIN(b, add);
+TWIN(b, mul);
+TWIN(b, div);
+TWIN(b, ritoc);
+TWIN(b, pmul);
+TWIN(b, corr);
+TWIN(bs, dot);
+constexpr Twin cscale_to{&dspu_cscale, &dspfu_cscale};
+constexpr Twin magsq_to{&dspu_magsq, &dspfu_magsq};
+TWIN(s, mean);
+TWIN(s, median);
+TWIN(s, samp_stddev);
+TWIN(s, hist);
+TWIN(s, peak);
+TWIN(f, fread);
+TWIN(f, fwrite2);
+
+template <class T> struct Records {
+  Record<T> real{}, complex{}, result{};  // 12 real points, 12 complex ones, an empty record
+};
+
+template <class T> struct Row {
+  std::string name;
+  std::function<int32_t(Records<T>&)> call;
+};
+
+// Reads a record of two points back from a stream that was written before memory ran short.
+template <class T> int32_t reads(Records<T>& r, const char* text) {
+  FILE* const stream = fmemopen(const_cast<char*>(text), std::strlen(text), "r");
+  if (!stream) return -1;
+  const int32_t status = fread(&r.result, stream);
+  std::fclose(stream);
+  return status;
+}
+
+template <class T> int32_t writes(Records<T>& r, uint32_t flags) {
+  FILE* const stream = std::fopen("/dev/null", "w");
+  if (!stream) return -1;
+  const int32_t status = fwrite2(&r.real, stream, flags);
+  std::fclose(stream);
+  return status;
+}
+
+template <class T> std::vector<Row<T>> rows() {
+  using R = Records<T>&;
+  return {
+      {"append", [](R r) { return append(&r.real, &r.complex); }},
+      {"insert_subvec", [](R r) { return insert_subvec(&r.complex, &r.real, 0, 12, 6); }},
+      {"dft", [](R r) { return dft(&r.real, 0U); }},
+      {"dft inverse", [](R r) { return dft(&r.complex, 1U); }},
+      {"rdft", [](R r) { return rdft(&r.real); }},
+      {"irdft", [](R r) { return irdft(&r.complex, 1U); }},
+      {"dct", [](R r) { return dct(&r.real, 0U); }},
+      {"dct inverse", [](R r) { return dct(&r.real, 3U); }},
+      {"hilbert", [](R r) { return hilbert(&r.real); }},
+      {"analytic", [](R r) { return analytic(&r.real); }},
+      {"fft", [](R r) { return zpad(&r.real, 16) < 0 ? -1 : fft(&r.real, 0U); }},
+      {"rfft", [](R r) { return zpad(&r.real, 32) < 0 ? -1 : rfft(&r.real); }},
+      {"irfft", [](R r) { return zpad(&r.complex, 17) < 0 ? -1 : irfft(&r.complex); }},
+      {"bitrev", [](R r) { return zpad(&r.real, 16) < 0 ? -1 : bitrev(&r.real); }},
+      {"bitrev_scale", [](R r) { return zpad(&r.complex, 16) < 0 ? -1 : bitrev_scale(&r.complex, T(2)); }},
+      {"orecon", [](R r) { return orecon(&r.complex, 1U); }},
+      {"zero of a view", [](R r) { return r.result = r.real, r.result.allocated = 0, zero(&r.result); }},
+      {"shift of a view", [](R r) { return r.result = r.real, r.result.allocated = 0, shift(&r.result, 3); }},
+      {"sort", [](R r) { return sort(&r.complex); }},
+      {"shuffle", [](R r) { return shuffle(&r.real); }},
+      {"swap_halves", [](R r) { return swap_halves(&r.real); }},
+      {"cscale", [](R r) { return cscale(&r.real, T(1), T(2)); }},
+      {"timesi", [](R r) { return timesi(&r.real); }},
+      {"add of unequal lengths",
+       [](R r) { return shift(&r.complex, 5) < 0 ? -1 : add(&r.real, &r.complex, &r.result); }},
+      {"mul into a", [](R r) { return mul(&r.real, &r.complex, &r.real); }},
+      {"div", [](R r) { return div(&r.real, &r.complex, &r.result); }},
+      {"ritoc", [](R r) { return ritoc(&r.real, &r.real, &r.result); }},
+      {"pmul into b", [](R r) { return pmul(&r.real, &r.complex, &r.complex); }},
+      {"corr", [](R r) { return corr(&r.real, &r.complex, &r.result, static_cast<Record<T>*>(nullptr), 5); }},
+      {"dot", [](R r) { return dot(&r.real, &r.complex, &r.result); }},
+      {"cscale into another", [](R r) { return cscale_to(&r.real, &r.result, T(1), T(2)); }},
+      {"magsq into another", [](R r) { return magsq_to(&r.complex, &r.result); }},
+      {"mean", [](R r) { return mean(&r.complex, &r.result); }},
+      {"median", [](R r) { return median(&r.real, &r.result); }},
+      {"samp_stddev", [](R r) { return samp_stddev(&r.complex, &r.result); }},
+      {"hist into the input", [](R r) { return hist(&r.real, &r.real, 0.0, 1.0, 40); }},
+      {"peak into the input", [](R r) { return peak(&r.complex, &r.complex, 0x300U, 0); }},
+      {"cosine window", [](R r) { return window2(&r.real, 2U, 0U, T(0)); }},
+      {"kaiser window", [](R r) { return window2(&r.complex, 14U, 1U, T(0)); }},
+      {"alternative tukey window", [](R r) { return window2(&r.real, 24U, 4U, T(0)); }},
+      {"window_fir", [](R r) { return window_fir(&r.real, 20U, 0U, T(0)); }},
+      {"window2_enbw",
+       [](R) {
+         T enbw;
+         return window2_enbw(&enbw, 15U, 64, T(0));
+       }},
+      {"fread", [](R r) { return reads<T>(r, "#DSP points = 3\n#DSP complex = 1\n1 2 3 4 5 6\n"); }},
+      {"fwrite2 text", [](R r) { return writes<T>(r, 1); }},
+      {"fwrite2 trace", [](R r) { return writes<T>(r, 4); }},
+  };
+}
+
+template <class T> void fill(Record<T>& v, bool complex) {
+  const size_t scalars = complex ? 24 : 12;
+  v.delta = 1;
+  v.points = 12;
+  v.complex = complex;
+  v.allocated = static_cast<int32_t>(scalars);
+  v.data = static_cast<T*>(std::malloc(scalars * sizeof(T)));
+  for (size_t k = 0; k < scalars; ++k) v.data[k] = static_cast<T>(1 + k * 5 % 7);
+}
+
+// Runs a call with `budget` requests granted. True when a request was refused.
+template <class T> bool run_short(const Row<T>& row, long budget) {
+  heap = {};
+  heap.counting = true;
+  Records<T> r;
+  fill<T>(r.real, false);
+  fill<T>(r.complex, true);
+  r.result.delta = 1;
+  heap.remaining = budget;
+  const int32_t status = row.call(r);
+  heap.remaining = -1;
+  const bool denied = std::exchange(heap.denied, false);
+  const int32_t released = free_internal.of<T>()();
+  for (Record<T>* v : {&r.real, &r.complex, &r.result}) destroy(v);
+  heap.counting = false;
+  EXPECT_EQ(status < 0, denied) << row.name << " with " << budget << " requests granted returned " << status;
+  EXPECT_EQ(released, 0) << row.name;
+  EXPECT_EQ(heap.granted, 0) << row.name << " with " << budget << " requests granted leaks";
+  return denied;
+}
+
+template <class T> struct Exhaustion : ::testing::Test {};
+TYPED_TEST_SUITE(Exhaustion, Precisions);
+
+TYPED_TEST(Exhaustion, EveryRequestOfEveryOperationMayFail) {
+  for (const Row<TypeParam>& row : rows<TypeParam>()) {
+    run_short<TypeParam>(row, 1000);  // once in peace: what the C library keeps for itself is there from now on
+    long budget = 0;
+    while (run_short<TypeParam>(row, budget) && budget < 100) ++budget;
+    EXPECT_LT(budget, 100) << row.name;
+  }
+}
+
+}  // namespace
+}  // namespace sigvex_test
