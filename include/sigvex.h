@@ -852,6 +852,17 @@ DSP_API int32_t dspfs_peak(const dspf_vector *v, dspf_vector *result, uint32_t f
  * Vector files
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/** What dspf_fwrite2 writes: one format, and up to two of the flags below it. */
+enum {
+  DSP_FILE_BINARY = 0,         /**< binary record, as dspf_fwrite */
+  DSP_FILE_ASCII = 1,          /**< "#DSP" text, which dspf_fread reads back */
+  DSP_FILE_SUMMARY = 2,        /**< one line: points, delta and the first 32 points */
+  DSP_FILE_GNUPLOT = 3,        /**< gnuplot script with its data */
+  DSP_FILE_TRACE = 4,          /**< keys and values separated by tabs, for an instrument's display */
+  DSP_FILE_NO_HEADER = 0x100,  /**< only the data */
+  DSP_FILE_NO_DATA = 0x200     /**< only the header */
+};
+
 DSP_API FILE *dspf_fopen (const char *name, const char *mode);
 DSP_API FILE *dspff_fopen(const char *name, const char *mode);
 
