@@ -367,38 +367,98 @@ DSP_API int32_t dspfi_ptor(dspf_vector *v);
 
 /* ------------------------------------------------------------------------------------------------------------------
  * Two vectors in, one out
+ *
+ * Common to the pointwise operations (add sub mul conj_mul div avg_add max min):
+ *   sizes    the points of the inputs; complex if either input is, a real sample then counting as (x, 0)
+ *   delta    the mean of the inputs' deltas
+ *   alias    the result may be a, b or both, or another record over storage of theirs. Such another record that has to
+ *            grow gets a block of its own; the shared block is left as it was to a (the host's to release, if a only
+ *            viewed it), or to b where b owns it.
+ *   fails    unequal point counts (everything untouched), storage (the result is then empty)
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/**
+ * a + b. The shorter input counts as extended by zeros; the result has the longer length.
+ *   fails    storage only
+ */
 DSP_API int32_t dspb_add (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
 DSP_API int32_t dspfb_add(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
 
+/**
+ * a - b. The shorter input counts as extended by zeros; the result has the longer length.
+ *   fails    storage only
+ */
 DSP_API int32_t dspb_sub (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
 DSP_API int32_t dspfb_sub(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
 
+/** a * b. */
 DSP_API int32_t dspb_mul (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
 DSP_API int32_t dspfb_mul(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
 
+/** a * conj(b); for a real b the same as dspb_mul. */
 DSP_API int32_t dspb_conj_mul (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
 DSP_API int32_t dspfb_conj_mul(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
 
+/**
+ * a / b. A zero divisor never fails:
+ *   real     a / b; b = 0 gives huge (positive whatever the signs), 0 / 0 gives 0
+ *   complex  real b: a * (1 / b); b = 0 gives (huge, huge), or (0, 0) where a is zero too.
+ *            complex b, with m = |b|^2: a * conj(b) * (1 / m); where m is zero, which a b below the square root of tiny
+ *            reaches by underflow, or NaN: (huge, huge), or (0, 0) where a and b are both zero
+ */
 DSP_API int32_t dspb_div (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
 DSP_API int32_t dspfb_div(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
 
+/**
+ * (a - b) * weight + b: one step of an exponential average, a being the new data and b the running mean.
+ *   complex  a real: ((a - re b) * weight + re b, (1 - weight) * im b); b real: ((re a - b) * weight + b, im a * weight)
+ *   params   weight: 0 keeps b, 1 takes a; not restricted
+ */
 DSP_API int32_t dspb_avg_add (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result, double weight);
 DSP_API int32_t dspfb_avg_add(const dspf_vector *a, const dspf_vector *b, dspf_vector *result, float  weight);
 
+/**
+ * The larger of a and b at each point, the second input's where they are equal.
+ *   real     where either is NaN, the second input's value
+ *   complex  the point of the larger squared magnitude, taken whole; a point with a part beyond +-huge, or NaN, counts as
+ *            having the squared magnitude huge
+ */
 DSP_API int32_t dspb_max (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
 DSP_API int32_t dspfb_max(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
 
+/** The smaller of a and b at each point; otherwise as dspb_max, ties and NaN taking the second input included. */
 DSP_API int32_t dspb_min (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
 DSP_API int32_t dspfb_min(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
 
+/**
+ * Joins real parts a and imaginary parts b to a complex vector: point k is (a[k], b[k]).
+ *   sizes    the points of the inputs, complex
+ *   delta    half of a's
+ *   alias    the result may be an input or share storage with one; a block that another input owns is left to it
+ *   fails    a complex input, unequal point counts (everything untouched); storage
+ */
 DSP_API int32_t dspb_ritoc (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
 DSP_API int32_t dspfb_ritoc(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
 
+/**
+ * Product of two polynomials whose coefficients are the points, which is their full linear convolution:
+ * result[i + j] += a[i] * b[j] over all pairs.
+ *   sizes    points of a + points of b - 1, none if either input is empty; complex if either input is
+ *   delta    a's
+ *   alias    the result may be an input or share storage with one, and the inputs are then copied first; a block that
+ *            another input owns is left to it
+ *   fails    storage
+ */
 DSP_API int32_t dspb_pmul (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
 DSP_API int32_t dspfb_pmul(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
 
+/**
+ * Sum of a[k] * b[k], as one running sum; neither input is conjugated.
+ *   sizes    one point, complex if either input is; 0 for empty inputs
+ *   keeps    the result's delta
+ *   alias    as for the pointwise operations
+ *   fails    unequal point counts (result untouched), storage
+ */
 DSP_API int32_t dspbs_dot (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
 DSP_API int32_t dspfbs_dot(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
 
@@ -425,27 +485,72 @@ DSP_API int32_t dspfu_magsq(const dspf_vector *source, dspf_vector *destination)
  * Order and length of a sequence
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/**
+ * Sets every sample to 0. The record is emptied and padded again: where its storage is a view, or shorter than its
+ * points, it gets a fresh block of its own, and viewed storage stays as it was.
+ *   keeps    points (a negative count becomes 0), form, delta
+ *   fails    storage
+ */
 DSP_API int32_t dspi_zero (dsp_vector  *v);
 DSP_API int32_t dspfi_zero(dspf_vector *v);
 
+/**
+ * Appends points 0 until there are n; never shortens.
+ *   params   n: the new point count; one that is not above the present count changes nothing
+ *   keeps    form, delta, the samples
+ *   alias    a view gets a block of its own, and the viewed storage stays as it was
+ *   fails    storage
+ */
 DSP_API int32_t dspi_zpad (dsp_vector  *v, int32_t n);
 DSP_API int32_t dspfi_zpad(dspf_vector *v, int32_t n);
 
+/**
+ * Drops the first `count` points and moves the rest to the front. A count beyond the length leaves an empty vector, a
+ * negative one changes nothing.
+ *   keeps    form, delta
+ *   alias    a view that keeps points gets a block of its own, and the viewed storage stays as it was
+ *   fails    storage (of a view only)
+ */
 DSP_API int32_t dspi_shift (dsp_vector  *v, int32_t count);
 DSP_API int32_t dspfi_shift(dspf_vector *v, int32_t count);
 
+/**
+ * Moves the second half in front of the first: new[k] = old[(k + (n + 1) / 2) mod n], so that index 0 lands at n / 2
+ * (integer divisions). 0 1 2 3 becomes 2 3 0 1, and 0 1 2 3 4 becomes 3 4 0 1 2.
+ *   returns  0
+ */
 DSP_API int32_t dspi_swap_halves (dsp_vector  *v);
 DSP_API int32_t dspfi_swap_halves(dspf_vector *v);
 
+/**
+ * The inverse of dspi_swap_halves: new[k] = old[(k + n / 2) mod n]. 0 1 2 3 4 becomes 2 3 4 0 1; for even counts both
+ * are the same.
+ *   returns  0
+ */
 DSP_API int32_t dspi_swap_halves2 (dsp_vector  *v);
 DSP_API int32_t dspfi_swap_halves2(dspf_vector *v);
 
+/**
+ * Reverses the order of the points; a complex point keeps its parts in order.
+ *   returns  0
+ */
 DSP_API int32_t dspi_rev (dsp_vector  *v);
 DSP_API int32_t dspfi_rev(dspf_vector *v);
 
+/**
+ * Sorts ascending, in place.
+ *   real     by value; NaN counts as below every number, -0.0 comes before 0.0
+ *   complex  by squared magnitude, then real part, then imaginary part, NaN being the least at each stage
+ *   returns  0
+ */
 DSP_API int32_t dspi_sort (dsp_vector  *v);
 DSP_API int32_t dspfi_sort(dspf_vector *v);
 
+/**
+ * Puts the points into a random order, each equally likely. Draws from the random source of the precision, which
+ * dspc_rand shares and which is seeded once per process from the system, the place in memory and the clocks.
+ *   returns  0
+ */
 DSP_API int32_t dspi_shuffle (dsp_vector  *v);
 DSP_API int32_t dspfi_shuffle(dspf_vector *v);
 
@@ -459,12 +564,31 @@ DSP_API int32_t dspfi_recon(dspf_vector *v);
  * Running structure of a sequence
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/**
+ * First difference divided by delta: (x[k] - x[k-1]) * (1 / delta) with x[-1] = 0, so that the first point becomes
+ * x[0] / delta. A delta of 0 multiplies by huge. Both parts of complex points alike.
+ *   keeps    points, form, delta
+ *   returns  0
+ */
 DSP_API int32_t dspi_differ (dsp_vector  *v);
 DSP_API int32_t dspfi_differ(dspf_vector *v);
 
+/**
+ * Running sum times delta: delta * (x[0] + ... + x[k]), summed one by one in the precision of the samples. Both parts
+ * of complex points alike.
+ *   keeps    points, form, delta
+ *   returns  0
+ */
 DSP_API int32_t dspi_integ (dsp_vector  *v);
 DSP_API int32_t dspfi_integ(dspf_vector *v);
 
+/**
+ * Removes the jumps of a phase sequence in radians: a sample that lies more than pi from the one before it (already
+ * corrected; 0 before the first) becomes that one plus the rest of the step modulo 2 pi, within -pi..pi. Smaller steps
+ * stay as they are, to the bit. After a NaN or an infinity every sample is NaN.
+ *   keeps    points, delta
+ *   fails    a complex vector (untouched)
+ */
 DSP_API int32_t dspi_unwrap (dsp_vector  *v);
 DSP_API int32_t dspfi_unwrap(dspf_vector *v);
 
@@ -650,11 +774,29 @@ DSP_API int32_t dspf_window2_enbw(float  *enbw, uint32_t type, int32_t points, f
  * Correlation
  * ------------------------------------------------------------------------------------------------------------------ */
 
-DSP_API int32_t dsph_corr (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result, dsp_vector  *work, int32_t m, uint32_t halve);
-DSP_API int32_t dspfh_corr(const dspf_vector *a, const dspf_vector *b, dspf_vector *result, dspf_vector *work, int32_t m, uint32_t halve);
+/**
+ * Slides the first m points of a along b: lag k is (1/P) * sum over j < m of conj(a[j]) * b[j + k], P being the smallest
+ * power of two that is not below the points of b. Computed by transforms of P points; the factor 1/P belongs to the
+ * result. For P = 1 the result is conj(a[0]) * b[0].
+ *   params   m: 1 .. the points of a and of b
+ *            halve: nonzero multiplies the result by 0.5
+ *            work: a record to compute in, so that repeated calls need not allocate; overwritten. Where it is null, an
+ *            input or the result, or shares storage with one, a temporary takes its place
+ *   sizes    points of b - m + 1 (lags 0, 1, 2 ...), complex if either input is
+ *   delta    the mean of the inputs' deltas
+ *   alias    the result may be an input, or share storage with one
+ *   fails    m out of range (everything untouched); storage, a transform: the result is then empty or half computed
+ */
+DSP_API int32_t dsph_corr (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result, dsp_vector  *work,
+                           int32_t m, uint32_t halve);
+DSP_API int32_t dspfh_corr(const dspf_vector *a, const dspf_vector *b, dspf_vector *result, dspf_vector *work,
+                           int32_t m, uint32_t halve);
 
-DSP_API int32_t dspb_corr (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result, dsp_vector  *work, int32_t m);
-DSP_API int32_t dspfb_corr(const dspf_vector *a, const dspf_vector *b, dspf_vector *result, dspf_vector *work, int32_t m);
+/** dsph_corr with halve 0. */
+DSP_API int32_t dspb_corr (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result, dsp_vector  *work,
+                           int32_t m);
+DSP_API int32_t dspfb_corr(const dspf_vector *a, const dspf_vector *b, dspf_vector *result, dspf_vector *work,
+                           int32_t m);
 
 /* ------------------------------------------------------------------------------------------------------------------
  * Statistics
