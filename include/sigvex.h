@@ -220,30 +220,76 @@ DSP_API int32_t dspf_free_internal(void);
  * Elementwise, in place: arithmetic
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/*
+ * For all operations in place, here and in the next sections: delta is never touched; points and form are kept unless
+ * the contract says otherwise. An empty vector is no failure, and where the form changes, that of an empty vector does;
+ * what refuses complex vectors refuses empty ones too. A view is written where it lies; only where it has to grow (real
+ * made complex) it gets storage of its own and leaves the viewed samples as they were. "real" and "complex" say what
+ * becomes of a sample x and of a point (re, im). Out of range means beyond +-huge, or NaN.
+ */
+
+/**
+ * Absolute value: clears the sign bit, so that -0.0 becomes 0.0 and a NaN keeps its other bits.
+ *   fails    complex (untouched)
+ */
 DSP_API int32_t dspi_abs (dsp_vector  *v);
 DSP_API int32_t dspfi_abs(dspf_vector *v);
 
+/** Changes the sign of every sample, of both parts of a point: plain arithmetic without guards. */
 DSP_API int32_t dspi_neg (dsp_vector  *v);
 DSP_API int32_t dspfi_neg(dspf_vector *v);
 
+/** Multiplies every sample, both parts of a point, by a factor: plain arithmetic without guards. */
 DSP_API int32_t dspi_scale (dsp_vector  *v, double factor);
 DSP_API int32_t dspfi_scale(dspf_vector *v, float  factor);
 
+/** Adds an offset to every sample, in a complex vector to the real parts only: plain arithmetic without guards. */
 DSP_API int32_t dspi_offset (dsp_vector  *v, double offset);
 DSP_API int32_t dspfi_offset(dspf_vector *v, float  offset);
 
+/**
+ * Multiplies by the complex constant re + j im; a real vector becomes complex.
+ *   real     (x re, x im)
+ *   complex  (a re - b im, b re + a im) for the point (a, b): plain arithmetic without guards
+ *   sizes    a real vector grows to twice the scalars, its form is then complex, also when it is empty
+ *   fails    storage (no data, allocated 0, points 0)
+ */
 DSP_API int32_t dspi_cscale (dsp_vector  *v, double re, double im);
 DSP_API int32_t dspfi_cscale(dspf_vector *v, float  re, float  im);
 
+/**
+ * Multiplies by j; a real vector becomes complex.
+ *   real     (0.0, x)
+ *   complex  (-im, re)
+ *   sizes    as dspi_cscale
+ *   fails    storage (no data, allocated 0, points 0)
+ */
 DSP_API int32_t dspi_timesi (dsp_vector  *v);
 DSP_API int32_t dspfi_timesi(dspf_vector *v);
 
+/**
+ * Clips every sample, both parts of a point alike, to lo = min(a, b) .. hi = max(a, b). NaN counts as below and becomes lo.
+ *   params   ignored: any value
+ *            a, b: the bounds, in either order; infinite bounds are allowed
+ *            clipped: receives 1 if at least one sample was changed, else 0; may be null
+ *   fails    a bound is NaN (vector and clipped untouched)
+ */
 DSP_API int32_t dspi_limit (dsp_vector  *v, int32_t ignored, double a, double b, int32_t *clipped);
 DSP_API int32_t dspfi_limit(dspf_vector *v, int32_t ignored, float  a, float  b, int32_t *clipped);
 
+/**
+ * Reciprocal.
+ *   real     1 / x; 0.0, -0.0 and NaN stay what they are
+ *   complex  (re k, -im k) with k = 1 / (re^2 + im^2), huge where that sum is 0, and 1 / huge where a part is out of range
+ */
 DSP_API int32_t dspi_recip (dsp_vector  *v);
 DSP_API int32_t dspfi_recip(dspf_vector *v);
 
+/**
+ * Square: plain arithmetic without guards (dspi_magsq is the one that is capped).
+ *   real     x^2
+ *   complex  (re^2 - im^2, 2 re im)
+ */
 DSP_API int32_t dspi_square (dsp_vector  *v);
 DSP_API int32_t dspfi_square(dspf_vector *v);
 
@@ -251,21 +297,57 @@ DSP_API int32_t dspfi_square(dspf_vector *v);
  * Elementwise, in place: exponentials, logarithms, roots
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/**
+ * Exponential.
+ *   real     e^x; huge where x exceeds ln huge = 230.25850929940458 (float: 34.538776); NaN stays NaN
+ *   complex  magnitude as the real result for re, times (cos im, sin im)
+ */
 DSP_API int32_t dspi_exp (dsp_vector  *v);
 DSP_API int32_t dspfi_exp(dspf_vector *v);
 
+/**
+ * Power of ten, as e^(x ln 10): the roundings of the product and of ln 10 cost up to |x ln 10| epsilon beside those of the
+ * exponential.
+ *   real     10^x; huge where x exceeds log10 huge = 100 (float: 15) and where x is out of range, below as well as NaN
+ *   complex  magnitude as the real result for re, times (cos a, sin a) with a = im ln 10
+ */
 DSP_API int32_t dspi_exp10 (dsp_vector  *v);
 DSP_API int32_t dspfi_exp10(dspf_vector *v);
 
+/**
+ * Natural logarithm. There is no complex result for a negative sample.
+ *   real     ln x; ln tiny = -708.3964185322641 (float: -87.33654) where x is below tiny, zero, negative or NaN
+ *   complex  (0.5 ln m, atan2(im, re)) with m = re^2 + im^2, the angle in radians, -pi .. pi; (ln tiny, 0.0) where m is
+ *            below tiny. Where a part is out of range, m is huge itself and the parts count in the angle as +-huge, NaN as
+ *            -huge.
+ */
 DSP_API int32_t dspi_log (dsp_vector  *v);
 DSP_API int32_t dspfi_log(dspf_vector *v);
 
+/**
+ * Logarithm to base ten: exactly dspi_db with factor 1.
+ *   real     log10 x, or its floor log10 tiny = -307.6526555685888 (float: -37.92978)
+ */
 DSP_API int32_t dspi_log10 (dsp_vector  *v);
 DSP_API int32_t dspfi_log10(dspf_vector *v);
 
+/**
+ * Level: the logarithm to base ten times a factor, 10 for power, 20 for amplitude. No absolute value is taken.
+ *   real     factor log10 x; factor times log10 tiny = -307.6526555685888 (float: -37.92978) where x is below tiny, zero,
+ *            negative or NaN
+ *   complex  (factor 0.5 log10 m, factor 0.4342944819032518 atan2(im, re)) with m = re^2 + im^2, the complex logarithm to
+ *            base ten times the factor; (factor log10 tiny, 0.0) where m is below tiny. Parts out of range count as +-huge
+ *            throughout, NaN as -huge.
+ */
 DSP_API int32_t dspi_db (dsp_vector  *v, double factor);
 DSP_API int32_t dspfi_db(dspf_vector *v, float  factor);
 
+/**
+ * Square root, for a point the principal one: its real part is not negative.
+ *   real     sqrt x, correctly rounded; 0.0 where x is negative or NaN; -0.0 stays
+ *   complex  (r cos(t/2), r sin(t/2)) with r = sqrt(sqrt(re^2 + im^2)) and t = atan2(im, re); r = sqrt(huge) where a part
+ *            is out of range (a NaN part makes t and the result NaN); (0.0, 0.0) where r is 0
+ */
 DSP_API int32_t dspi_sqrt (dsp_vector  *v);
 DSP_API int32_t dspfi_sqrt(dspf_vector *v);
 
@@ -273,33 +355,39 @@ DSP_API int32_t dspfi_sqrt(dspf_vector *v);
  * Elementwise, in place: trigonometric and hyperbolic
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/**
+ * Arc cosine and arc sine, in radians; 0.0 where |x| exceeds 1; NaN stays NaN.
+ *   fails    complex (untouched)
+ */
 DSP_API int32_t dspi_acos (dsp_vector  *v);
 DSP_API int32_t dspfi_acos(dspf_vector *v);
-
 DSP_API int32_t dspi_asin (dsp_vector  *v);
 DSP_API int32_t dspfi_asin(dspf_vector *v);
 
+/**
+ * The function of the C library, angles in radians, without guards: cosh and sinh overflow to infinity, an infinite angle
+ * gives NaN.
+ *   fails    complex (untouched)
+ */
 DSP_API int32_t dspi_atan (dsp_vector  *v);
 DSP_API int32_t dspfi_atan(dspf_vector *v);
-
 DSP_API int32_t dspi_cos (dsp_vector  *v);
 DSP_API int32_t dspfi_cos(dspf_vector *v);
-
 DSP_API int32_t dspi_sin (dsp_vector  *v);
 DSP_API int32_t dspfi_sin(dspf_vector *v);
-
 DSP_API int32_t dspi_tan (dsp_vector  *v);
 DSP_API int32_t dspfi_tan(dspf_vector *v);
-
 DSP_API int32_t dspi_cosh (dsp_vector  *v);
 DSP_API int32_t dspfi_cosh(dspf_vector *v);
-
 DSP_API int32_t dspi_sinh (dsp_vector  *v);
 DSP_API int32_t dspfi_sinh(dspf_vector *v);
-
 DSP_API int32_t dspi_tanh (dsp_vector  *v);
 DSP_API int32_t dspfi_tanh(dspf_vector *v);
 
+/**
+ * sin(x) / x, without a factor of pi; 1.0 for 0.0 and -0.0.
+ *   fails    complex (untouched)
+ */
 DSP_API int32_t dspi_sinc (dsp_vector  *v);
 DSP_API int32_t dspfi_sinc(dspf_vector *v);
 
@@ -307,30 +395,40 @@ DSP_API int32_t dspfi_sinc(dspf_vector *v);
  * Elementwise, in place: Bessel functions and the functions not provided
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/**
+ * Modified Bessel function of the first kind, order 0: the I0 of the Kaiser window. To |x| = 20 the power series in
+ * (x/2)^2, beyond it the asymptotic series. Relative error below 8 epsilon; single precision is computed in double and
+ * rounded once.
+ *   real     I0(x); huge where |x| exceeds ln huge = 230.25850929940458 (float: 34.538776) or x is NaN
+ *   fails    complex (untouched)
+ */
 DSP_API int32_t dspi_besi0 (dsp_vector  *v);
 DSP_API int32_t dspfi_besi0(dspf_vector *v);
 
+/**
+ * Bessel functions of the first (J) and second (Y) kind, orders 0 and 1: those of the C library, single precision through
+ * the double function, rounded once. Y is -infinity at 0 and what the C library says for negative x.
+ *   fails    complex (untouched)
+ */
 DSP_API int32_t dspi_besj0 (dsp_vector  *v);
 DSP_API int32_t dspfi_besj0(dspf_vector *v);
-
 DSP_API int32_t dspi_besj1 (dsp_vector  *v);
 DSP_API int32_t dspfi_besj1(dspf_vector *v);
-
 DSP_API int32_t dspi_besy0 (dsp_vector  *v);
 DSP_API int32_t dspfi_besy0(dspf_vector *v);
-
 DSP_API int32_t dspi_besy1 (dsp_vector  *v);
 DSP_API int32_t dspfi_besy1(dspf_vector *v);
 
+/**
+ * Not provided: the names are reserved. They refuse every vector, touch nothing and accept a null record.
+ *   returns  -1
+ */
 DSP_API int32_t dspi_erf (dsp_vector  *v);
 DSP_API int32_t dspfi_erf(dspf_vector *v);
-
 DSP_API int32_t dspi_erfc (dsp_vector  *v);
 DSP_API int32_t dspfi_erfc(dspf_vector *v);
-
 DSP_API int32_t dspi_gamma (dsp_vector  *v);
 DSP_API int32_t dspfi_gamma(dspf_vector *v);
-
 DSP_API int32_t dspi_lgamma (dsp_vector  *v);
 DSP_API int32_t dspfi_lgamma(dspf_vector *v);
 
@@ -338,30 +436,64 @@ DSP_API int32_t dspfi_lgamma(dspf_vector *v);
  * Elementwise, in place: real, complex and polar form
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/**
+ * Makes a real vector complex, with imaginary parts 0.0, also when it is empty. A complex one stays as it is.
+ *   sizes    a real vector grows to twice the scalars
+ *   fails    storage (no data, allocated 0, points 0)
+ */
 DSP_API int32_t dspi_rtoc (dsp_vector  *v);
 DSP_API int32_t dspfi_rtoc(dspf_vector *v);
 
+/** Keeps the real parts: a complex vector becomes real. A real one stays as it is. */
 DSP_API int32_t dspi_real (dsp_vector  *v);
 DSP_API int32_t dspfi_real(dspf_vector *v);
 
+/**
+ * Keeps the imaginary parts: a complex vector becomes real.
+ *   real     every sample becomes 0.0
+ */
 DSP_API int32_t dspi_imag (dsp_vector  *v);
 DSP_API int32_t dspfi_imag(dspf_vector *v);
 
+/** Complex conjugate: changes the sign of the imaginary parts. A real vector stays as it is. */
 DSP_API int32_t dspi_conj (dsp_vector  *v);
 DSP_API int32_t dspfi_conj(dspf_vector *v);
 
+/**
+ * Magnitude; a complex vector becomes real. Nothing is capped.
+ *   real     |x| by clearing the sign bit, as dspi_abs
+ *   complex  hypot(re, im) of the C library: neither overflow nor underflow on the way
+ */
 DSP_API int32_t dspi_mag (dsp_vector  *v);
 DSP_API int32_t dspfi_mag(dspf_vector *v);
 
+/**
+ * Squared magnitude; a complex vector becomes real.
+ *   real     x^2, huge where x is out of range
+ *   complex  re^2 + im^2, huge where a part is out of range
+ */
 DSP_API int32_t dspi_magsq (dsp_vector  *v);
 DSP_API int32_t dspfi_magsq(dspf_vector *v);
 
+/**
+ * Phase in radians; a complex vector becomes real.
+ *   real     pi where x is negative, else 0.0, for NaN too
+ *   complex  atan2(im, re), -pi .. pi; 0.0 where both parts are zero, whatever their signs
+ */
 DSP_API int32_t dspi_phase (dsp_vector  *v);
 DSP_API int32_t dspfi_phase(dspf_vector *v);
 
+/**
+ * Rectangular to polar form: (re, im) becomes (magnitude, phase in radians). A real vector stays as it is.
+ *   complex  magnitude as dspi_mag, phase as dspi_phase; parts out of range count as +-huge, NaN as -huge
+ */
 DSP_API int32_t dspi_rtop (dsp_vector  *v);
 DSP_API int32_t dspfi_rtop(dspf_vector *v);
 
+/**
+ * Polar to rectangular form: the point (magnitude, phase) becomes (magnitude cos phase, magnitude sin phase), without
+ * guards. A real vector stays as it is.
+ */
 DSP_API int32_t dspi_ptor (dsp_vector  *v);
 DSP_API int32_t dspfi_ptor(dspf_vector *v);
 
@@ -466,18 +598,33 @@ DSP_API int32_t dspfbs_dot(const dspf_vector *a, const dspf_vector *b, dspf_vect
  * Elementwise, into another vector
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/*
+ * For all operations of this section: the destination gets the source's points and delta and the values of the operation
+ * in place of the same name, with its guards. One that owns enough storage keeps it; a view is replaced by a fresh block.
+ *   alias    Source and destination may be one record (which is the operation in place) or share storage in any way;
+ *            samples that both hold are then overwritten by the result. A destination that has to grow leaves the
+ *            block it shares and gets one of its own; where it was that block's only owner, it releases it, and the
+ *            source is left without samples.
+ *   fails    storage: no value is written; the destination has no samples then, or is as it was
+ */
+
+/** Every sample, both parts of a point, times a factor, as dspi_scale. */
 DSP_API int32_t dspu_scale (const dsp_vector  *source, dsp_vector  *destination, double factor);
 DSP_API int32_t dspfu_scale(const dspf_vector *source, dspf_vector *destination, float  factor);
 
+/** Times the complex constant re + j im, as dspi_cscale. The destination is complex. */
 DSP_API int32_t dspu_cscale (const dsp_vector  *source, dsp_vector  *destination, double re, double im);
 DSP_API int32_t dspfu_cscale(const dspf_vector *source, dspf_vector *destination, float  re, float  im);
 
+/** Square root, as dspi_sqrt. The form is the source's. */
 DSP_API int32_t dspu_sqrt (const dsp_vector  *source, dsp_vector  *destination);
 DSP_API int32_t dspfu_sqrt(const dspf_vector *source, dspf_vector *destination);
 
+/** Magnitude, as dspi_mag. The destination is real. */
 DSP_API int32_t dspu_mag (const dsp_vector  *source, dsp_vector  *destination);
 DSP_API int32_t dspfu_mag(const dspf_vector *source, dspf_vector *destination);
 
+/** Squared magnitude, as dspi_magsq. The destination is real. */
 DSP_API int32_t dspu_magsq (const dsp_vector  *source, dsp_vector  *destination);
 DSP_API int32_t dspfu_magsq(const dspf_vector *source, dspf_vector *destination);
 

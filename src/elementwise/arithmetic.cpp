@@ -49,13 +49,13 @@ template <class T> Status timesi(Vector<T>& v) { return each_as_complex<T>(v, Ti
 template <class T> Status limit(Vector<T>& v, int32_t, T a, T b, int32_t* clipped) {
   if (std::isnan(a) || std::isnan(b)) return kFailure;
   const T low = std::min(a, b), high = std::max(a, b);
-  bool any = false;
-  each_scalar<T>(v, [=, &any](T x) {
-    const T y = x > high ? high : x >= low ? x : low;  // NaN counts as below
-    any |= y != x;
+  size_t changed = 0;
+  each_scalar<T>(v, [=, &changed](T x) {
+    const T capped = x > high ? high : x, y = capped >= low ? capped : low;  // NaN counts as below the bounds
+    changed += y != x;
     return y;
   });
-  if (clipped) *clipped = any;
+  if (clipped) *clipped = changed > 0;
   return kSuccess;
 }
 
