@@ -1,6 +1,7 @@
 // dsps_peak
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 #include "core/exports.h"
 #include "core/limits.h"
@@ -23,23 +24,19 @@ template <class T> struct Levels {
   T operator[](size_t k) const { return v.complex ? magsq_capped(point<T>(v, k)) : v.data[k]; }
 };
 
-// Asked for what it is not, the comparison lets a NaN replace the best and be replaced by the sample after it.
-template <class T> size_t find_maximum(const Levels<T>& y) {
-  T best = -Limits<T>::huge;
+// A sample replaces the best so far when that does not hold against it: a NaN does, and is replaced by the next sample.
+template <class T, class Holds> size_t search(const Levels<T>& y, T best, Holds holds) {
   size_t index = 0;
-  for (size_t k = 0; k < y.count(); ++k) {
-    if (const T sample = y[k]; !(best >= sample)) best = sample, index = k;
+  for (size_t k = 0, n = y.count(); k < n; ++k) {
+    if (const T sample = y[k]; !holds(best, sample)) best = sample, index = k;
   }
   return index;
 }
 
-template <class T> size_t find_minimum(const Levels<T>& y) {
-  T best = Limits<T>::huge;
-  size_t index = 0;
-  for (size_t k = 0; k < y.count(); ++k) {
-    if (const T sample = y[k]; !(best <= sample)) best = sample, index = k;
-  }
-  return index;
+template <class T> size_t chosen(const Levels<T>& y, uint32_t flags, int32_t index) {
+  if (flags & DSP_PEAK_AT_INDEX) return std::min(count(index), y.count() - 1);
+  if (flags & DSP_PEAK_MINIMUM) return search(y, Limits<T>::huge, std::less_equal<T>());
+  return search(y, -Limits<T>::huge, std::greater_equal<T>());
 }
 
 template <class T> Peak<T> unrefined(const Levels<T>& y, size_t k) { return {y[k], static_cast<T>(k)}; }
@@ -52,8 +49,9 @@ template <class T> Peak<T> parabola(const Levels<T>& y, size_t k) {
   return {y1 - a * a / (4 * b), static_cast<T>(k) - a / (2 * b)};
 }
 
-// The Gaussian lobe through the two samples that enclose its top: the logarithm of their ratio is linear in the offset
-// of the top from their centre. The constants belong to the lobe of a Gaussian window's power spectrum.
+// A lobe A exp(-c x^2) through the two samples that enclose its top: ln(yb / ya) = c (2 d - 1) gives the offset d of
+// the top from the left one, and the larger sample times exp(c x^2) gives its height. The two constants are the 1 / 2c
+// and the c of one lobe to within a hundredth.
 template <class T> Peak<T> gauss_lobe(const Levels<T>& y, size_t index, bool corrected) {
   constexpr T kOffsetOfLogRatio = T(0.792233201343665), kCurvature = T(0.6260852964868817), kShape = T(0.02036);
   const size_t n = y.count();
@@ -73,9 +71,7 @@ template <class T> Peak<T> gauss_lobe(const Levels<T>& y, size_t index, bool cor
 
 template <class T> Peak<T> find_peak(const Levels<T>& y, uint32_t flags, int32_t index) {
   if (y.count() == 0) return {0, 0};
-  size_t k;
-  if (flags & DSP_PEAK_AT_INDEX) k = std::min(count(index), y.count() - 1);
-  else k = flags & DSP_PEAK_MINIMUM ? find_minimum(y) : find_maximum(y);
+  const size_t k = chosen(y, flags, index);
   switch (flags & DSP_PEAK_REFINEMENT) {
     case DSP_PEAK_PARABOLIC:
       return parabola(y, k);

@@ -19,12 +19,11 @@ template <class T> Status sum(const Vector<T>& v, Vector<T>& result) {
 
 template <class T> Status magsq_sum(const Vector<T>& v, Vector<T>& result) {
   const T* const x = v.data;
-  const auto square = [](T value) { return clamped(value) * clamped(value); };
-  const auto [total] = !v.complex ? block_sums<T, 1>(points<T>(v), [=](size_t k) { return Sums<T, 1>{square(x[k])}; })
-                                  : block_sums<T, 1>(points<T>(v), [=](size_t k) {
-                                      return Sums<T, 1>{square(x[2 * k]) + square(x[2 * k + 1])};
-                                    });
-  return write_real<T>(result, total);
+  const auto squares = [&](auto square) { return block_sums<T, 1>(points<T>(v), square)[0]; };
+  if (!v.complex) {
+    return write_real<T>(result, squares([x](size_t k) { return Sums<T, 1>{clamped(x[k]) * clamped(x[k])}; }));
+  }
+  return write_real<T>(result, squares([&v](size_t k) { return Sums<T, 1>{magsq(clamped(point<T>(v, k)))}; }));
 }
 
 }  // namespace sigvex::dsps
