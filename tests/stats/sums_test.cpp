@@ -7,9 +7,6 @@
 namespace sigvex_test {
 namespace {
 
-TWIN(s, hist);
-TWIN(s, peak);
-
 template <class T> struct Statistics : ::testing::Test {};
 TYPED_TEST_SUITE(Statistics, Precisions);
 
@@ -57,7 +54,7 @@ TYPED_TEST(Statistics, SumsRunInBlocksToTheLastBit) {
 
 TYPED_TEST(Statistics, OfNothingTheResultIsStated) {
   using T = TypeParam;
-  for (const Statistic<T>& row : kStatistics<T>) {
+  for (const Statistic<T>& row : statistics<T>()) {
     for (int32_t points : {0, -3}) {
       Vec<T> none, result{7, 7, 7};
       none->points = points;
@@ -72,7 +69,7 @@ TYPED_TEST(Statistics, OfNothingTheResultIsStated) {
 
 TYPED_TEST(Statistics, OfOneRecordOrSharedStorageEqualTheSeparateResult) {
   using T = TypeParam;
-  for (const Statistic<T>& row : kStatistics<T>) {
+  for (const Statistic<T>& row : statistics<T>()) {
     for (int32_t complex : {0, 1}) {
       if (complex && !row.takes_complex) continue;
       const Vec<T> input = noise<T>(5, complex);
@@ -96,37 +93,6 @@ TYPED_TEST(Statistics, OfOneRecordOrSharedStorageEqualTheSeparateResult) {
         EXPECT_EQ((*v)->delta, T(0.25)) << row.name;
       }
     }
-  }
-}
-
-// Lets that many allocations pass and refuses the next.
-int allowed;
-template <class T> int32_t refuse(Record<T>* v) {
-  if (v->allocated > 0) std::free(v->data);
-  v->data = nullptr;
-  if (allowed-- > 0) v->data = static_cast<T*>(std::malloc(2 * sizeof(T) * static_cast<size_t>(v->points)));
-  return 0;
-}
-
-TYPED_TEST(Statistics, ExhaustedMemoryFailsAndLeavesTheInput) {
-  using T = TypeParam;
-  std::vector<int32_t (*)(const Record<T>*, Record<T>*)> all;
-  for (const Statistic<T>& row : kStatistics<T>) all.push_back(row.of);
-  all.push_back([](const Record<T>* v, Record<T>* result) { return hist(v, result, 0.0, 1.0, 4); });
-  all.push_back([](const Record<T>* v, Record<T>* result) { return peak(v, result, 0U, 0); });
-  const auto install = Twin{&dsp_lib_alloc, &dspf_lib_alloc}.template of<T>();
-  for (const auto of : all) {
-    const Vec<T> input{1, 2, 3};
-    Vec<T> result;
-    install(&refuse<T>, nullptr);
-    for (int passes = 0;; ++passes) {
-      allowed = passes;
-      if (of(input, result) == 0) break;
-      EXPECT_EQ(result->points, 0);
-      ASSERT_LT(passes, 3);
-    }
-    install(nullptr, nullptr);
-    EXPECT_TRUE(exactly(input, {1, 2, 3}));
   }
 }
 
