@@ -54,6 +54,7 @@ template <class T> Status build_kernel(Vector<T>& kernel, const Vector<T>& chirp
 
 template <class T> Status prepare(Bluestein<T>& work, int32_t length) {
   if (work.length == length) return kSuccess;
+  if (!fits(2 * convolution_length(length))) return kFailure;
   work.length = 0;
   SIGVEX_TRY(build_chirp<T>(work.chirp, length));
   SIGVEX_TRY(build_kernel<T>(work.kernel, work.chirp));

@@ -1,0 +1,75 @@
+// Transforms by their definition in extended precision, and the error of ours against them.
+#pragma once
+
+#include <cmath>
+#include <complex>
+#include <random>
+#include <vector>
+
+#include "support/twin.h"
+
+namespace sigvex_test {
+
+using Wide = std::complex<long double>;
+
+// Of n samples, each bin summed when asked for.
+class ReferenceTransform {
+ public:
+  template <class T> ReferenceTransform(const Vec<T>& v, bool inverse) : inverse_(inverse) {
+    const size_t n = static_cast<size_t>(v->points);
+    for (size_t k = 0; k < n; ++k) {
+      samples_.emplace_back(v->complex ? Wide(v.at(k)) : Wide(v[k]));
+      const long double angle = 2 * kPi * static_cast<long double>(k) / static_cast<long double>(n);
+      roots_.emplace_back(std::cos(angle), inverse ? std::sin(angle) : -std::sin(angle));
+    }
+  }
+  Wide bin(size_t k) const {
+    Wide sum = 0;
+    for (size_t j = 0; j < samples_.size(); ++j) sum += samples_[j] * roots_[j * k % samples_.size()];
+    return inverse_ ? sum : sum / static_cast<long double>(samples_.size());
+  }
+
+ private:
+  bool inverse_;
+  std::vector<Wide> samples_, roots_;
+};
+
+// Relative error in the mean square over every step-th bin.
+template <class T> double transform_error(const Vec<T>& bins, const ReferenceTransform& reference, size_t step = 1) {
+  long double error = 0, power = 0;
+  for (size_t k = 0; k < static_cast<size_t>(bins->points); k += step) {
+    const Wide expected = reference.bin(k);
+    error += std::norm((bins->complex ? Wide(bins.at(k)) : Wide(bins[k])) - expected);
+    power += std::norm(expected);
+  }
+  return static_cast<double>(std::sqrt(error / power));
+}
+
+// The error that any length may have: eps times the root of the number of passes, and a factor.
+template <class T> double transform_bound(size_t n) {
+  return 4.0 * kEps<T> * std::sqrt(std::max(1.0, std::log2(static_cast<double>(n))));
+}
+
+template <class T> Vec<T> noise(size_t n, bool complex) {
+  std::mt19937 source(static_cast<unsigned>(n));
+  std::normal_distribution<double> normal;
+  std::vector<T> samples(complex ? 2 * n : n);
+  for (T& x : samples) x = static_cast<T>(normal(source));
+  if (!complex) return Vec<T>(samples);
+  std::vector<std::complex<T>> points(n);
+  for (size_t k = 0; k < n; ++k) points[k] = {samples[2 * k], samples[2 * k + 1]};
+  return Vec<T>(points);
+}
+
+// Relative difference of two vectors of one form in the mean square.
+template <class T> double difference(const Vec<T>& a, const Vec<T>& b) {
+  EXPECT_EQ(a.size(), b.size());
+  double error = 0, power = 0;
+  for (size_t k = 0; k < std::min(a.size(), b.size()); ++k) {
+    error += std::norm(static_cast<double>(a[k]) - static_cast<double>(b[k]));
+    power += std::norm(static_cast<double>(b[k]));
+  }
+  return std::sqrt(error / power);
+}
+
+}  // namespace sigvex_test
