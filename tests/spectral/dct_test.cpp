@@ -74,8 +74,8 @@ TYPED_TEST(Dct, ComplexIsRefusedAndNothingStaysNothing) {
   }
 }
 
-TYPED_TEST(Dct, ExhaustedMemoryAnywhereLeavesTheWorkspaceUsable) {
-  using T = TypeParam;
+TYPED_TEST(Dct, ExhaustedMemoryAnywhereLeavesTheWorkspacesUsable) {
+  using T = TypeParam;  // a length that goes through the chirp transform as well
   const Vec<T> x = noise<T>(11, false);
   for (const uint32_t flags : {0U, kInverse}) {
     Vec<T> right = x;

@@ -8,7 +8,6 @@ TWIN(i, dft);
 TWIN(i, rdft);
 TWIN(i, irdft);
 TWIN(, alloc);
-TWIN(, free_internal);
 
 template <class T> struct Dft : ::testing::Test {};
 TYPED_TEST_SUITE(Dft, Precisions);
@@ -139,24 +138,6 @@ TYPED_TEST(Dft, ALengthBeyondTheRecordIsRefusedBeforeAnyStorage) {
   const FailingStorage<T> counter(0);
   EXPECT_EQ(dft(v.get(), 0U), -1);
   EXPECT_EQ(counter.growths, 0);
-}
-
-TYPED_TEST(Dft, ExhaustedMemoryAnywhereLeavesTheWorkspaceUsable) {
-  using T = TypeParam;
-  const Vec<T> x = noise<T>(11, false);
-  int status = -1;
-  for (int failing = 0; status != 0; ++failing) {
-    ASSERT_LT(failing, 10);
-    ASSERT_EQ(free_internal.of<T>()(), 0);
-    Vec<T> v = x;
-    {
-      const FailingStorage<T> storage(failing);
-      status = dft(v.get(), 0U);
-    }
-    Vec<T> after = x;
-    ASSERT_EQ(dft(after.get(), 0U), 0);
-    EXPECT_LE(transform_error(after, ReferenceTransform(x, false)), transform_bound<T>(11)) << failing;
-  }
 }
 
 }  // namespace

@@ -37,6 +37,8 @@ template <class Double, class Float> struct Twin {
   }
 };
 
+template <class Double, class Float> Twin(Double, Float) -> Twin<Double, Float>;
+
 // TWIN(i, log) makes log stand for dspi_log and dspfi_log.
 #define TWIN(family, op) \
   [[maybe_unused]] constexpr sigvex_test::Twin op { &dsp##family##_##op, &dspf##family##_##op }
