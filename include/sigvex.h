@@ -1068,7 +1068,7 @@ DSP_API int32_t dspfs_samp_stddev(const dspf_vector *v, dspf_vector *result);
 /**
  * Skewness, from the means m1, m2, m3 of d, d^2, d^3, d being the clamped deviations from (v[n/2] + v[0] + v[n-1]) / 3.
  *   real     (m3 - 3 m2 m1 + 2 m1^3) / (m2 - m1^2)^1.5; over a denominator of 0.0: 0.0 if the numerator is, else huge
- *   returns  0; no points give 0.0
+ *   returns  0; no points, and samples all alike, give 0.0
  *   fails    v is complex (result untouched); storage
  */
 DSP_API int32_t dsps_skew (const dsp_vector  *v, dsp_vector  *result);
@@ -1076,8 +1076,8 @@ DSP_API int32_t dspfs_skew(const dspf_vector *v, dspf_vector *result);
 
 /**
  * Excess kurtosis, from the means m2, m4 of d^2, d^4, d being the clamped deviations from the mean of clamped samples.
- *   real     m4 / m2^2 - 3.0; where m2^2 is 0.0: -3.0 if m4 is, else huge; samples all alike: -3.0
- *   returns  0; no points give -3.0
+ *   real     m4 / m2^2 - 3.0; where m2^2 is 0.0: -3.0 if m4 is, else huge
+ *   returns  0; no points, and samples all alike, give -3.0
  *   fails    v is complex (result untouched); storage
  */
 DSP_API int32_t dsps_excess (const dsp_vector  *v, dsp_vector  *result);

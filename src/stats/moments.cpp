@@ -1,6 +1,7 @@
 // dsps_pop_var dsps_pop_stddev dsps_samp_var dsps_samp_stddev dsps_skew dsps_excess
 //
 // All sums are of deviations from a point near the data, so that a large offset does not cancel the digits away.
+#include <algorithm>
 #include <cmath>
 
 #include "core/exports.h"
@@ -46,8 +47,13 @@ template <class T> T sample_factor(const Vector<T>& v) {
   return n > 1 ? static_cast<T>(n) / static_cast<T>(n - 1) : T(1);
 }
 
+// Samples that are all alike do not deviate; a rounded center must not make it look as if they did.
+template <class T> bool constant(const T* x, size_t n) {
+  return std::all_of(x, x + n, [x](T sample) { return sample == x[0]; });
+}
+
 template <class T> T skewness(const T* x, size_t n) {
-  if (n == 0) return 0;
+  if (constant(x, n)) return 0;
   const T center = shift_sum(x, n) / 3, count = static_cast<T>(n);
   const auto [s1, s2, s3] = block_sums<T, 3>(n, [=](size_t k) {
     const T d = clamped(x[k] - center);
@@ -61,13 +67,9 @@ template <class T> T skewness(const T* x, size_t n) {
 }
 
 template <class T> T excess_kurtosis(const T* x, size_t n) {
-  constexpr T kNone = -3;  // of no samples, and of samples that are all alike
-  bool differ = false;
-  const auto [total] = block_sums<T, 1>(n, [x, &differ](size_t k) {
-    differ |= x[k] != x[0];
-    return Sums<T, 1>{clamped(x[k])};
-  });
-  if (!differ) return kNone;  // the rounding of the mean must not look like a deviation
+  constexpr T kNone = -3;  // of no samples, and of samples without deviation
+  if (constant(x, n)) return kNone;
+  const auto [total] = block_sums<T, 1>(n, [x](size_t k) { return Sums<T, 1>{clamped(x[k])}; });
   const T weight = T(1) / static_cast<T>(n), mean = total * weight;
   const auto [s2, s4] = block_sums<T, 2>(n, [=](size_t k) {
     const T d = clamped(x[k] - mean), square = d * d;

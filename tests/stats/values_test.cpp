@@ -67,6 +67,7 @@ TYPED_TEST(Values, AtTheEdges) {
       {"samp_stddev", {7}, {0}},
       {"skew", {0, 1, 0, 0}, {T(0.25 - 3.0 / 16 + 2.0 / 64) / (T(0.1875) * std::sqrt(T(0.1875)))}},
       {"skew", Vec<T>(std::vector<T>(49, T(0.1))), {0}},
+      {"skew", Vec<T>(std::vector<T>(7, inf)), {0}},
       {"excess", Vec<T>(std::vector<T>(10, T(0.1))), {-3}},  // whose mean is not exactly 0.1
       {"excess", {1, -1, -1, 1}, {-2}},
       {"excess", {inf, -inf, huge, -huge}, {nan}},
