@@ -869,35 +869,152 @@ DSP_API int32_t dspfi_analytic(dspf_vector *v);
  * Windows
  * ------------------------------------------------------------------------------------------------------------------ */
 
-/* window types: written by the owner of this section */
+/**
+ * Window types. d is the distance of sample j from the centre of the frame, N/2: d = j - N/2. Every window has its peak,
+ * 1, at d = 0 and is periodic: the sample at d = N/2 would be the first of the next frame. For odd N the centre falls
+ * between two samples; only triangle and Tukey keep their peak on one, at the integer index N/2.
+ *
+ *   cosine sum   w = a0 + a1 cos(2 pi d/N) + a2 cos(4 pi d/N) + ...; the comments below give a0, a1, ... for unity peak.
+ *                The sets for unity mean and unity RMS are stored too and used as they are, so that the mean of a flat
+ *                top (8 to 13) is a little below 1: 0.99945 for 8, 0.99964 for 9, 0.9997 to 0.9998 for the others.
+ *   triangle     w = 1 - |d| / ((N+1)/2), integer division; index 0 is 0 for even N
+ *   Kaiser       w = I0(beta sqrt(max(0, 1 - (2d/N)^2))) / I0(beta)
+ *   Gauss        w = exp(-0.5 (d / (p N))^2)
+ *   sinc         w = sin(u) / u, u = scale 2d / (width N); type 23 has width 1, scale pi
+ *   Tukey        w = 1 where 2|d|/N <= 1-f, towards the edges 0.5 (1 + cos(pi (2|d|/N - (1-f)) / f)); f: both tapers
+ *                together, as a fraction of the frame
+ *   cosine lobe  w = cos(pi d/N)
+ */
+enum {
+  DSP_WINDOW_UNIFORM = 0, DSP_WINDOW_RECTANGULAR = 0, DSP_WINDOW_NONE = 0, DSP_WINDOW_P000 = 0, /**< a0 = 1 */
+  DSP_WINDOW_BARTLETT = 1, DSP_WINDOW_TRIANGULAR = 1, /**< triangle */
+  DSP_WINDOW_HANN = 2, DSP_WINDOW_P110 = 2, /**< 0.5, 0.5 */
+  DSP_WINDOW_HAMMING = 3, DSP_WINDOW_P100 = 3, /**< 0.54, 0.46 */
+  DSP_WINDOW_BLACKMAN = 4, /**< 0.42, 0.5, 0.08 */
+  DSP_WINDOW_BLACKMAN_HARRIS3 = 5, DSP_WINDOW_P200 = 5, /**< 0.42438, 0.49734, 0.07828 */
+  DSP_WINDOW_BLACKMAN_HARRIS4 = 6, DSP_WINDOW_P310 = 6, DSP_WINDOW_LOWLEAK = 6,
+      /**< 0.355768, 0.487396, 0.144232, 0.012604 */
+  DSP_WINDOW_GAUSSTOP = 7, DSP_WINDOW_P400 = 7, DSP_WINDOW_CHEBY5 = 7,
+      /**< 0.32322, 0.47149, 0.17553, 0.02850, 0.00126 */
+  DSP_WINDOW_FLAT4 = 8, DSP_WINDOW_P301 = 8, /**< 0.23952, 0.45809, 0.25849, 0.04390 */
+  DSP_WINDOW_FLATTOP = 9, DSP_WINDOW_FLAT5 = 9, DSP_WINDOW_P401 = 9, /**< 0.21328, 0.41401, 0.27906, 0.08617, 0.00749 */
+  DSP_WINDOW_FLAT6 = 10, DSP_WINDOW_P511 = 10, /**< 0.19185, 0.37597, 0.28443, 0.12274, 0.02373, 0.00128 */
+  DSP_WINDOW_FLAT7 = 11, DSP_WINDOW_P611 = 11, /**< 0.17787, 0.35027, 0.28164, 0.14478, 0.04033, 0.00496, 0.00016 */
+  DSP_WINDOW_P501 = 12, /**< 0.19419, 0.38017, 0.28406, 0.11877, 0.02173, 0.00108 */
+  DSP_WINDOW_P601 = 13, /**< 0.17932, 0.35295, 0.28197, 0.14251, 0.03857, 0.00454, 0.00014 */
+  DSP_WINDOW_KAISER70 = 14, /**< Kaiser, beta 9.473960131326246 */
+  DSP_WINDOW_KAISER80 = 15, /**< Kaiser, beta 10.751776690564654 */
+  DSP_WINDOW_KAISER90 = 16, /**< Kaiser, beta 12.014077292090791 */
+  DSP_WINDOW_KAISER100 = 17, /**< Kaiser, beta 13.264372446115681 */
+  DSP_WINDOW_KAISER110 = 18, /**< Kaiser, beta 14.505082414495599 */
+  DSP_WINDOW_KAISER120 = 19, /**< Kaiser, beta 15.73795091271457 */
+  DSP_WINDOW_GAUSS60 = 20, /**< Gauss, p 0.1583722 */
+  DSP_WINDOW_GAUSS70 = 21, /**< Gauss, p 0.1442161 */
+  DSP_WINDOW_GAUSS80 = 22, /**< Gauss, p 0.1328102 */
+  DSP_WINDOW_RIEMANN = 23, DSP_WINDOW_SINC_LOBE = 23, /**< sinc */
+  DSP_WINDOW_TUKEY25 = 24, /**< Tukey, f 0.25 */
+  DSP_WINDOW_COS_LOBE = 25, DSP_WINDOW_RRC = 25, DSP_WINDOW_SQRT_HANN = 25, /**< cosine lobe */
+  DSP_WINDOW_CHEBY6 = 26, /**< 0.29356, 0.45194, 0.20142, 0.04793, 0.00503, 0.00014 */
+  DSP_WINDOW_CHEBY7 = 27, /**< 0.27122, 0.43344, 0.21800, 0.06579, 0.01076, 0.00077, 0.00001 */
+  DSP_WINDOW_CHEBY4 = 28, DSP_WINDOW_NUTTALL = 28, DSP_WINDOW_BLACKMAN_NUTTALL = 28,
+      /**< 0.3635819, 0.4891775, 0.1365995, 0.0106411 */
+  DSP_WINDOW_ORIG_BLACKMAN_HARRIS4 = 29, /**< 0.35875, 0.48829, 0.14128, 0.01168 */
+  DSP_WINDOW_KAISER89 = 30, /**< Kaiser, beta 11.9 */
+  DSP_WINDOW_GAUSS73 = 31 /**< Gauss, p 1/7.16 */
+};
 
+/** Window flags. Bits above these are ignored. */
+enum {
+  DSP_WINFLAG_MEAN = 0,        /**< bits 0 and 1: unity mean, a sine keeps its level */
+  DSP_WINFLAG_RMS = 1,         /**< unity RMS, noise keeps its power */
+  DSP_WINFLAG_PEAK = 2,        /**< unity peak, the window as defined; the value 3 is refused */
+  DSP_WINFLAG_ALTERNATIVE = 4, /**< alternative construction: Tukey has one, with the same result; refused by others */
+  DSP_WINFLAG_PARAMETER = 8,   /**< the window uses the caller's parameter, see dspi_window2 */
+  DSP_WINFLAG_ROTATE = 16,     /**< Uniform: rotate by half the length (the other types do unless told not to) */
+  DSP_WINFLAG_CENTRED = 32     /**< every other type: do not rotate, leave the peak in the middle of the frame */
+};
+
+/**
+ * Multiplies a vector by a window of its own length, both parts of a complex point by the same weight; then, unless
+ * DSP_WINFLAG_CENTRED is set, rotates it by half its length as dspi_swap_halves2 does, so that the centre of the frame
+ * lands at index 0 and a transform measures phase from there. The Uniform window leaves the samples as they are (it takes
+ * any of the other flags) and rotates only with DSP_WINFLAG_ROTATE.
+ *   params   type: DSP_WINDOW_*
+ *            flags: DSP_WINFLAG_*. Unity mean and unity RMS hold over the frame: exactly by formula for the triangle, by
+ *            the stored sets for cosine sums (given more points than terms), otherwise by the mean and RMS of the weights
+ *   keeps    points, form, delta; fewer than 1 point: nothing to do
+ *   state    the last window is kept for the next call; dsp_free_internal releases it. Windows are built and applied one
+ *            at a time
+ *   returns  0
+ *   fails    type above 31, normalisation 3, DSP_WINFLAG_PARAMETER, a type without alternative construction, a complex
+ *            vector with the triangle, a window whose mean or RMS is 0, storage: the vector is unchanged
+ */
 DSP_API int32_t dspi_window (dsp_vector  *v, uint32_t type, uint32_t flags);
 DSP_API int32_t dspfi_window(dspf_vector *v, uint32_t type, uint32_t flags);
 
+/**
+ * As dspi_window, with a parameter that counts when DSP_WINFLAG_PARAMETER is set (otherwise it is ignored):
+ *   cosine sums, Uniform too, and cosine lobe
+ *            the width L > 0 of the window in samples: L stands for N in the formula, and beyond |d| = L/2 the weight is 0
+ *   Kaiser   the width L > 0 in samples: L stands for N, and beyond |d| = L/2 the weight stays 1/I0(beta); beta is the
+ *            type's
+ *   Gauss    p, as in dspi_window_gauss
+ *   sinc     width, as in dspi_window_sinc; scale is pi
+ *   Tukey    f, as in dspi_window_tukey
+ *   triangle refused
+ * Unity mean and unity RMS always refer to the whole frame.
+ *   fails    as dspi_window, where the flag itself is no failure; a parameter out of range or NaN
+ */
 DSP_API int32_t dspi_window2 (dsp_vector  *v, uint32_t type, uint32_t flags, double parameter);
 DSP_API int32_t dspfi_window2(dspf_vector *v, uint32_t type, uint32_t flags, float  parameter);
 
+/**
+ * One family's window: multiplies as dspi_window2 does, but never rotates. DSP_WINFLAG_ROTATE and DSP_WINFLAG_CENTRED are
+ * ignored.
+ *   cos      the cosine lobe; DSP_WINFLAG_PARAMETER is refused
+ *   gauss    width: p, the standard deviation as a fraction of the frame, not 0 or NaN; DSP_WINFLAG_PARAMETER is ignored
+ *   kaiser   beta within +-460.51701859880916, for unity RMS within +-230.25850929940458 (float: twice the logarithm of
+ *            huge, and once); DSP_WINFLAG_PARAMETER is refused
+ *   sinc     width: not 0, the frame's fraction over which the argument grows to scale, to either side; scale in radians,
+ *            scale/width finite; DSP_WINFLAG_PARAMETER is ignored
+ *   tukey    fraction: f, 0 (Uniform) to 1 (Hann); DSP_WINFLAG_PARAMETER is ignored
+ *   keeps    points, form, delta; fewer than 1 point: nothing to do
+ *   fails    normalisation 3, a parameter out of range or NaN, DSP_WINFLAG_ALTERNATIVE but for Tukey, a window whose mean
+ *            or RMS is 0, storage: the vector is unchanged
+ */
 DSP_API int32_t dspi_window_cos (dsp_vector  *v, uint32_t flags);
 DSP_API int32_t dspfi_window_cos(dspf_vector *v, uint32_t flags);
-
 DSP_API int32_t dspi_window_gauss (dsp_vector  *v, uint32_t flags, double width);
 DSP_API int32_t dspfi_window_gauss(dspf_vector *v, uint32_t flags, float  width);
-
 DSP_API int32_t dspi_window_kaiser (dsp_vector  *v, uint32_t flags, double beta);
 DSP_API int32_t dspfi_window_kaiser(dspf_vector *v, uint32_t flags, float  beta);
-
 DSP_API int32_t dspi_window_sinc (dsp_vector  *v, uint32_t flags, double width, double scale);
 DSP_API int32_t dspfi_window_sinc(dspf_vector *v, uint32_t flags, float  width, float  scale);
-
 DSP_API int32_t dspi_window_tukey (dsp_vector  *v, uint32_t flags, double fraction);
 DSP_API int32_t dspfi_window_tukey(dspf_vector *v, uint32_t flags, float  fraction);
 
+/**
+ * The window of a filter design: as dspi_window2 with the same formulas, but with d = j - (N-1)/2, so that the taps are
+ * symmetric about the centre tap, for even N about the middle between two; and never rotated. The period of a cosine sum
+ * stays N: the outermost taps are not wasted on the window's zeros.
+ *   keeps, fails  as dspi_window2
+ */
 DSP_API int32_t dspi_window_fir (dsp_vector  *v, uint32_t type, uint32_t flags, double parameter);
 DSP_API int32_t dspfi_window_fir(dspf_vector *v, uint32_t type, uint32_t flags, float  parameter);
 
+/**
+ * Finds a window type by name: each enumerator above, and 60 plain names from "Uniform" to "Gauss73". Upper and lower
+ * case of ASCII letters are the same, whatever the locale; nothing is abbreviated or trimmed.
+ *   fails    text or type null: nothing is stored; an unknown name: 0 is stored
+ */
 DSP_API int32_t dsp_window_from_str (const char *text, uint32_t *type);
 DSP_API int32_t dspf_window_from_str(const char *text, uint32_t *type);
 
+/**
+ * Writes the name of a window type, for example "Hann". The rest of the buffer is filled with zeros; a longer name is cut
+ * to size - 1 characters, which is no failure. No name has more than 31 characters.
+ *   fails    buffer null or size below 1: nothing is written; type above 31: an empty string is written
+ */
 DSP_API int32_t dsp_window_to_str (uint32_t type, char *buffer, int32_t size);
 DSP_API int32_t dspf_window_to_str(uint32_t type, char *buffer, int32_t size);
 
@@ -905,15 +1022,27 @@ DSP_API int32_t dspf_window_to_str(uint32_t type, char *buffer, int32_t size);
  * Window metrics
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/**
+ * The number by which the unit-peak window of `points` points is multiplied for the normalisation in bits 0 and 1 of the
+ * flags: 1/mean, 1/RMS or 1. It is the very factor that dspi_window and dspi_window2 apply; for the cosine sums it is the
+ * ratio of the stored coefficients (Hann: 2, 1.632993161855452, 1) whatever the number of points.
+ *   params   flags and parameter as in dspi_window2; dsp_window_scale refuses DSP_WINFLAG_PARAMETER
+ *   fails    scale null; what dspi_window2 refuses of type, flags and parameter; fewer than 1 point where the factor
+ *            depends on them; a mean or RMS of 0: the result is not written
+ */
 DSP_API int32_t dsp_window_scale (double *scale, uint32_t type, uint32_t flags, int32_t points);
 DSP_API int32_t dspf_window_scale(float  *scale, uint32_t type, uint32_t flags, int32_t points);
-
 DSP_API int32_t dsp_window2_scale (double *scale, uint32_t type, uint32_t flags, int32_t points, double parameter);
 DSP_API int32_t dspf_window2_scale(float  *scale, uint32_t type, uint32_t flags, int32_t points, float  parameter);
 
+/**
+ * Equivalent noise bandwidth in bins: (scale for unity mean / scale for unity RMS)^2, which is the mean square of the
+ * window over its squared mean. Uniform: 1, Hann: 1.5. dsp_window2_enbw is for the window with its parameter, as if
+ * DSP_WINFLAG_PARAMETER were set.
+ *   fails    enbw null; whatever fails in dsp_window_scale or dsp_window2_scale: the result is not written
+ */
 DSP_API int32_t dsp_window_enbw (double *enbw, uint32_t type, int32_t points);
 DSP_API int32_t dspf_window_enbw(float  *enbw, uint32_t type, int32_t points);
-
 DSP_API int32_t dsp_window2_enbw (double *enbw, uint32_t type, int32_t points, double parameter);
 DSP_API int32_t dspf_window2_enbw(float  *enbw, uint32_t type, int32_t points, float  parameter);
 

@@ -12,6 +12,7 @@ template <class T> Status free_internal() {
       release_dft<T>,
       release_plans<T>,
       release_twiddles<T>,
+      release_windows<T>,
   };
   for (const auto release : steps) SIGVEX_TRY(release());
   return kSuccess;
