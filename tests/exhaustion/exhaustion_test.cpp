@@ -189,7 +189,7 @@ template <class T> std::vector<Row<T>> rows() {
       {"window2_enbw",
        [](R) {
          T enbw;
-         return window2_enbw(&enbw, 15U, 64, T(0));
+         return window2_enbw(&enbw, 15U, 64, T(32));
        }},
       {"fread", [](R r) { return reads<T>(r, "#DSP points = 3\n#DSP complex = 1\n1 2 3 4 5 6\n"); }},
       {"fwrite2 text", [](R r) { return writes<T>(r, 1); }},
