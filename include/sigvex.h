@@ -1267,6 +1267,80 @@ DSP_API int32_t dsps_peak (const dsp_vector  *v, dsp_vector  *result, uint32_t f
 DSP_API int32_t dspfs_peak(const dspf_vector *v, dspf_vector *result, uint32_t flags, int32_t index);
 
 /* ------------------------------------------------------------------------------------------------------------------
+ * Signal generators
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspc_cexp (dsp_vector  *v, double frequency, double phase);
+DSP_API int32_t dspfc_cexp(dspf_vector *v, double frequency, double phase);
+
+DSP_API int32_t dspc_cos (dsp_vector  *v, double frequency, double phase);
+DSP_API int32_t dspfc_cos(dspf_vector *v, double frequency, double phase);
+
+DSP_API int32_t dspc_line (dsp_vector  *v, double slope, double offset);
+DSP_API int32_t dspfc_line(dspf_vector *v, double slope, double offset);
+
+DSP_API int32_t dspc_rand (dsp_vector  *v, int32_t kind);
+DSP_API int32_t dspfc_rand(dspf_vector *v, int32_t kind);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Averaged spectra
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dsph_fft (const dsp_vector  *x, dsp_vector  *y, dsp_vector  *accumulator, dsp_vector  *state,
+                           uint32_t type, uint32_t flags);
+DSP_API int32_t dspfh_fft(const dspf_vector *x, dspf_vector *y, dspf_vector *accumulator, dspf_vector *state,
+                           uint32_t type, uint32_t flags);
+
+DSP_API int32_t dsph_dft (const dsp_vector  *x, dsp_vector  *y, dsp_vector  *accumulator, dsp_vector  *state,
+                           uint32_t type, uint32_t flags);
+DSP_API int32_t dspfh_dft(const dspf_vector *x, dspf_vector *y, dspf_vector *accumulator, dspf_vector *state,
+                           uint32_t type, uint32_t flags);
+
+DSP_API int32_t dsph_avg (const dsp_vector  *current, dsp_vector  *accumulator, dsp_vector  *work, uint32_t flags,
+                           int32_t count, int32_t reference, double weight, double length);
+DSP_API int32_t dspfh_avg(const dspf_vector *current, dspf_vector *accumulator, dspf_vector *work, uint32_t flags,
+                           int32_t count, int32_t reference, float  weight, float  length);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * FIR design
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspc_fir (dsp_vector  *v, int32_t type, double p1, double p2);
+DSP_API int32_t dspfc_fir(dspf_vector *v, int32_t type, double p1, double p2);
+
+DSP_API int32_t dspc_fir2 (dsp_vector  *v, int32_t set);
+DSP_API int32_t dspfc_fir2(dspf_vector *v, int32_t set);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * FIR filtering and decimation
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspd_fir (const dsp_vector  *in, dsp_vector  *out, const dsp_vector  *taps, dsp_vector  *state);
+DSP_API int32_t dspfd_fir(const dspf_vector *in, dspf_vector *out, const dspf_vector *taps, dspf_vector *state);
+
+DSP_API int32_t dspd_deci (const dsp_vector  *in, dsp_vector  *out, int32_t factor, dsp_vector  *offset);
+DSP_API int32_t dspfd_deci(const dspf_vector *in, dspf_vector *out, int32_t factor, dspf_vector *offset);
+
+/* ------------------------------------------------------------------------------------------------------------------
+ * Resampling
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+DSP_API int32_t dspc_rsmp_cos (dsp_vector  *kernel, const dsp_vector  *coefficients);
+DSP_API int32_t dspfc_rsmp_cos(dspf_vector *kernel, const dspf_vector *coefficients);
+
+DSP_API int32_t dspc_rsmp_pcos (dsp_vector  *kernel, const dsp_vector  *coefficients);
+DSP_API int32_t dspfc_rsmp_pcos(dspf_vector *kernel, const dspf_vector *coefficients);
+
+DSP_API int32_t dspc_rsmp (dsp_vector  *kernel, uint32_t set);
+DSP_API int32_t dspfc_rsmp(dspf_vector *kernel, uint32_t set);
+
+DSP_API int32_t dspd_rsmp (const dsp_vector  *in, dsp_vector  *out, uint8_t mode, const dsp_vector  *kernel, double ratio, dsp_vector  *state);
+DSP_API int32_t dspfd_rsmp(const dspf_vector *in, dspf_vector *out, uint8_t mode, const dspf_vector *kernel, double ratio, dspf_vector *state);
+
+DSP_API int32_t dspd_rsmp2 (const dsp_vector  *in, dsp_vector  *out, uint8_t mode, uint32_t set, double ratio, dsp_vector  *state);
+DSP_API int32_t dspfd_rsmp2(const dspf_vector *in, dspf_vector *out, uint8_t mode, uint32_t set, double ratio, dspf_vector *state);
+
+/* ------------------------------------------------------------------------------------------------------------------
  * Vector files
  * ------------------------------------------------------------------------------------------------------------------ */
 
