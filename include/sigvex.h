@@ -870,11 +870,11 @@ DSP_API int32_t dspfi_analytic(dspf_vector *v);
  * ------------------------------------------------------------------------------------------------------------------ */
 
 /**
- * Window types. d is the distance of sample j from the centre of the frame, N/2: d = j - N/2. Every window has its peak,
- * 1, at d = 0 and is periodic: the sample at d = N/2 would be the first of the next frame. For odd N the centre falls
- * between two samples; only triangle and Tukey keep their peak on one, at the integer index N/2.
+ * Window types. d is the distance of sample j from the centre of the frame, N/2: d = j - N/2. Every window has its
+ * peak, 1, at d = 0 and is periodic: the sample at d = N/2 would be the first of the next frame. For odd N the centre
+ * falls between two samples; only triangle and Tukey keep their peak on one, at the integer index N/2.
  *
- *   cosine sum   w = a0 + a1 cos(2 pi d/N) + a2 cos(4 pi d/N) + ...; the comments below give a0, a1, ... for unity peak.
+ *   cosine sum   w = a0 + a1 cos(2 pi d/N) + a2 cos(4 pi d/N) + ...; below are a0, a1, ... for unity peak, rounded.
  *                The sets for unity mean and unity RMS are stored too and used as they are, so that the mean of a flat
  *                top (8 to 13) is a little below 1: 0.99945 for 8, 0.99964 for 9, 0.9997 to 0.9998 for the others.
  *   triangle     w = 1 - |d| / ((N+1)/2), integer division; index 0 is 0 for even N
@@ -937,14 +937,15 @@ enum {
 /**
  * Multiplies a vector by a window of its own length, both parts of a complex point by the same weight; then, unless
  * DSP_WINFLAG_CENTRED is set, rotates it by half its length as dspi_swap_halves2 does, so that the centre of the frame
- * lands at index 0 and a transform measures phase from there. The Uniform window leaves the samples as they are (it takes
- * any of the other flags) and rotates only with DSP_WINFLAG_ROTATE.
+ * lands at index 0 and a transform measures phase from there. The Uniform window leaves the samples as they are, with or
+ * without DSP_WINFLAG_ALTERNATIVE, and rotates only with DSP_WINFLAG_ROTATE.
  *   params   type: DSP_WINDOW_*
- *            flags: DSP_WINFLAG_*. Unity mean and unity RMS hold over the frame: exactly by formula for the triangle, by
- *            the stored sets for cosine sums (given more points than terms), otherwise by the mean and RMS of the weights
+ *            flags: DSP_WINFLAG_*. Unity mean and unity RMS hold over the frame: by formula for the triangle, by the
+ *            stored sets for cosine sums (given at least twice as many points as terms), otherwise by the mean and the
+ *            RMS of the weights
  *   keeps    points, form, delta; fewer than 1 point: nothing to do
- *   state    the last window is kept for the next call; dsp_free_internal releases it. Windows are built and applied one
- *            at a time
+ *   state    the last window is kept for the next call; dsp_free_internal releases it. Windows are built and applied
+ *            one at a time
  *   returns  0
  *   fails    type above 31, normalisation 3, DSP_WINFLAG_PARAMETER, a type without alternative construction, a complex
  *            vector with the triangle, a window whose mean or RMS is 0, storage: the vector is unchanged
@@ -955,9 +956,8 @@ DSP_API int32_t dspfi_window(dspf_vector *v, uint32_t type, uint32_t flags);
 /**
  * As dspi_window, with a parameter that counts when DSP_WINFLAG_PARAMETER is set (otherwise it is ignored):
  *   cosine sums, Uniform too, and cosine lobe
- *            the width L > 0 of the window in samples: L stands for N in the formula, and beyond |d| = L/2 the weight is 0
- *   Kaiser   the width L > 0 in samples: L stands for N, and beyond |d| = L/2 the weight stays 1/I0(beta); beta is the
- *            type's
+ *            the width of the window in samples, L > 0: L stands for N in the formula; the weight is 0 beyond |d| = L/2
+ *   Kaiser   the width in samples, L > 0: L stands for N, beta is the type's; the weight is 1/I0(beta) beyond |d| = L/2
  *   Gauss    p, as in dspi_window_gauss
  *   sinc     width, as in dspi_window_sinc; scale is pi
  *   Tukey    f, as in dspi_window_tukey
@@ -969,18 +969,18 @@ DSP_API int32_t dspi_window2 (dsp_vector  *v, uint32_t type, uint32_t flags, dou
 DSP_API int32_t dspfi_window2(dspf_vector *v, uint32_t type, uint32_t flags, float  parameter);
 
 /**
- * One family's window: multiplies as dspi_window2 does, but never rotates. DSP_WINFLAG_ROTATE and DSP_WINFLAG_CENTRED are
- * ignored.
+ * One family's window: multiplies as dspi_window2 does, but never rotates, whatever DSP_WINFLAG_ROTATE and
+ * DSP_WINFLAG_CENTRED say.
  *   cos      the cosine lobe; DSP_WINFLAG_PARAMETER is refused
  *   gauss    width: p, the standard deviation as a fraction of the frame, not 0 or NaN; DSP_WINFLAG_PARAMETER is ignored
  *   kaiser   beta within +-460.51701859880916, for unity RMS within +-230.25850929940458 (float: twice the logarithm of
  *            huge, and once); DSP_WINFLAG_PARAMETER is refused
- *   sinc     width: not 0, the frame's fraction over which the argument grows to scale, to either side; scale in radians,
+ *   sinc     width: not 0, the fraction of the frame at whose ends the argument is -scale and scale; scale in radians,
  *            scale/width finite; DSP_WINFLAG_PARAMETER is ignored
  *   tukey    fraction: f, 0 (Uniform) to 1 (Hann); DSP_WINFLAG_PARAMETER is ignored
  *   keeps    points, form, delta; fewer than 1 point: nothing to do
- *   fails    normalisation 3, a parameter out of range or NaN, DSP_WINFLAG_ALTERNATIVE but for Tukey, a window whose mean
- *            or RMS is 0, storage: the vector is unchanged
+ *   fails    normalisation 3, a parameter out of range or NaN, DSP_WINFLAG_ALTERNATIVE but for Tukey, a window whose
+ *            mean or RMS is 0, storage: the vector is unchanged
  */
 DSP_API int32_t dspi_window_cos (dsp_vector  *v, uint32_t flags);
 DSP_API int32_t dspfi_window_cos(dspf_vector *v, uint32_t flags);
@@ -1011,8 +1011,8 @@ DSP_API int32_t dsp_window_from_str (const char *text, uint32_t *type);
 DSP_API int32_t dspf_window_from_str(const char *text, uint32_t *type);
 
 /**
- * Writes the name of a window type, for example "Hann". The rest of the buffer is filled with zeros; a longer name is cut
- * to size - 1 characters, which is no failure. No name has more than 31 characters.
+ * Writes the name of a window type, for example "Hann". The rest of the buffer is filled with zeros; a longer name is
+ * cut to size - 1 characters, which is no failure. 24 bytes hold every name.
  *   fails    buffer null or size below 1: nothing is written; type above 31: an empty string is written
  */
 DSP_API int32_t dsp_window_to_str (uint32_t type, char *buffer, int32_t size);
@@ -1023,9 +1023,9 @@ DSP_API int32_t dspf_window_to_str(uint32_t type, char *buffer, int32_t size);
  * ------------------------------------------------------------------------------------------------------------------ */
 
 /**
- * The number by which the unit-peak window of `points` points is multiplied for the normalisation in bits 0 and 1 of the
- * flags: 1/mean, 1/RMS or 1. It is the very factor that dspi_window and dspi_window2 apply; for the cosine sums it is the
- * ratio of the stored coefficients (Hann: 2, 1.632993161855452, 1) whatever the number of points.
+ * The number by which the unit-peak window of `points` points is multiplied for the normalisation in bits 0 and 1 of
+ * the flags: 1/mean, 1/RMS or 1. It is the factor that dspi_window and dspi_window2 apply; for the cosine sums it is the
+ * ratio of the stored coefficients a0 (Hann: 2, 1.632993161855452, 1) whatever the number of points.
  *   params   flags and parameter as in dspi_window2; dsp_window_scale refuses DSP_WINFLAG_PARAMETER
  *   fails    scale null; what dspi_window2 refuses of type, flags and parameter; fewer than 1 point where the factor
  *            depends on them; a mean or RMS of 0: the result is not written

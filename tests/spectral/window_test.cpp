@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <functional>
 #include <numeric>
+#include <thread>
 
 #include "support/twin.h"
 
@@ -353,6 +354,22 @@ TYPED_TEST(Window, TheLastWindowIsKeptUntilItIsReleasedOrAnotherIsWanted) {
     EXPECT_EQ(window_fir(fir.get(), c.type, c.flags, c.parameter), 0);
     EXPECT_EQ(fir[0], fir[c.n - 1]) << k;
   }
+}
+
+TYPED_TEST(Window, ThreadsThatWantDifferentWindowsGetTheirOwn) {
+  using T = TypeParam;
+  ASSERT_EQ(dsp_lib_init(), 0);
+  std::vector<std::thread> threads;
+  for (const uint32_t type : {DSP_WINDOW_HANN, DSP_WINDOW_KAISER70, DSP_WINDOW_TRIANGULAR, DSP_WINDOW_TUKEY25}) {
+    const Vec<T> expected = weights<T>(40, type, 0);
+    threads.emplace_back([type, expected] {
+      for (int round = 0; round < 50; ++round) {
+        ASSERT_TRUE(exactly(weights<T>(40, type, 0), expected.samples())) << type;
+        if (round % 8 == 0) free_internal.template of<T>()();
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
 }
 
 }  // namespace
