@@ -1355,21 +1355,83 @@ enum {
   DSP_FILE_NO_DATA = 0x200     /**< only the header */
 };
 
+/**
+ * Opens a file as fopen does. The name "-" stands for standard input where the mode begins with r, for standard output
+ * where it begins with w; a b as the mode's second or third character makes that stream binary.
+ *   returns  the stream; null if it cannot be opened, for "-" with any other mode, and for a null name or mode
+ */
 DSP_API FILE *dspf_fopen (const char *name, const char *mode);
 DSP_API FILE *dspff_fopen(const char *name, const char *mode);
 
+/**
+ * Closes a stream as fclose does; standard input and standard output stay open.
+ *   fails    what fclose cannot write; a null stream
+ */
 DSP_API int32_t dspf_fclose (FILE *stream);
 DSP_API int32_t dspff_fclose(FILE *stream);
 
+/**
+ * Reads one record, binary or text, which its first byte tells apart; white space before it is skipped. Records may
+ * follow one another in a stream: nothing behind a record is read, but for one character that is put back.
+ *
+ * Binary: what dspf_fwrite and its twin write, in either byte order and with values of either size (rounded to nearest
+ * where this precision is the smaller), and the older forms without format word (magics 0xEB0110BE with 8-byte and
+ * 0xEB0220BE with 4-byte values). The point count and the form flag enter the vector as they are stored.
+ *
+ * Text: values up to the end of the input or the declared count, separated by white space. Lines that begin with # are
+ * comments, three of which say something wherever they stand ("#DSP points = 0" ends the record with its header: as soon
+ * as the three have been seen, or before the first value):
+ *     #DSP points = N     the point count; below 0 it counts as 0
+ *     #DSP complex = F    a flag; if it is not 0, values are real and imaginary parts in turn, the last completed by 0.0
+ *     #DSP delta = X      the spacing; 1.0 if there is none
+ * White space in these may differ, what follows the number is not looked at, nor is any line behind its 254th character;
+ * the last line of the input needs its line end. Numbers are what scanf accepts in the C locale, of any length and
+ * rounded once to this precision, with one exception: a hexadecimal number is 0x and the digits of a 32-bit integer with
+ * sign (0xFFFFFFFF is -1, -0x1A is -26, 0x1.8 is 1 and then 0.8, 0X1 no number). The host's locale changes nothing. An
+ * exponent without digits counts as none ("1e" is 1); a nan may be followed by letters, digits or _ in parentheses.
+ *   sizes    a binary record's points; text grows the storage by 1024 points whenever that many values have come
+ *   delta    the record's
+ *   returns  1 a vector was read; 0 at the end of the input, when nothing but white space was left: the vector then has
+ *            0 points; -1 failure
+ *   fails    in a binary record: unknown magic, values of a size other than 4 and 8, an end before the last value (the
+ *            vector keeps the fields and values that came, the other values being 0.0, unless more than 2^20 points are
+ *            claimed: storage then grows with the data, and is given up); in text: what is not a number, fewer values
+ *            than declared (the vector keeps what came before); an input error; storage. The stream is left where the
+ *            failure was found.
+ */
 DSP_API int32_t dspf_fread (dsp_vector  *v, FILE *stream);
 DSP_API int32_t dspff_fread(dspf_vector *v, FILE *stream);
 
+/**
+ * Writes one binary record in this machine's byte order: magic 0xEB0330BE, a format word (0x0408, twin 0x0404), point
+ * count and form flag as they stand in the vector, 4 bytes each; then delta and the values, 8 bytes each (twin 4). A
+ * negative count is written as it is, without values.
+ *   fails    the stream takes less than the whole record
+ */
 DSP_API int32_t dspf_fwrite (const dsp_vector  *v, FILE *stream);
 DSP_API int32_t dspff_fwrite(const dspf_vector *v, FILE *stream);
 
+/**
+ * Writes a vector in one of the five formats. Numbers have 16 significant digits (twin 7) and a decimal point, whatever
+ * locale the host has set; zeros at their end are dropped, as by %g.
+ *   params   flags: a DSP_FILE_ format, with DSP_FILE_NO_HEADER for the data alone and DSP_FILE_NO_DATA for the header
+ *            alone; both leave nothing, of a summary its line end
+ *   ascii    header lines with point count, form flag, value size and delta, then a value or "re im" a line
+ *   summary  "[points/delta] " and up to 32 points, a value or "re,im" each, in one line; " ..." stands for more. Numbers
+ *            from 9999 to 999999999 are whole, others have 4 digits.
+ *   gnuplot  a script that plots the samples (of a complex vector the magnitude; other plots are there as comments)
+ *            against k delta, calculated in double; complete only with header and data
+ *   trace    key and value lines (with delta and a display range), then a value or both parts, separated by a tab, a
+ *            line. The range is the largest magnitude, parabolically refined, brought up to 1, 2, 4 or 5 times a power of
+ *            ten (20 epsilon beyond count as reached), at most huge; without a magnitude above 0 it is 1.
+ *   fails    an unknown format (nothing is written); binary: the stream takes less than all; trace: storage for the
+ *            search of the largest magnitude (the first line is then written). Other text formats do not fail, even on a
+ *            stream that does.
+ */
 DSP_API int32_t dspf_fwrite2 (const dsp_vector  *v, FILE *stream, uint32_t flags);
 DSP_API int32_t dspff_fwrite2(const dspf_vector *v, FILE *stream, uint32_t flags);
 
+/** dspf_fwrite2 with DSP_FILE_ASCII. */
 DSP_API int32_t dspf_fwrite_ascii (const dsp_vector  *v, FILE *stream);
 DSP_API int32_t dspff_fwrite_ascii(const dspf_vector *v, FILE *stream);
 

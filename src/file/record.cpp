@@ -90,7 +90,10 @@ class RecordReader {
 
 // The count, form and delta as they come, into the vector's fields.
 template <class T> bool read_fields(RecordReader& in, Vector<T>& v) {
-  return in.read_kind() && in.field(v.points) && in.field(v.complex) && in.values(&v.delta, 1) == 1;
+  T delta;
+  if (!in.read_kind() || !in.field(v.points) || !in.field(v.complex) || in.values(&delta, 1) != 1) return false;
+  v.delta = delta;
+  return true;
 }
 
 // Keeps the fields and the first `came` values of a record that ends too early, if its claimed count is a credible one:

@@ -8,6 +8,7 @@ namespace {
 
 TWIN(f, fwrite2);
 TWIN(f, fwrite_ascii);
+TWIN(, lib_alloc);
 
 template <class T> std::string written(const Vec<T>& v, uint32_t flags) {
   Stream stream;
@@ -135,6 +136,18 @@ TYPED_TEST(TextWriters, DisplayRangeIsTheNextOfOneTwoFourFiveTen) {
     EXPECT_EQ(trace.substr(from, trace.find('\n', from) - from), row.range)
         << ::testing::PrintToString(row.v.samples());
   }
+}
+
+TYPED_TEST(TextWriters, ATraceWithoutItsRangeEndsBehindTheFirstLine) {
+  using T = TypeParam;
+  const Vec<T> v{1, 2};
+  Stream stream;
+  lib_alloc.of<T>()([](Record<T>* record) { return record->data = nullptr, 0; }, nullptr);
+  EXPECT_EQ(fwrite2(v.operator->(), stream.get(), DSP_FILE_TRACE | 0U), -1);
+  EXPECT_EQ(fwrite2(v.operator->(), stream.get(), DSP_FILE_TRACE | kNoHeader), 0);
+  lib_alloc.of<T>()(nullptr, nullptr);
+  EXPECT_EQ(fwrite2(v.operator->(), stream.get(), DSP_FILE_TRACE | 1U), -1);  // format 5
+  EXPECT_EQ(stream.text(), "SigvexData\tTrue\n1\n2\n");
 }
 
 }  // namespace
