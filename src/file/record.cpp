@@ -67,7 +67,7 @@ class RecordReader {
  private:
   template <class Stored, class T> size_t values_of(T* out, size_t n) {
     if constexpr (std::is_same_v<Stored, T>) {
-      const size_t came = std::fread(out, sizeof(T), n, &stream_);
+      const size_t came = n > 0 ? std::fread(out, sizeof(T), n, &stream_) : 0;
       if (swapped_) std::transform(out, out + came, out, reversed<T>);
       return came;
     } else {
@@ -134,7 +134,7 @@ int first_byte(std::FILE& stream) {
 
 template <class T> Status write_record(const Vector<T>& v, std::FILE& stream, Pieces pieces) {
   const auto put = [&stream](const auto* items, size_t n) {
-    return std::fwrite(items, sizeof *items, n, &stream) == n;
+    return n == 0 || std::fwrite(items, sizeof *items, n, &stream) == n;
   };
   const uint32_t kind[] = {kMagic, kFormat + sizeof(T)};
   const int32_t form[] = {v.points, v.complex};

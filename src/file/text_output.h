@@ -26,7 +26,7 @@ class TextOutput {
   }
 
  private:
-  static constexpr size_t kRoom = 8192, kLongestNumber = 64;  // 64: any %.16g, and %.0f up to 1e9
+  static constexpr size_t kRoom = 4096, kLongestNumber = 64;  // 64: any %.16g, and %.0f up to 1e9
 
   void put_one(double x) { number(x, std::chars_format::general, 16); }
   void put_one(float x) { number(x, std::chars_format::general, 7); }
@@ -51,7 +51,7 @@ class TextOutput {
 
   std::FILE& stream_;
   size_t used_ = 0;
-  char text_[kRoom];
+  char text_[kRoom] = {};
 };
 
 }  // namespace sigvex
