@@ -268,7 +268,7 @@ DSP_API int32_t dspi_timesi (dsp_vector  *v);
 DSP_API int32_t dspfi_timesi(dspf_vector *v);
 
 /**
- * Clips every sample, both parts of a point alike, to lo = min(a, b) .. hi = max(a, b). NaN counts as below and becomes lo.
+ * Clips every sample, both parts of a point alike, to lo = min(a, b) .. hi = max(a, b). NaN counts as below, becomes lo.
  *   params   ignored: any value
  *            a, b: the bounds, in either order; infinite bounds are allowed
  *            clipped: receives 1 if at least one sample was changed, else 0; may be null
@@ -280,7 +280,8 @@ DSP_API int32_t dspfi_limit(dspf_vector *v, int32_t ignored, float  a, float  b,
 /**
  * Reciprocal.
  *   real     1 / x; 0.0, -0.0 and NaN stay what they are
- *   complex  (re k, -im k) with k = 1 / (re^2 + im^2), huge where that sum is 0, and 1 / huge where a part is out of range
+ *   complex  (re k, -im k) with k = 1 / (re^2 + im^2); k = huge where that sum is 0, 1 / huge where a part is out of
+ *            range
  */
 DSP_API int32_t dspi_recip (dsp_vector  *v);
 DSP_API int32_t dspfi_recip(dspf_vector *v);
@@ -306,8 +307,8 @@ DSP_API int32_t dspi_exp (dsp_vector  *v);
 DSP_API int32_t dspfi_exp(dspf_vector *v);
 
 /**
- * Power of ten, as e^(x ln 10): the roundings of the product and of ln 10 cost up to |x ln 10| epsilon beside those of the
- * exponential.
+ * Power of ten, as e^(x ln 10): the roundings of the product and of ln 10 cost up to |x ln 10| epsilon beside those of
+ * the exponential.
  *   real     10^x; huge where x exceeds log10 huge = 100 (float: 15) and where x is out of range, below as well as NaN
  *   complex  magnitude as the real result for re, times (cos a, sin a) with a = im ln 10
  */
@@ -318,8 +319,8 @@ DSP_API int32_t dspfi_exp10(dspf_vector *v);
  * Natural logarithm. There is no complex result for a negative sample.
  *   real     ln x; ln tiny = -708.3964185322641 (float: -87.33654) where x is below tiny, zero, negative or NaN
  *   complex  (0.5 ln m, atan2(im, re)) with m = re^2 + im^2, the angle in radians, -pi .. pi; (ln tiny, 0.0) where m is
- *            below tiny. Where a part is out of range, m is huge itself and the parts count in the angle as +-huge, NaN as
- *            -huge.
+ *            below tiny. Where a part is out of range, m is huge itself, and in the angle the part counts as +-huge,
+ *            NaN as -huge.
  */
 DSP_API int32_t dspi_log (dsp_vector  *v);
 DSP_API int32_t dspfi_log(dspf_vector *v);
@@ -333,11 +334,11 @@ DSP_API int32_t dspfi_log10(dspf_vector *v);
 
 /**
  * Level: the logarithm to base ten times a factor, 10 for power, 20 for amplitude. No absolute value is taken.
- *   real     factor log10 x; factor times log10 tiny = -307.6526555685888 (float: -37.92978) where x is below tiny, zero,
- *            negative or NaN
- *   complex  (factor 0.5 log10 m, factor 0.4342944819032518 atan2(im, re)) with m = re^2 + im^2, the complex logarithm to
- *            base ten times the factor; (factor log10 tiny, 0.0) where m is below tiny. Parts out of range count as +-huge
- *            throughout, NaN as -huge.
+ *   real     factor log10 x; factor times log10 tiny = -307.6526555685888 (float: -37.92978) where x is below tiny,
+ *            zero, negative or NaN
+ *   complex  (factor 0.5 log10 m, factor 0.4342944819032518 atan2(im, re)) with m = re^2 + im^2, the complex logarithm
+ *            to base ten times the factor; (factor log10 tiny, 0.0) where m is below tiny. Parts out of range count as
+ *            +-huge throughout, NaN as -huge.
  */
 DSP_API int32_t dspi_db (dsp_vector  *v, double factor);
 DSP_API int32_t dspfi_db(dspf_vector *v, float  factor);
@@ -345,8 +346,8 @@ DSP_API int32_t dspfi_db(dspf_vector *v, float  factor);
 /**
  * Square root, for a point the principal one: its real part is not negative.
  *   real     sqrt x, correctly rounded; 0.0 where x is negative or NaN; -0.0 stays
- *   complex  (r cos(t/2), r sin(t/2)) with r = sqrt(sqrt(re^2 + im^2)) and t = atan2(im, re); r = sqrt(huge) where a part
- *            is out of range (a NaN part makes t and the result NaN); (0.0, 0.0) where r is 0
+ *   complex  (r cos(t/2), r sin(t/2)) with r = sqrt(sqrt(re^2 + im^2)) and t = atan2(im, re); r = sqrt(huge) where a
+ *            part is out of range (a NaN part makes t and the result NaN); (0.0, 0.0) where r is 0
  */
 DSP_API int32_t dspi_sqrt (dsp_vector  *v);
 DSP_API int32_t dspfi_sqrt(dspf_vector *v);
@@ -365,8 +366,8 @@ DSP_API int32_t dspi_asin (dsp_vector  *v);
 DSP_API int32_t dspfi_asin(dspf_vector *v);
 
 /**
- * The function of the C library, angles in radians, without guards: cosh and sinh overflow to infinity, an infinite angle
- * gives NaN.
+ * The function of the C library, angles in radians, without guards: cosh and sinh overflow to infinity, an infinite
+ * angle gives NaN.
  *   fails    complex (untouched)
  */
 DSP_API int32_t dspi_atan (dsp_vector  *v);
@@ -406,8 +407,8 @@ DSP_API int32_t dspi_besi0 (dsp_vector  *v);
 DSP_API int32_t dspfi_besi0(dspf_vector *v);
 
 /**
- * Bessel functions of the first (J) and second (Y) kind, orders 0 and 1: those of the C library, single precision through
- * the double function, rounded once. Y is -infinity at 0 and what the C library says for negative x.
+ * Bessel functions of the first (J) and second (Y) kind, orders 0 and 1: those of the C library, single precision
+ * through the double function, rounded once. Y is -infinity at 0 and what the C library says for negative x.
  *   fails    complex (untouched)
  */
 DSP_API int32_t dspi_besj0 (dsp_vector  *v);
@@ -599,8 +600,9 @@ DSP_API int32_t dspfbs_dot(const dspf_vector *a, const dspf_vector *b, dspf_vect
  * ------------------------------------------------------------------------------------------------------------------ */
 
 /*
- * For all operations of this section: the destination gets the source's points and delta and the values of the operation
- * in place of the same name, with its guards. One that owns enough storage keeps it; a view is replaced by a fresh block.
+ * For all operations of this section: the destination gets the source's points and delta and the values of the
+ * operation in place of the same name, with its guards. A destination that owns enough storage keeps it; one that is a
+ * view gets a fresh block.
  *   alias    Source and destination may be one record (which is the operation in place) or share storage in any way;
  *            samples that both hold are then overwritten by the result. A destination that has to grow leaves the
  *            block it shares and gets one of its own; where it was that block's only owner, it releases it, and the

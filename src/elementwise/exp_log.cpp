@@ -20,10 +20,6 @@ template <class T> T exp10_capped(T x) {
   return inside ? std::exp(x * kLn10<T>) : Limits<T>::huge;
 }
 
-template <class T> Point<T> rectangular(T magnitude, T angle) {
-  return {magnitude * std::cos(angle), magnitude * std::sin(angle)};
-}
-
 }  // namespace
 
 template <class T> Status exp(Vector<T>& v) {

@@ -61,7 +61,7 @@ template <class T> Status rtop(Vector<T>& v) {
 
 template <class T> Status ptor(Vector<T>& v) {
   if (!v.complex) return kSuccess;
-  return each_point<T>(v, [](Point<T> z) -> Point<T> { return {z.re * std::cos(z.im), z.re * std::sin(z.im)}; });
+  return each_point<T>(v, [](Point<T> z) { return rectangular(z.re, z.im); });
 }
 
 }  // namespace sigvex::dspi

@@ -21,14 +21,17 @@ template <class T> struct TimesComplex {
   Point<T> operator()(Point<T> z) const { return {z.re * re - z.im * im, z.im * re + z.re * im}; }
 };
 
+template <class T> Point<T> rectangular(T magnitude, T angle) {
+  return {magnitude * std::cos(angle), magnitude * std::sin(angle)};
+}
+
 // Negative numbers and NaN have no real root: 0. The complex root is the principal one.
 struct RootOrZero {
   template <class T> T operator()(T x) const { return x >= 0 ? std::sqrt(x) : T(0); }
   template <class T> Point<T> operator()(Point<T> z) const {
     const T r = std::sqrt(bounded(z) ? std::sqrt(magsq(z)) : Limits<T>::huge);
     if (!(r > 0)) return {0, 0};
-    const T half_angle = std::atan2(z.im, z.re) / 2;
-    return {r * std::cos(half_angle), r * std::sin(half_angle)};
+    return rectangular(r, std::atan2(z.im, z.re) / 2);
   }
 };
 
