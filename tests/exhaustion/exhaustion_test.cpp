@@ -136,6 +136,8 @@ template <class T> int32_t reads(Records<T>& r, const char* text) {
 template <class T> int32_t writes(Records<T>& r, uint32_t flags) {
   FILE* const stream = std::fopen("/dev/null", "w");
   if (!stream) return -1;
+  static char buffer[4096];  // a stream that gets no buffer of its own writes all the same
+  std::setvbuf(stream, buffer, _IOFBF, sizeof buffer);
   const int32_t status = fwrite2(&r.real, stream, flags);
   std::fclose(stream);
   return status;
@@ -181,7 +183,7 @@ template <class T> std::vector<Row<T>> rows() {
       {"median", [](R r) { return median(&r.real, &r.result); }},
       {"samp_stddev", [](R r) { return samp_stddev(&r.complex, &r.result); }},
       {"hist into the input", [](R r) { return hist(&r.real, &r.real, 0.0, 1.0, 40); }},
-      {"peak into the input", [](R r) { return peak(&r.complex, &r.complex, 0x300U, 0); }},
+      {"peak into the input", [](R r) { return peak(&r.complex, &r.complex, 0x100U, 0); }},
       {"cosine window", [](R r) { return window2(&r.real, 2U, 0U, T(0)); }},
       {"kaiser window", [](R r) { return window2(&r.complex, 14U, 1U, T(0)); }},
       {"alternative tukey window", [](R r) { return window2(&r.real, 24U, 4U, T(0)); }},
@@ -232,8 +234,8 @@ template <class T> struct Exhaustion : ::testing::Test {};
 TYPED_TEST_SUITE(Exhaustion, Precisions);
 
 TYPED_TEST(Exhaustion, EveryRequestOfEveryOperationMayFail) {
+  free_internal.of<TypeParam>()();  // the first use looks for the run-time libraries, once and for good
   for (const Row<TypeParam>& row : rows<TypeParam>()) {
-    run_short<TypeParam>(row, 1000);  // once in peace: what the C library keeps for itself is there from now on
     long budget = 0;
     while (run_short<TypeParam>(row, budget) && budget < 100) ++budget;
     EXPECT_LT(budget, 100) << row.name;
