@@ -91,7 +91,6 @@ TWIN(i, zero);
 TWIN(i, zpad);
 TWIN(i, shift);
 TWIN(i, sort);
-TWIN(i, shuffle);
 TWIN(i, swap_halves);
 TWIN(i, cscale);
 TWIN(i, timesi);
@@ -165,7 +164,6 @@ template <class T> std::vector<Row<T>> rows() {
       {"zero of a view", [](R r) { return r.result = r.real, r.result.allocated = 0, zero(&r.result); }},
       {"shift of a view", [](R r) { return r.result = r.real, r.result.allocated = 0, shift(&r.result, 3); }},
       {"sort", [](R r) { return sort(&r.complex); }},
-      {"shuffle", [](R r) { return shuffle(&r.real); }},
       {"swap_halves", [](R r) { return swap_halves(&r.real); }},
       {"cscale", [](R r) { return cscale(&r.real, T(1), T(2)); }},
       {"timesi", [](R r) { return timesi(&r.real); }},
