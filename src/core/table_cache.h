@@ -37,13 +37,14 @@ template <class Entry> struct EntryArray {
   }
 };
 
-// What a cached table begins with.
+// What a cached table begins with. It lives in one block from malloc, what it holds behind it or in further blocks.
 struct TableHead {
   TableHead* next;  // every table stays on its cache's list until the release, also when the array has lost it
+
+  void release_parts() {}  // a table with further blocks hides this one with its own
 };
 
-// Tables are built under the table lock and shared read-only. `Table` derives from TableHead and lives in one block
-// from malloc.
+// Tables are built under the table lock and shared read-only.
 template <class Table> class TableCache {
  public:
   // The table of a slot (the logarithm of its length) if it may be used without the lock.
@@ -71,8 +72,9 @@ template <class Table> class TableCache {
     for (auto& slot : slots_) slot.store(nullptr);
     InUse::wait_for_none();
     while (all_) {
-      TableHead* const table = all_;
-      all_ = table->next;
+      Table* const table = all_;
+      all_ = static_cast<Table*>(table->next);
+      table->release_parts();
       std::free(table);
     }
     array_.clear();
@@ -84,7 +86,7 @@ template <class Table> class TableCache {
     int32_t key;
   };
   EntryArray<Entry> array_{};
-  TableHead* all_ = nullptr;
+  Table* all_ = nullptr;
   std::atomic<const Table*> slots_[32] = {};
 };
 

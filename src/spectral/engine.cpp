@@ -4,30 +4,31 @@
 
 #include "core/scratch.h"
 #include "elementwise/operations.h"
-#include "spectral/twiddles.h"
+#include "spectral/kernels.h"
 
 namespace sigvex {
 namespace {
 
-template <class T> Point<T> sum(Point<T> a, Point<T> b) { return {a.re + b.re, a.im + b.im}; }
-template <class T> Point<T> difference(Point<T> a, Point<T> b) { return {a.re - b.re, a.im - b.im}; }
-template <class T> Point<T> product(Point<T> a, Point<T> w) {
-  return {a.re * w.re - a.im * w.im, a.re * w.im + a.im * w.re};
+template <class T> Status run(const ComplexTables<T>& tables, T* data, bool inverse, T scale) {
+  const EngineKernels<T>& kernels = *tables.kernels;
+  Workspace work(tables.pool, kernels.work_size(tables.bits) * sizeof(T));
+  if (!work) return kFailure;
+  if (inverse) {
+    kernels.inverse(tables.bits, tables.roots, data, work.as<T>());
+  } else {
+    kernels.forward(tables.bits, tables.roots, data, work.as<T>(), scale);
+  }
+  return kSuccess;
 }
 
-// Radix 2 on points in bit-reversed order.
-template <class T> void passes(Point<T>* x, size_t n, const TripleTable<T>& table, bool inverse) {
-  for (size_t half = 1; half < n; half *= 2) {
-    for (size_t k = 0; k < half; ++k) {
-      Point<T> w = table.root(k * (n / 2 / half));
-      if (inverse) w.im = -w.im;
-      for (size_t j = k; j < n; j += 2 * half) {
-        const Point<T> a = x[j], b = product(x[j + half], w);
-        x[j] = sum(a, b);
-        x[j + half] = difference(a, b);
-      }
-    }
-  }
+template <class T> Status run_real(Vector<T>& v, size_t n) {
+  const int bits = std::countr_zero(n);
+  const Lease<RealTables<T>> tables = real_tables<T>(bits);
+  if (!tables) return kFailure;
+  const ComplexTables<T>& half = *tables->half;
+  SIGVEX_TRY(run(half, v.data, false, 1 / static_cast<T>(2 * n)));
+  half.kernels->split(half.bits, tables->roots, v.data);
+  return kSuccess;
 }
 
 }  // namespace
@@ -37,17 +38,19 @@ bool power_of_two(int32_t n) { return std::has_single_bit(count(n)); }
 template <class T> Status complex_transform(Vector<T>& v, bool inverse) {
   SIGVEX_TRY(dspi::rtoc<T>(v));
   const size_t n = points<T>(v);
-  SIGVEX_TRY(inverse ? dspi::bitrev<T>(v) : dspi::bitrev_scale<T>(v, 1 / static_cast<T>(n)));
-  const auto table = triple_table<T>(std::countr_zero(n));
-  if (!table) return kFailure;
-  passes(reinterpret_cast<Point<T>*>(v.data), n, *table, inverse);
-  return kSuccess;
+  const Lease<ComplexTables<T>> tables = complex_tables<T>(std::countr_zero(n));
+  return tables ? run(*tables, v.data, inverse, 1 / static_cast<T>(n)) : kFailure;
 }
 
+// Neighbouring samples are the parts of half as many complex points, whose transform is split into the bins.
 template <class T> Status real_transform(Vector<T>& v) {
-  const int32_t n = v.points;
-  SIGVEX_TRY(complex_transform<T>(v, false));
-  v.points = n / 2 + 1;
+  const size_t n = points<T>(v);
+  SIGVEX_TRY(reshape<T>(v, n, 1));
+  if (run_real<T>(v, n) < 0) {
+    v.complex = 0;
+    return kFailure;
+  }
+  v.points = static_cast<int32_t>(n / 2 + 1);
   return kSuccess;
 }
 

@@ -6,11 +6,24 @@
 #include <numbers>
 
 #include "core/caches.h"
+#include "spectral/kernels.h"
 
 namespace sigvex {
 namespace {
 
-template <class T> constinit TableCache<TripleTable<T>> triple_tables{};
+template <class T> constinit TableCache<TripleTable<T>> triple_caches{};
+template <class T> constinit TableCache<ComplexTables<T>> complex_caches{};
+template <class T> constinit TableCache<RealTables<T>> real_caches{};
+
+// A table with `scalars` aligned scalars behind it, or null.
+template <class Table, class T> Table* make_table(size_t scalars, T*& behind) {
+  void* const block = std::malloc(sizeof(Table) + kAlignment + scalars * sizeof(T));
+  if (!block) return nullptr;
+  Table* const table = new (block) Table{};
+  const auto end = reinterpret_cast<uintptr_t>(table + 1);
+  behind = reinterpret_cast<T*>((end + kAlignment - 1) / kAlignment * kAlignment);
+  return table;
+}
 
 // cos and sin of k steps of a turn, k counting up from 0. The rotation starts again from exact values every 256 steps,
 // and is carried in extended precision: rounded once, every entry is right to the last place.
@@ -65,32 +78,68 @@ template <class T> void fill_triples(T* table, size_t n) {
   }
 }
 
-template <class T> TripleTable<T>* build_triples(size_t n) {
-  void* const block = std::malloc(sizeof(TripleTable<T>) + n / 2 * 3 * sizeof(T));
-  if (!block) return nullptr;
-  TripleTable<T>* const table = new (block) TripleTable<T>{};
-  T* const triples = reinterpret_cast<T*>(table + 1);
-  fill_triples(triples, n);
-  table->triples = triples;
-  table->n = static_cast<int32_t>(n);
+template <class T> const TripleTable<T>* triples(int bits) {
+  const size_t n = size_t{1} << bits, scalars = n / 2 * 3;
+  return triple_caches<T>.find_or_build(static_cast<int32_t>(scalars), bits, [n, scalars]() -> TripleTable<T>* {
+    T* to;
+    TripleTable<T>* const table = make_table<TripleTable<T>>(scalars, to);
+    if (!table) return nullptr;
+    fill_triples(to, n);
+    table->triples = to;
+    table->n = static_cast<int32_t>(n);
+    return table;
+  });
+}
+
+template <class T> ComplexTables<T>* build_complex(int bits, const TripleTable<T>* roots) {
+  if (!roots) return nullptr;
+  const EngineKernels<T>& kernels = engine_kernels<T>();
+  T* to;
+  ComplexTables<T>* const table = make_table<ComplexTables<T>>(kernels.table_size(bits), to);
+  if (!table) return nullptr;
+  kernels.fill_table(bits, *roots, to);
+  table->kernels = &kernels;
+  table->bits = bits;
+  table->roots = to;
+  return table;
+}
+
+template <class T> RealTables<T>* build_real(int bits) {
+  const TripleTable<T>* const roots = triples<T>(bits);
+  if (!roots) return nullptr;
+  const ComplexTables<T>* const half =
+      complex_caches<T>.find_or_build(bits - 1, bits - 1, [=] { return build_complex(bits - 1, roots); });
+  if (!half) return nullptr;
+  T* to;
+  RealTables<T>* const table = make_table<RealTables<T>>(half->kernels->split_size(bits - 1), to);
+  if (!table) return nullptr;
+  half->kernels->fill_split(bits - 1, *roots, to);
+  table->half = half;
+  table->roots = to;
   return table;
 }
 
 }  // namespace
 
-template <class T> Lease<TripleTable<T>> triple_table(int bits) {
-  const size_t n = size_t{1} << bits;
-  return Lease<TripleTable<T>>(triple_tables<T>, static_cast<int32_t>(n / 2 * 3), bits,
-                               [n] { return build_triples<T>(n); });
+template <class T> Lease<ComplexTables<T>> complex_tables(int bits) {
+  return {complex_caches<T>, bits, bits, [bits] { return build_complex(bits, triples<T>(bits)); }};
+}
+
+template <class T> Lease<RealTables<T>> real_tables(int bits) {
+  return {real_caches<T>, bits, bits, [bits] { return build_real<T>(bits); }};
 }
 
 template <class T> Status release_twiddles() {
-  triple_tables<T>.release();
+  const TableLock lock;  // nobody builds on a table of one cache while another is released
+  real_caches<T>.release();
+  complex_caches<T>.release();
+  triple_caches<T>.release();
   return kSuccess;
 }
 
-#define SIGVEX_INSTANTIATE(T)                          \
-  template Lease<TripleTable<T>> triple_table<T>(int); \
+#define SIGVEX_INSTANTIATE(T)                              \
+  template Lease<ComplexTables<T>> complex_tables<T>(int); \
+  template Lease<RealTables<T>> real_tables<T>(int);       \
   template Status release_twiddles<T>();
 SIGVEX_INSTANTIATE(double)
 SIGVEX_INSTANTIATE(float)

@@ -1,7 +1,8 @@
-// The table of roots of unity of one length.
+// The tables that transforms run on, by length.
 #pragma once
 
 #include "core/table_cache.h"
+#include "spectral/workspace.h"
 
 namespace sigvex {
 
@@ -13,10 +14,20 @@ template <class T> struct TripleTable : TableHead {
   const T* triples;
   int32_t n;
 
-  // exp(-i k turns / n) for k < n/2, each part as exact as the table.
+  // exp(-i k turns / n) for k < n, each part as exact as the table.
   Point<T> root(size_t k) const {
-    const size_t quarter = static_cast<size_t>(n) / 4;
-    return k < quarter ? Point<T>{cosine(k), -sine(k)} : Point<T>{-sine(k - quarter), -cosine(k - quarter)};
+    const size_t quarter = static_cast<size_t>(n) / 4, rest = k % quarter;
+    const T c = cosine(rest), s = sine(rest);
+    switch (k / quarter) {
+      case 0:
+        return {c, -s};
+      case 1:
+        return {-s, -c};
+      case 2:
+        return {-c, s};
+      default:
+        return {s, c};
+    }
   }
 
  private:
@@ -24,7 +35,26 @@ template <class T> struct TripleTable : TableHead {
   T sine(size_t k) const { return k == 0 ? T(0) : cosine(static_cast<size_t>(n) / 4 - k); }
 };
 
-// The table for length n = 2^bits > 2, in use as long as the lease lives; empty when memory is exhausted.
-template <class T> Lease<TripleTable<T>> triple_table(int bits);
+template <class T> struct EngineKernels;
+
+// What a complex transform of 2^bits points runs on.
+template <class T> struct ComplexTables : TableHead {
+  const EngineKernels<T>* kernels;  // those that laid out the roots
+  int bits;
+  const T* roots;
+  mutable WorkspacePool pool;
+
+  void release_parts() { pool.release(); }
+};
+
+// What a real transform of 2^bits samples runs on: half as many complex points, and the roots that split them.
+template <class T> struct RealTables : TableHead {
+  const ComplexTables<T>* half;
+  const T* roots;
+};
+
+// Leases for n = 2^bits > 2; empty when memory is exhausted.
+template <class T> Lease<ComplexTables<T>> complex_tables(int bits);
+template <class T> Lease<RealTables<T>> real_tables(int bits);
 
 }  // namespace sigvex

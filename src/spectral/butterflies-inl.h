@@ -1,0 +1,211 @@
+// Complex vectors with separate real and imaginary parts, and the small transforms on them that a pass is made of.
+#if defined(SIGVEX_SPECTRAL_BUTTERFLIES_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef SIGVEX_SPECTRAL_BUTTERFLIES_INL_H
+#undef SIGVEX_SPECTRAL_BUTTERFLIES_INL_H
+#else
+#define SIGVEX_SPECTRAL_BUTTERFLIES_INL_H
+#endif
+
+#include <hwy/highway.h>
+
+#include <cstddef>
+
+HWY_BEFORE_NAMESPACE();
+namespace sigvex {
+namespace HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+template <class V> struct Complex { V re, im; };
+template <class D> using ComplexOf = Complex<hn::VFromD<D>>;
+template <class D> constexpr size_t kLanes = hn::MaxLanes(D());
+
+template <class V> HWY_INLINE Complex<V> operator+(Complex<V> a, Complex<V> b) {
+  return {hn::Add(a.re, b.re), hn::Add(a.im, b.im)};
+}
+template <class V> HWY_INLINE Complex<V> operator-(Complex<V> a, Complex<V> b) {
+  return {hn::Sub(a.re, b.re), hn::Sub(a.im, b.im)};
+}
+template <class V> HWY_INLINE Complex<V> operator*(Complex<V> a, Complex<V> w) {
+  return {hn::NegMulAdd(a.im, w.im, hn::Mul(a.re, w.re)), hn::MulAdd(a.im, w.re, hn::Mul(a.re, w.im))};
+}
+template <class V> HWY_INLINE Complex<V> operator*(Complex<V> a, V factor) {
+  return {hn::Mul(a.re, factor), hn::Mul(a.im, factor)};
+}
+template <class V> HWY_INLINE Complex<V> plus_i(Complex<V> a, Complex<V> b) {  // a + i b
+  return {hn::Sub(a.re, b.im), hn::Add(a.im, b.re)};
+}
+template <class V> HWY_INLINE Complex<V> minus_i(Complex<V> a, Complex<V> b) {  // a - i b
+  return {hn::Add(a.re, b.im), hn::Sub(a.im, b.re)};
+}
+
+// The forward transform of 4 points, in place, in natural order.
+template <class V> HWY_INLINE void transform4(Complex<V>& x0, Complex<V>& x1, Complex<V>& x2, Complex<V>& x3) {
+  const Complex<V> s02 = x0 + x2, d02 = x0 - x2, s13 = x1 + x3, d13 = x1 - x3;
+  x0 = s02 + s13;
+  x1 = minus_i(d02, d13);
+  x2 = s02 - s13;
+  x3 = plus_i(d02, d13);
+}
+
+// The forward transform of R points per lane, in place, in natural order.
+template <class D> HWY_INLINE void transform(D, ComplexOf<D> (&x)[2]) {
+  const ComplexOf<D> a = x[0];
+  x[0] = a + x[1];
+  x[1] = a - x[1];
+}
+
+template <class D> HWY_INLINE void transform(D, ComplexOf<D> (&x)[4]) { transform4(x[0], x[1], x[2], x[3]); }
+
+// Even and odd points apart. The eighth turns are one factor, which joins the additions behind it.
+template <class D> HWY_INLINE void transform(D d, ComplexOf<D> (&x)[8]) {
+  using C = ComplexOf<D>;
+  transform4(x[0], x[2], x[4], x[6]);
+  transform4(x[1], x[3], x[5], x[7]);
+  const auto r = hn::Set(d, static_cast<hn::TFromD<D>>(0.70710678118654752440L));
+  const C e0 = x[0], e1 = x[2], e2 = x[4], e3 = x[6], o0 = x[1], o1 = x[3], o2 = x[5], o3 = x[7];
+  x[0] = e0 + o0;
+  x[4] = e0 - o0;
+  x[2] = minus_i(e2, o2);
+  x[6] = plus_i(e2, o2);
+  const C a = minus_i(o1, o1), b = plus_i(o3, o3);  // o1 (1 - i), o3 (1 + i)
+  x[1] = {hn::MulAdd(r, a.re, e1.re), hn::MulAdd(r, a.im, e1.im)};
+  x[5] = {hn::NegMulAdd(r, a.re, e1.re), hn::NegMulAdd(r, a.im, e1.im)};
+  x[3] = {hn::NegMulAdd(r, b.re, e3.re), hn::NegMulAdd(r, b.im, e3.im)};
+  x[7] = {hn::MulAdd(r, b.re, e3.re), hn::MulAdd(r, b.im, e3.im)};
+}
+
+// Four times four.
+template <class D> HWY_INLINE void transform(D d, ComplexOf<D> (&x)[16]) {
+  using C = ComplexOf<D>;
+  using T = hn::TFromD<D>;
+  for (size_t j = 0; j < 4; ++j) transform4(x[j], x[j + 4], x[j + 8], x[j + 12]);
+  const auto c = hn::Set(d, static_cast<T>(0.92387953251128675613L)),
+             s = hn::Set(d, static_cast<T>(0.38268343236508977173L));
+  const auto r = hn::Set(d, static_cast<T>(0.70710678118654752440L));
+  const auto nc = hn::Neg(c), ns = hn::Neg(s);
+  x[5] = x[5] * C{c, ns};
+  x[6] = minus_i(x[6], x[6]) * r;
+  x[7] = x[7] * C{s, nc};
+  x[9] = minus_i(x[9], x[9]) * r;
+  x[10] = {x[10].im, hn::Neg(x[10].re)};
+  x[11] = plus_i(x[11], x[11]) * hn::Neg(r);
+  x[13] = x[13] * C{s, nc};
+  x[14] = plus_i(x[14], x[14]) * hn::Neg(r);
+  x[15] = x[15] * C{nc, s};
+  for (size_t k = 0; k < 16; k += 4) transform4(x[k], x[k + 1], x[k + 2], x[k + 3]);
+  // x[4k + j] holds point k + 4j.
+  const auto swap = [](C& a, C& b) HWY_ATTR {
+    const C t = a;
+    a = b;
+    b = t;
+  };
+  swap(x[1], x[4]);
+  swap(x[2], x[8]);
+  swap(x[3], x[12]);
+  swap(x[6], x[9]);
+  swap(x[7], x[13]);
+  swap(x[11], x[14]);
+}
+
+// Interleaved points at any address. Inverse exchanges the parts at both ends, which turns a forward transform into
+// the inverse one.
+template <bool kInverse, class D> HWY_INLINE ComplexOf<D> load_points(D d, const hn::TFromD<D>* from) {
+  const auto a = hn::LoadU(d, from), b = hn::LoadU(d, from + kLanes<D>);
+#if HWY_TARGET == HWY_SCALAR
+  const auto re = a, im = b;
+#else
+  hn::VFromD<D> re = a, im = b;
+  if constexpr (kLanes < D >> 1) {
+    re = hn::ConcatEven(d, b, a);
+    im = hn::ConcatOdd(d, b, a);
+  }
+#endif
+  if constexpr (kInverse) return {im, re};
+  return {re, im};
+}
+
+template <bool kInverse, class D> HWY_INLINE void store_points(D d, ComplexOf<D> z, hn::TFromD<D>* to) {
+  const auto re = kInverse ? z.im : z.re, im = kInverse ? z.re : z.im;
+#if HWY_TARGET == HWY_SCALAR
+  hn::StoreU(re, d, to);
+  hn::StoreU(im, d, to + 1);
+#else
+  if constexpr (kLanes<D> == 1) {
+    hn::StoreU(re, d, to);
+    hn::StoreU(im, d, to + 1);
+#if HWY_TARGET <= HWY_AVX3
+  } else if constexpr (kLanes<D> == 8 && sizeof(hn::TFromD<D>) == 8) {
+    const __m512i lower = _mm512_setr_epi64(0, 8, 1, 9, 2, 10, 3, 11),
+                  upper = _mm512_setr_epi64(4, 12, 5, 13, 6, 14, 7, 15);
+    hn::StoreU(hn::VFromD<D>{_mm512_permutex2var_pd(re.raw, lower, im.raw)}, d, to);
+    hn::StoreU(hn::VFromD<D>{_mm512_permutex2var_pd(re.raw, upper, im.raw)}, d, to + 8);
+  } else if constexpr (kLanes<D> == 16) {
+    const __m512i lower = _mm512_setr_epi32(0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+    const __m512i upper = _mm512_setr_epi32(8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31);
+    hn::StoreU(hn::VFromD<D>{_mm512_permutex2var_ps(re.raw, lower, im.raw)}, d, to);
+    hn::StoreU(hn::VFromD<D>{_mm512_permutex2var_ps(re.raw, upper, im.raw)}, d, to + 16);
+#endif
+  } else {
+    hn::StoreInterleaved2(re, im, d, to);
+  }
+#endif
+}
+
+// A square of lanes by lanes, transposed.
+template <class D> HWY_INLINE void transpose([[maybe_unused]] D d, [[maybe_unused]] hn::VFromD<D>* x) {
+#if HWY_TARGET != HWY_SCALAR
+  using V = hn::VFromD<D>;
+  using T = hn::TFromD<D>;
+  constexpr size_t kBlock = 16 / sizeof(T) < kLanes<D> ? 16 / sizeof(T) : kLanes<D>;  // lanes of 128 bits
+  if constexpr (kBlock == 2) {
+    for (size_t k = 0; k < kLanes<D>; k += 2) {
+      const V a = x[k], b = x[k + 1];
+      x[k] = hn::InterleaveLower(d, a, b);
+      x[k + 1] = hn::InterleaveUpper(d, a, b);
+    }
+  } else if constexpr (kBlock == 4) {
+    const hn::Repartition<double, D> dw;
+    for (size_t k = 0; k < kLanes<D>; k += 4) {
+      const auto a = hn::BitCast(dw, hn::InterleaveLower(d, x[k], x[k + 1]));
+      const auto b = hn::BitCast(dw, hn::InterleaveUpper(d, x[k], x[k + 1]));
+      const auto e = hn::BitCast(dw, hn::InterleaveLower(d, x[k + 2], x[k + 3]));
+      const auto f = hn::BitCast(dw, hn::InterleaveUpper(d, x[k + 2], x[k + 3]));
+      x[k] = hn::BitCast(d, hn::InterleaveLower(dw, a, e));
+      x[k + 1] = hn::BitCast(d, hn::InterleaveUpper(dw, a, e));
+      x[k + 2] = hn::BitCast(d, hn::InterleaveLower(dw, b, f));
+      x[k + 3] = hn::BitCast(d, hn::InterleaveUpper(dw, b, f));
+    }
+  }
+  if constexpr (kLanes<D> == 2 * kBlock) {
+    for (size_t k = 0; k < kBlock; ++k) {
+      const V a = x[k], b = x[k + kBlock];
+      x[k] = hn::ConcatLowerLower(d, b, a);
+      x[k + kBlock] = hn::ConcatUpperUpper(d, b, a);
+    }
+  }
+#if HWY_TARGET <= HWY_AVX3
+  if constexpr (kLanes<D> == 4 * kBlock) {  // blocks 0 2 | 0 2 and 1 3 | 1 3 of two vectors, twice
+    const auto even = [](V a, V b) HWY_ATTR {
+      return V{(decltype(a.raw))_mm512_shuffle_f64x2((__m512d)a.raw, (__m512d)b.raw, 0x88)};
+    };
+    const auto odd = [](V a, V b) HWY_ATTR {
+      return V{(decltype(a.raw))_mm512_shuffle_f64x2((__m512d)a.raw, (__m512d)b.raw, 0xDD)};
+    };
+    for (size_t k = 0; k < kBlock; ++k) {
+      const V a = x[k], b = x[k + kBlock], e = x[k + 2 * kBlock], f = x[k + 3 * kBlock];
+      x[k] = even(even(a, b), even(e, f));
+      x[k + kBlock] = even(odd(a, b), odd(e, f));
+      x[k + 2 * kBlock] = odd(even(a, b), even(e, f));
+      x[k + 3 * kBlock] = odd(odd(a, b), odd(e, f));
+    }
+  }
+#endif
+#endif
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace sigvex
+HWY_AFTER_NAMESPACE();
+
+#endif

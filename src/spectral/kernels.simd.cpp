@@ -1,0 +1,188 @@
+#include "spectral/kernels.h"
+
+#define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "spectral/kernels.simd.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include "spectral/columns-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace sigvex {
+namespace HWY_NAMESPACE {
+
+// The lanes of a pass over columns or rows of a multiple of `count` points.
+template <class T, size_t count> using Lanes = hn::CappedTag<T, count>;
+template <class T> constexpr size_t kMaxLanes = kLanes<hn::ScalableTag<T>>;
+constexpr size_t least(size_t a, size_t b) { return a < b ? a : b; }
+
+// A transform of n = R1 * R2 * ... points, each radix one pass.
+template <class T, size_t... R> struct Passes;
+
+template <class T, size_t R> struct Passes<T, R> {
+  static constexpr size_t kPoints = R;
+  static size_t table_size() { return 0; }
+  static void fill(const TripleTable<T>&, T*) {}
+  template <bool kInverse> static void run(const T*, T* data, T*, T factor) {
+    const Lanes<T, 1> d;
+    ComplexOf<Lanes<T, 1>> x[R];
+    for (size_t k = 0; k < R; ++k) x[k] = load_points<kInverse>(d, data + 2 * k);
+    transform(d, x);
+    const auto scale = hn::Set(d, factor);
+    for (size_t k = 0; k < R; ++k) store_points<kInverse>(d, kInverse ? x[k] : x[k] * scale, data + 2 * k);
+  }
+};
+
+template <class T, size_t R1, size_t R2> struct Passes<T, R1, R2> {
+  static constexpr size_t kPoints = R1 * R2;
+  static constexpr size_t kFirst = least(kMaxLanes<T>, least(R1, R2)), kLast = least(kMaxLanes<T>, R1);
+  static size_t table_size() { return 2 * (R1 - 1) * R2; }
+  static void fill(const TripleTable<T>& roots, T* table) { fill_pass(kPoints, R1, kFirst, roots, table); }
+  template <bool kInverse> static void run(const T* table, T* data, T* work, T factor) {
+    first_pass<R1, kLast, kInverse>(Lanes<T, kFirst>(), data, work, kPoints, table);
+    last_pass<R2, kLast, kInverse>(Lanes<T, kLast>(), work, data, kPoints, factor);
+  }
+};
+
+template <class T, size_t R1, size_t R2, size_t R3> struct Passes<T, R1, R2, R3> {
+  static constexpr size_t kPoints = R1 * R2 * R3;
+  static constexpr size_t kFirst = least(kMaxLanes<T>, R1), kLast = least(kMaxLanes<T>, R1*R2);
+  static size_t table_size() { return 2 * (R1 - 1) * R2 * R3 + 2 * (R2 - 1) * R3; }
+  static void fill(const TripleTable<T>& roots, T* table) {
+    fill_pass(R2 * R3, R2, 1, roots, fill_pass(kPoints, R1, kFirst, roots, table));
+  }
+  template <bool kInverse> static void run(const T* table, T* data, T* work, T factor) {
+    first_pass<R1, kFirst, kInverse>(Lanes<T, kFirst>(), data, work, kPoints, table);
+    middle_pass<R2, kFirst, kLast>(Lanes<T, kFirst>(), work, data, kPoints, R1, table + 2 * (R1 - 1) * R2 * R3);
+    last_pass<R3, kLast, kInverse>(Lanes<T, kLast>(), data, data, kPoints, factor);
+  }
+};
+
+// Calls f with the passes of n = 2^bits.
+template <class T, class F> HWY_INLINE auto with_passes(int bits, F f) {
+  switch (bits) {
+    case 1:
+      return f(Passes<T, 2>());
+    case 2:
+      return f(Passes<T, 4>());
+    case 3:
+      return f(Passes<T, 8>());
+    case 4:
+      return f(Passes<T, 4, 4>());
+    case 5:
+      return f(Passes<T, 8, 4>());
+    case 6:
+      return f(Passes<T, 8, 8>());
+    case 7:
+      return f(Passes<T, 8, 16>());
+    case 8:
+      return f(Passes<T, 16, 16>());
+    case 9:
+      return f(Passes<T, 8, 8, 8>());
+    case 10:
+      return f(Passes<T, 16, 8, 8>());
+    case 11:
+      return f(Passes<T, 16, 8, 16>());
+    default:
+      return f(Passes<T, 16, 16, 16>());
+  }
+}
+
+constexpr int kLong = 12;  // from 2^12 points on in two sweeps
+
+template <class T> size_t table_size(int bits) {
+  if (bits >= kLong) return Columns<T>::table_size(bits);
+  return with_passes<T>(bits, [](auto passes) { return passes.table_size(); });
+}
+template <class T> size_t work_size(int bits) {
+  return bits >= kLong ? Columns<T>::work_size(bits) : size_t{2} << bits;
+}
+template <class T> void fill_table(int bits, const TripleTable<T>& roots, T* table) {
+  if (bits >= kLong) return Columns<T>::fill(bits, roots, table);
+  with_passes<T>(bits, [&](auto passes) { passes.fill(roots, table); });
+}
+template <class T, bool kInverse> void run(int bits, const T* table, T* data, T* work, T scale) {
+  if (bits >= kLong) return Columns<T>::template run<kInverse>(bits, table, data, work, scale);
+  with_passes<T>(bits, [&](auto passes) HWY_ATTR { passes.template run<kInverse>(table, data, work, scale); });
+}
+template <class T> void inverse(int bits, const T* table, T* data, T* work) {
+  run<T, true>(bits, table, data, work, 1);
+}
+
+template <class D, class T = hn::TFromD<D>> void fill_split(D, size_t h, const TripleTable<T>& roots, T* to) {
+  constexpr size_t L = kLanes<D>;
+  for (size_t k = 0; k < h / 2; ++k) {
+    const Point<T> w = root_of(roots, k, 2 * h);
+    T* const re = to + block_offset<L>(k);
+    re[0] = w.im;  // -i w
+    re[L] = -w.re;
+  }
+}
+
+// With a = z[k] + conj z[h-k] and d = -i w^k (z[k] - conj z[h-k]): bin k is a + d, bin h-k the conjugate of a - d. For
+// k = 0, z[h] is z[0]; the bin in the middle is twice the conjugate of its point.
+template <class D, class T = hn::TFromD<D>> void split(D d, size_t h, const T* roots, T* x) {
+  constexpr size_t L = kLanes<D>;
+  x[2 * h] = x[0];
+  x[2 * h + 1] = x[1];
+  x[h] = 2 * x[h];
+  x[h + 1] = -2 * x[h + 1];
+  for (size_t k = 0; k < h / 2; k += L) {
+    T *const front = x + 2 * k, *const back = x + 2 * (h - k - (L - 1));
+    const ComplexOf<D> z = load_points<false>(d, front), mirrored = load_points<false>(d, back);
+    const ComplexOf<D> y{hn::Reverse(d, mirrored.re), hn::Neg(hn::Reverse(d, mirrored.im))};
+    const ComplexOf<D> sum = z + y, turned = (z - y) * load_block<L>(d, roots, k);
+    const ComplexOf<D> mirror = sum - turned;
+    store_points<false>(d, sum + turned, front);
+    store_points<false>(d, {hn::Reverse(d, mirror.re), hn::Neg(hn::Reverse(d, mirror.im))}, back);
+  }
+}
+
+template <class T, class F> HWY_INLINE void with_lanes(size_t count, F f) {
+  switch (least(count, kMaxLanes<T>)) {
+    case 1:
+      return f(Lanes<T, 1>());
+    case 2:
+      return f(Lanes<T, 2>());
+    case 4:
+      return f(Lanes<T, 4>());
+    case 8:
+      return f(Lanes<T, 8>());
+    default:
+      return f(Lanes<T, 16>());
+  }
+}
+template <class T> size_t split_size(int bits) { return size_t{1} << bits; }
+template <class T> void fill_split(int bits, const TripleTable<T>& roots, T* table) {
+  const size_t h = size_t{1} << bits;
+  with_lanes<T>(h / 2, [&](auto d) { fill_split(d, h, roots, table); });
+}
+template <class T> void split(int bits, const T* table, T* data) {
+  const size_t h = size_t{1} << bits;
+  with_lanes<T>(h / 2, [&](auto d) HWY_ATTR { split(d, h, table, data); });
+}
+
+template <class T> const EngineKernels<T>* kernels() {
+  static constexpr EngineKernels<T> table = {table_size<T>, work_size<T>,  fill_table<T>, run<T, false>,
+                                             inverse<T>,    split_size<T>, fill_split<T>, split<T>};
+  return &table;
+}
+const EngineKernels<double>* kernels_double() { return kernels<double>(); }
+const EngineKernels<float>* kernels_float() { return kernels<float>(); }
+
+}  // namespace HWY_NAMESPACE
+}  // namespace sigvex
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace sigvex {
+
+HWY_EXPORT(kernels_double);
+HWY_EXPORT(kernels_float);
+
+template <> const EngineKernels<double>& engine_kernels<double>() { return *HWY_DYNAMIC_DISPATCH(kernels_double)(); }
+template <> const EngineKernels<float>& engine_kernels<float>() { return *HWY_DYNAMIC_DISPATCH(kernels_float)(); }
+
+}  // namespace sigvex
+#endif
