@@ -120,7 +120,7 @@ template <class T> struct Columns {
     const Split<T> s(bits);
     T* to = fill_column(s.bits2, roots, fill_column(s.bits1, roots, table));
     const auto put = [&](T* re, T* im, size_t k) {
-      const Point<T> w = roots.root(k);
+      const Point<T> w = root_of(roots, k, s.n1 * s.n2);
       *re = w.re;
       *im = w.im;
     };
