@@ -1,4 +1,5 @@
-// The windows that other files of the library apply, generic in the precision.
+// The windows that other files of the library apply, generic in the precision. A filter design takes window_fir: with
+// DSP_WINFLAG_PARAMETER the Gauss types take any width there too.
 #pragma once
 
 #include "core/vector.h"
