@@ -8,11 +8,21 @@
 #include <system_error>
 
 #include "file/operations.h"
+#include "file/short_decimal.h"
 
 namespace sigvex {
 
 // A stream, locked for as long as this object lives so that single characters are cheap.
 class StreamText {
+ private:
+  // The white space behind a decimal number, or null where something else, or nothing, follows it.
+  template <class T> static const char* long_decimal(const char* at, const char* end, T& value) {
+    const char* const digits = at + (at != end && *at == '-');
+    if (digits == end || !is_digit(*digits)) return nullptr;
+    const auto [stop, error] = std::from_chars(at, end, value);
+    return error == std::errc() && stop != end && is_space(*stop) ? stop : nullptr;
+  }
+
  public:
   explicit StreamText(std::FILE& stream) : stream_(stream) { flockfile(&stream_); }
   ~StreamText() { funlockfile(&stream_); }
@@ -38,10 +48,9 @@ class StreamText {
     while (taken < n) {
       const char* number = at;
       while (number != end && is_space(*number)) ++number;
-      const char* const digits = number + (number != end && *number == '-');
-      if (digits == end || !is_digit(*digits)) break;
-      const auto [stop, error] = std::from_chars(number, end, out[taken]);
-      if (error != std::errc() || stop == end || !is_space(*stop)) break;
+      const char* stop = short_decimal(number, end, out[taken]);
+      if (!stop || !is_space(*stop)) stop = long_decimal(number, end, out[taken]);
+      if (!stop) break;
       at = stop;
       ++taken;
     }
