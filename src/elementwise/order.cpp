@@ -1,6 +1,9 @@
 // dspi_zero dspi_zpad dspi_shift dspi_swap_halves dspi_swap_halves2 dspi_rev dspi_sort dspi_shuffle
+#include <hwy/contrib/sort/vqsort.h>
+
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <limits>
 #include <type_traits>
 
@@ -112,13 +115,35 @@ template <class T> Status rev(Vector<T>& v) {
   return rearrange<T>(v, [](auto* x, size_t n) { std::reverse(x, x + n); });
 }
 
+// The samples are replaced by their keys and back, in place: integers sort totally and, from some hundred on, in
+// vectors.
+template <class T> void sort_samples(T* x, size_t n) {
+  using Int = typename SortKey<T>::Int;
+  constexpr size_t kVectorsPay = 256;
+  for (size_t k = 0; k < n; ++k) {
+    const Int key = SortKey<T>::of(x[k]);
+    std::memcpy(&x[k], &key, sizeof key);
+  }
+  Int* const keys = reinterpret_cast<Int*>(x);
+  if (n < kVectorsPay) {
+    std::sort(keys, keys + n);
+  } else {
+    hwy::Sorter()(keys, n, hwy::SortAscending());
+  }
+  for (size_t k = 0; k < n; ++k) {
+    Int key;
+    std::memcpy(&key, &x[k], sizeof key);
+    x[k] = SortKey<T>::value(key);
+  }
+}
+
 template <class T> Status sort(Vector<T>& v) {
-  if (v.complex) {
-    Point<T>* const z = reinterpret_cast<Point<T>*>(v.data);
-    std::sort(z, z + points<T>(v), before<T>);
+  if (!v.complex) {
+    sort_samples<T>(v.data, points<T>(v));
     return kSuccess;
   }
-  std::sort(v.data, v.data + points<T>(v), [](T a, T b) { return SortKey<T>::of(a) < SortKey<T>::of(b); });
+  Point<T>* const z = reinterpret_cast<Point<T>*>(v.data);
+  std::sort(z, z + points<T>(v), before<T>);
   return kSuccess;
 }
 
