@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <string>
 
 #include "support/twin.h"
 
@@ -154,156 +153,109 @@ TYPED_TEST(Binary, ResultMayShareRecordOrStorageWithItsInputs) {
   }
 }
 
-TYPED_TEST(Binary, UnequalLengthsAreRefusedOrPadded) {
-  using T = TypeParam;
-  for (const Operation<T>& operation : operations<T>()) {
-    const std::string name = operation.name;
-    Vec<T> a{1, 2, 3}, b{1, 2, 3, 4, 5}, result{7};
-    result->delta = 9;
-    const bool any_lengths = name == "add" || name == "sub" || name == "pmul";
-    EXPECT_EQ(operation.call(a, b, result), any_lengths ? 0 : -1) << name;
-    if (!any_lengths) {
-      EXPECT_TRUE(exactly(result, {7})) << name;
-      EXPECT_EQ(result->delta, T(9)) << name;
-    }
-    a->points = -1;
-    b->points = 0;
-    EXPECT_EQ(operation.call(a, b, result), 0) << name;
-    EXPECT_EQ(result->points, name == "dot" ? 1 : 0) << name;
-  }
-  const auto check = [](const auto& operation, Vec<T> a, Vec<T> b, const std::vector<T>& expected) {
-    a->delta = 1;
-    b->delta = 3;
-    Vec<T> result;
-    EXPECT_EQ(operation(a.get(), b.get(), result.get()), 0);
-    EXPECT_TRUE(exactly(result, expected));
-    EXPECT_EQ(result->delta, T(2));
-    EXPECT_EQ(operation(a.get(), b.get(), a.get()), 0);  // the shorter input is the result
-    EXPECT_TRUE(exactly(a, expected));
-  };
-  check(add, {1, 2, 3}, {10, 20, 30, 40, -50}, {11, 22, 33, 40, -50});
-  check(sub, {1}, {10, 20}, {-9, -20});
-  check(sub, {1}, Vec<T>::pairs({{10, 1}, {20, 2}}), {-9, -1, -20, -2});
-  check(add, Vec<T>::pairs({{1, 2}}), {3, 4}, {4, 2, 4, 0});
-}
-
-// What each operation computes, in every pair of forms: complex a = (1, 2), b = (3, -4), or their real parts alone.
+// Results in every pair of forms: a = 1 or (1, 2), b = 3 or (3, -4).
 TYPED_TEST(Binary, FormsCombine) {
   using T = TypeParam;
-  using List = std::vector<T>;
   const T third = T(1) / 3, part = T(1) / 25;
-  struct Row {
-    const char* name;
-    List real_real, real_complex, complex_real, complex_complex;
-  };
-  const Row rows[] = {{"add", {4}, {4, -4}, {4, 2}, {4, -2}},
-                      {"sub", {-2}, {-2, 4}, {-2, 2}, {-2, 6}},
-                      {"mul", {3}, {3, -4}, {3, 6}, {11, 2}},
-                      {"conj", {3}, {3, 4}, {3, 6}, {-5, 10}},
-                      {"div", {third}, {3 * part, 4 * part}, {third, 2 * third}, {-5 * part, 10 * part}},
-                      {"avg", {T(2.5)}, {T(2.5), -3}, {T(2.5), T(0.5)}, {T(2.5), T(-2.5)}},
-                      {"max", {3}, {3, -4}, {3, 0}, {3, -4}},
-                      {"min", {1}, {1, 0}, {1, 2}, {1, 2}},
-                      {"ritoc", {1, 3}, {}, {}, {}},
-                      {"dot", {3}, {3, -4}, {3, 6}, {11, 2}},
-                      {"pmul", {3}, {3, -4}, {3, 6}, {11, 2}}};
+  using List = std::vector<T>;
+  const List expected[][4] = {{{4}, {4, 2}, {4, -4}, {4, -2}},
+                              {{-2}, {-2, 2}, {-2, 4}, {-2, 6}},
+                              {{3}, {3, 6}, {3, -4}, {11, 2}},
+                              {{third}, {third, 2 * third}, {3 * part, 4 * part}, {-5 * part, 10 * part}},
+                              {{3}, {3, 0}, {3, -4}, {3, -4}},
+                              {{1}, {1, 2}, {1, 0}, {1, 2}},
+                              {{T(2.5)}, {T(2.5), T(0.5)}, {T(2.5), -3}, {T(2.5), T(-2.5)}},
+                              {{3}, {3, 6}, {3, 4}, {-5, 10}},
+                              {{1, 3}, {}, {}, {}},
+                              {{3}, {3, 6}, {3, -4}, {11, 2}},
+                              {{3}, {3, 6}, {3, -4}, {11, 2}}};
   const Vec<T> a[] = {{1}, Vec<T>::pairs({{1, 2}})}, b[] = {{3}, Vec<T>::pairs({{3, -4}})};
-  for (const Row& row : rows) {
-    for (const Operation<T>& operation : operations<T>()) {
-      if (std::string(row.name) != operation.name) continue;
-      const List* const expected[2][2] = {{&row.real_real, &row.real_complex},
-                                          {&row.complex_real, &row.complex_complex}};
-      for (const int i : {0, 1}) {
-        for (const int j : {0, 1}) {
-          Vec<T> result;
-          EXPECT_EQ(operation.call(a[i], b[j], result), expected[i][j]->empty() ? -1 : 0) << row.name << i << j;
-          EXPECT_TRUE(exactly(result, *expected[i][j])) << row.name << i << j;
-        }
-      }
-    }
-  }
-}
-
-template <class T> struct Edge {
-  const char* name;
-  Vec<T> a, b;
-  std::vector<T> expected;
-};
-
-template <class T> void check_edges(const std::vector<Edge<T>>& edges) {
-  for (const Edge<T>& edge : edges) {
-    for (const Operation<T>& operation : operations<T>()) {
-      if (std::string(edge.name) != operation.name) continue;
+  for (size_t row = 0; row < std::size(expected); ++row) {
+    for (const unsigned forms : {0U, 1U, 2U, 3U}) {
       Vec<T> result;
-      EXPECT_EQ(operation.call(edge.a, edge.b, result), 0);
-      EXPECT_TRUE(exactly(result, edge.expected)) << edge.name << ' ' << ::testing::PrintToString(edge.a.samples())
-                                                  << ' ' << ::testing::PrintToString(edge.b.samples());
+      const List& list = expected[row][forms];
+      const Operation<T>& operation = operations<T>()[row];
+      EXPECT_EQ(operation.call(a[forms & 1], b[forms >> 1], result), list.empty() ? -1 : 0) << operation.name << forms;
+      EXPECT_TRUE(exactly(result, list)) << operation.name << forms;
     }
   }
 }
 
-TYPED_TEST(Binary, DivisionByZeroIsUnboundedAndPositive) {
+TYPED_TEST(Binary, EachRuleAtItsEdges) {
   using T = TypeParam;
-  constexpr T huge = kHuge<T>, nan = kNaN<T>;
+  constexpr T nan = kNaN<T>, inf = kInf<T>, huge = kHuge<T>, tiny = kTiny<T>, minus_zero = T(-0.0);
+  const T beyond = std::nextafter(huge, inf), wide = 4 * std::sqrt(huge);  // |wide|^2 > huge
   const auto z = [](T re, T im) { return Vec<T>::pairs({{re, im}}); };
-  check_edges<T>({{"div", {-2, 2, 0, nan, kInf<T>, -1}, {0, T(-0.0), 0, 0, 0, nan}, {huge, huge, 0, huge, huge, nan}},
-                  {"div", z(0, -1), {0}, {huge, huge}},
-                  {"div", z(0, T(-0.0)), {0}, {0, 0}},
-                  {"div", {1}, z(0, 0), {huge, huge}},
-                  {"div", {0}, z(0, 0), {0, 0}},
-                  {"div", {0}, z(kTiny<T>, 0), {huge, huge}},
-                  {"div", z(1, 1), z(nan, 0), {huge, huge}},
-                  {"div", z(0, 0), z(0, 0), {0, 0}},
-                  {"div", z(0, 2), z(0, 0), {huge, huge}}});
+  struct Row {
+    int32_t (*call)(const Record<T>*, const Record<T>*, Record<T>*);
+    Vec<T> a, b;
+    std::vector<T> expected;
+  };
+  const auto quotient = div.template of<T>(), larger = max.template of<T>(), smaller = min.template of<T>();
+  const auto sum = add.template of<T>(), difference = sub.template of<T>(), product = pmul.template of<T>();
+  const Row rows[] = {
+      {quotient, {-2, 2, 0, nan, inf, -1}, {0, minus_zero, 0, 0, 0, nan}, {huge, huge, 0, huge, huge, nan}},
+      {quotient, z(0, -1), {0}, {huge, huge}},
+      {quotient, z(0, minus_zero), {0}, {0, 0}},
+      {quotient, {1}, z(0, 0), {huge, huge}},
+      {quotient, {0}, z(0, 0), {0, 0}},
+      {quotient, {0}, z(tiny, 0), {huge, huge}},  // its square is 0
+      {quotient, z(1, 1), z(nan, 0), {huge, huge}},
+      {quotient, z(0, 0), z(0, 0), {0, 0}},
+      {quotient, z(0, 2), z(0, 0), {huge, huge}},
+      {larger, {nan, 1, 0, 2}, {1, nan, minus_zero, inf}, {1, nan, minus_zero, inf}},
+      {smaller, {nan, 1, minus_zero, 2}, {1, nan, 0, -inf}, {1, nan, 0, -inf}},
+      {larger, z(3, 4), z(0, 5), {0, 5}},
+      {smaller, z(3, 4), z(0, 5), {0, 5}},
+      {larger, z(nan, 1), z(5, 5), {nan, 1}},         // out of range counts as huge,
+      {larger, z(beyond, 0), z(wide, 0), {wide, 0}},  // which a point in range may exceed
+      {smaller, z(inf, 1), z(-inf, nan), {-inf, nan}},
+      {larger, {-6}, z(5, 0), {-6, 0}},
+      {smaller, z(5, 0), {-5}, {-5, 0}},
+      {sum, {1, 2, 3}, {10, 20, 30, 40, -50}, {11, 22, 33, 40, -50}},
+      {sum, Vec<T>::pairs({{1, 2}}), {3, 4}, {4, 2, 4, 0}},
+      {difference, {1}, Vec<T>::pairs({{10, 1}, {20, 2}}), {-9, -1, -20, -2}},
+      {product, {1, 1}, {1, -1}, {1, 0, -1}},
+      {product, {1, 2, 3}, Vec<T>::pairs({{1, 1}, {0, 2}}), {1, 1, 2, 4, 3, 7, 0, 6}},
+      {product, {}, {1, 2}, {}},
+      {dot.template of<T>(), Vec<T>::pairs({{1, 2}, {3, 4}}), Vec<T>::pairs({{5, 6}, {7, 8}}), {-18, 68}},
+      {dot.template of<T>(), {}, {}, {0}},
+  };
+  for (const Row& row : rows) {
+    Vec<T> a = row.a, result;
+    for (Record<T>* const to : {result.get(), a.get()}) EXPECT_EQ(row.call(a, row.b, to), 0);  // the shorter one, too
+    EXPECT_TRUE(exactly(result, row.expected)) << &row - rows;
+    EXPECT_TRUE(exactly(a, row.expected)) << &row - rows;
+  }
 }
 
-TYPED_TEST(Binary, ExtremesTakeTheSecondInputOnTiesAndNaN) {
+TYPED_TEST(Binary, DeltaAndRefusals) {
   using T = TypeParam;
-  constexpr T nan = kNaN<T>, inf = kInf<T>;
-  const auto z = [](T re, T im) { return Vec<T>::pairs({{re, im}}); };
-  const T beyond = std::nextafter(kHuge<T>, inf), wide = 4 * std::sqrt(kHuge<T>);  // |wide|^2 > huge
-  check_edges<T>({{"max", {nan, 1, T(0.0), 2}, {1, nan, T(-0.0), inf}, {1, nan, T(-0.0), inf}},
-                  {"min", {nan, 1, T(-0.0), 2}, {1, nan, T(0.0), -inf}, {1, nan, T(0.0), -inf}},
-                  {"max", z(3, 4), z(0, 5), {0, 5}},
-                  {"min", z(3, 4), z(0, 5), {0, 5}},
-                  {"min", z(0, 1), z(0, -2), {0, 1}},
-                  {"max", z(nan, 1), z(5, 5), {nan, 1}},         // out of range counts as huge
-                  {"max", z(beyond, 0), z(wide, 0), {wide, 0}},  // which a point in range may exceed
-                  {"min", z(inf, 1), z(-inf, nan), {-inf, nan}},
-                  {"max", {-6}, z(5, 0), {-6, 0}},
-                  {"min", z(5, 0), {-5}, {-5, 0}}});
-}
-
-TYPED_TEST(Binary, PolynomialProductIsTheFullConvolution) {
-  using T = TypeParam;
-  const Vec<T> empty;
-  check_edges<T>({{"pmul", {1, 1}, {1, -1}, {1, 0, -1}},
-                  {"pmul", {2}, {1, 2, 3}, {2, 4, 6}},
-                  {"pmul", {1, 2, 3}, Vec<T>::pairs({{1, 1}, {0, 2}}), {1, 1, 2, 4, 3, 7, 0, 6}},
-                  {"pmul", empty, {1, 2}, {}}});
-  Vec<T> a{1, 2}, b{3}, result;
-  a->delta = 4;
-  EXPECT_EQ(pmul(a.get(), b.get(), result.get()), 0);
-  EXPECT_EQ(result->delta, T(4));
+  const std::vector<T> deltas{2, 2, 2, 2, 2, 2, 2, 2, T(0.5), 9, 1};  // of 1 and 3 into a result that has 9
+  for (size_t k = 0; k < deltas.size(); ++k) {
+    const Operation<T>& operation = operations<T>()[k];
+    const bool any_lengths = k == 0 || k == 1 || k == 10;
+    Vec<T> a{1, 2, 3}, b{1, 2, 3, 4}, result{7};
+    a->delta = 1;
+    b->delta = 3;
+    result->delta = 9;
+    EXPECT_EQ(operation.call(a, b, result), any_lengths ? 0 : -1) << operation.name;
+    EXPECT_TRUE(any_lengths || (result->delta == 9 && exactly(result, {7}))) << operation.name;
+    b->points = 3;
+    EXPECT_EQ(operation.call(a, b, result), 0) << operation.name;
+    EXPECT_EQ(result->delta, deltas[k]) << operation.name;
+    a->points = -1;  // counts as none
+    b->points = 0;
+    EXPECT_EQ(operation.call(a, b, result), 0) << operation.name;
+    EXPECT_EQ(result->points, k == 9 ? 1 : 0) << operation.name;
+  }
   T storage[] = {1};
-  Record<T> many{};  // as many points as two records cannot hold together
+  Record<T> many{};  // two of them have more products than a record can hold
   many.data = storage;
   many.points = INT32_MAX;
+  Vec<T> result{7};
   EXPECT_EQ(pmul(&many, &many, result.get()), -1);
-  EXPECT_EQ(result->points, 0);
-  EXPECT_EQ(result->data, nullptr);
-}
-
-TYPED_TEST(Binary, DotSumsPlainProductsIntoOnePoint) {
-  using T = TypeParam;
-  Vec<T> a = Vec<T>::pairs({{1, 2}, {3, 4}}), b = Vec<T>::pairs({{5, 6}, {7, 8}}), result{1, 2, 3};
-  result->delta = 7;
-  EXPECT_EQ(dot(a.get(), b.get(), result.get()), 0);
-  EXPECT_TRUE(exactly(result, {-18, 68}));
-  EXPECT_EQ(result->delta, T(7));
-  Vec<T> none;
-  EXPECT_EQ(dot(none.get(), none.get(), none.get()), 0);
-  EXPECT_TRUE(exactly(none, {0}));
+  EXPECT_TRUE(result->data == nullptr && result->points == 0);
 }
 
 }  // namespace

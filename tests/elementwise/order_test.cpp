@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <numeric>
+#include <tuple>
 
 #include "support/twin.h"
 
@@ -18,195 +18,126 @@ TWIN(i, shuffle);
 template <class T> struct Order : ::testing::Test {};
 TYPED_TEST_SUITE(Order, Precisions);
 
-// n different points: 1, 2, 3 ... or (1, -1), (2, -2), (3, -3) ...
-template <class T> Vec<T> numbered(size_t n, bool complex) {
-  std::vector<T> real(n);
-  std::vector<std::complex<T>> pairs(n);
+// n different points, point from(k) in place k: 1, 2, 3 ... or (1, -1), (2, -2) ...
+template <class T, class F> Vec<T> numbered(size_t n, bool complex, F from) {
+  std::vector<T> scalars;
   for (size_t k = 0; k < n; ++k) {
-    real[k] = static_cast<T>(k + 1);
-    pairs[k] = {real[k], -real[k]};
+    scalars.push_back(static_cast<T>(from(k) + 1));
+    if (complex) scalars.push_back(-scalars.back());
   }
-  return complex ? Vec<T>(pairs) : Vec<T>(real);
-}
-
-// The vector whose point k is point from(k) of another.
-template <class T, class F> Vec<T> picked(const Vec<T>& v, F from) {
-  Vec<T> result = v;
-  const size_t width = v->complex ? 2 : 1, n = static_cast<size_t>(v->points);
-  for (size_t k = 0; k < n; ++k) {
-    for (size_t part = 0; part < width; ++part) result[width * k + part] = v[width * from(k) + part];
-  }
-  return result;
+  Vec<T> v(scalars);
+  v->points = static_cast<int32_t>(n);
+  v->complex = complex;
+  return v;
 }
 
 TYPED_TEST(Order, HalvesAndReversalMoveEveryPoint) {
   using T = TypeParam;
   for (const bool complex : {false, true}) {
     for (const size_t n : {0, 1, 2, 3, 4, 5, 6, 7, 16, 17, 64, 65, 1001}) {
-      const Vec<T> original = numbered<T>(n, complex);
-      Vec<T> v = original;
-      v->delta = 3;
+      const auto in_order = numbered<T>(n, complex, [](size_t k) { return k; }).samples();
+      const auto swapped = numbered<T>(n, complex, [n](size_t k) { return (k + (n + 1) / 2) % n; }).samples();
+      Vec<T> v = numbered<T>(n, complex, [](size_t k) { return k; });
       EXPECT_EQ(swap_halves(v.get()), 0);
-      EXPECT_TRUE(exactly(v, picked(original, [n](size_t k) { return (k + (n + 1) / 2) % n; }).samples())) << n;
+      EXPECT_TRUE(exactly(v, swapped)) << n;
       EXPECT_EQ(swap_halves2(v.get()), 0);
-      EXPECT_TRUE(exactly(v, original.samples())) << n;
+      EXPECT_TRUE(exactly(v, in_order)) << n;
       EXPECT_EQ(rev(v.get()), 0);
-      EXPECT_TRUE(exactly(v, picked(original, [n](size_t k) { return n - 1 - k; }).samples())) << n;
-      EXPECT_EQ(v->complex, complex);
-      EXPECT_EQ(v->delta, T(3));
+      EXPECT_TRUE(exactly(v, numbered<T>(n, complex, [n](size_t k) { return n - 1 - k; }).samples())) << n;
     }
   }
 }
 
-TYPED_TEST(Order, ZeroPaddingGrowsAndNeverShortens) {
+TYPED_TEST(Order, PaddingZeroingAndShiftingSizeTheVector) {
   using T = TypeParam;
-  Vec<T> v{1, 2, 3};
-  v->delta = 3;
-  EXPECT_EQ(zpad(v.get(), 2), 0);
-  EXPECT_EQ(zpad(v.get(), -7), 0);
-  EXPECT_TRUE(exactly(v, {1, 2, 3}));
-  EXPECT_EQ(zpad(v.get(), 5), 0);
-  EXPECT_TRUE(exactly(v, {1, 2, 3, 0, 0}));
-  EXPECT_EQ(v->allocated, 5);
-  EXPECT_EQ(v->delta, T(3));
-  v->points = 1;  // capacity that suffices is cleared, not trusted
-  EXPECT_EQ(zpad(v.get(), 4), 0);
-  EXPECT_TRUE(exactly(v, {1, 0, 0, 0}));
-  Vec<T> z = Vec<T>::pairs({{1, 2}});
-  EXPECT_EQ(zpad(z.get(), 2), 0);
-  EXPECT_TRUE(exactly(z, {1, 2, 0, 0}));
-  v->points = -3;
-  EXPECT_EQ(zpad(v.get(), 2), 0);
-  EXPECT_TRUE(exactly(v, {0, 0}));
-}
-
-TYPED_TEST(Order, PaddingBeyondTheRecordFailsWithoutStorage) {
-  using T = TypeParam;
-  Vec<T> z = Vec<T>::pairs({{1, 2}});
-  EXPECT_EQ(zpad(z.get(), INT32_MAX), -1);
-  EXPECT_EQ(z->data, nullptr);
-  EXPECT_EQ(z->allocated, 0);
-  EXPECT_EQ(z->points, 0);
-  EXPECT_EQ(zero(z.get()), 0);
-}
-
-TYPED_TEST(Order, ZeroClearsEveryScalarAndLeavesViewedStorage) {
-  using T = TypeParam;
-  Vec<T> z = numbered<T>(3, true);
-  EXPECT_EQ(zero(z.get()), 0);
-  EXPECT_TRUE(exactly(z, {0, 0, 0, 0, 0, 0}));
-  EXPECT_EQ(z->complex, 1);
-  T storage[] = {1, 2, 3};
-  for (const auto& operation : {0, 1}) {
-    Vec<T> view;
-    view->data = storage;
-    view->points = 2;
-    EXPECT_EQ(operation ? zpad(view.get(), 3) : zero(view.get()), 0);
-    EXPECT_TRUE(exactly(view, operation ? std::vector<T>{1, 2, 0} : std::vector<T>{0, 0}));
-    EXPECT_EQ(view->allocated, view->points);
-    EXPECT_EQ(storage[0], 1);
-    EXPECT_EQ(storage[2], 3);
-  }
-}
-
-TYPED_TEST(Order, ShiftDropsLeadingPoints) {
-  using T = TypeParam;
+  const auto pad = zpad.template of<T>(), drop = shift.template of<T>();
+  const auto clear = +[](Record<T>* v, int32_t) { return zero(v); };
   struct Row {
-    int32_t count;
-    std::vector<T> expected;
+    int32_t (*call)(Record<T>*, int32_t);
+    int32_t argument;
+    std::vector<T> of_real, of_complex;  // what becomes of 1 2 3 and of (1, 2)
   };
-  const Row rows[] = {{0, {1, 2, 3}},  {1, {2, 3}},           {3, {}}, {4, {}}, {INT32_MAX, {}},
-                      {-1, {1, 2, 3}}, {INT32_MIN, {1, 2, 3}}};
+  const Row rows[] = {{pad, 2, {1, 2, 3}, {1, 2, 0, 0}},
+                      {pad, 5, {1, 2, 3, 0, 0}, {1, 2, 0, 0, 0, 0, 0, 0, 0, 0}},
+                      {pad, -7, {1, 2, 3}, {1, 2}},
+                      {clear, 0, {0, 0, 0}, {0, 0}},
+                      {drop, 0, {1, 2, 3}, {1, 2}},
+                      {drop, 1, {2, 3}, {}},
+                      {drop, 4, {}, {}},
+                      {drop, INT32_MAX, {}, {}},
+                      {drop, -1, {1, 2, 3}, {1, 2}},
+                      {drop, INT32_MIN, {1, 2, 3}, {1, 2}}};
   for (const Row& row : rows) {
-    Vec<T> v{1, 2, 3};
-    v->delta = 3;
-    EXPECT_EQ(shift(v.get(), row.count), 0);
-    EXPECT_TRUE(exactly(v, row.expected)) << row.count;
-    EXPECT_EQ(v->delta, T(3));
+    T storage[] = {1, 2, 3};
+    Vec<T> real{1, 2, 3}, complex = Vec<T>::pairs({{1, 2}}), view;
+    view->data = storage;
+    view->points = 3;
+    real->delta = 7;
+    for (Record<T>* const v : {real.get(), complex.get(), view.get()}) EXPECT_EQ(row.call(v, row.argument), 0);
+    EXPECT_TRUE(exactly(real, row.of_real));
+    EXPECT_TRUE(exactly(view, row.of_real));
+    EXPECT_TRUE(exactly(complex, row.of_complex));
+    EXPECT_EQ(complex->complex, 1);
+    EXPECT_EQ(real->delta, T(7));
+    EXPECT_TRUE(storage[0] == 1 && storage[1] == 2 && storage[2] == 3);  // a view that is sized leaves what it viewed
   }
-  Vec<T> z = Vec<T>::pairs({{1, 2}, {3, 4}});
-  EXPECT_EQ(shift(z.get(), 1), 0);
-  EXPECT_TRUE(exactly(z, {3, 4}));
+  Vec<T> v{1, 2, 3};
+  v->points = 1;  // the capacity behind it suffices, its contents do not count
+  EXPECT_EQ(zpad(v.get(), 3), 0);
+  EXPECT_TRUE(exactly(v, {1, 0, 0}));
+  v->complex = 1;
+  EXPECT_EQ(zpad(v.get(), INT32_MAX), -1);  // more scalars than a record holds
+  EXPECT_TRUE(v->data == nullptr && v->allocated == 0 && v->points == 0);
+  EXPECT_EQ(zero(v.get()), 0);
 }
 
-TYPED_TEST(Order, SortOrdersRealsWithNaNFirst) {
+TYPED_TEST(Order, SortIsTotalWithNaNFirst) {
   using T = TypeParam;
-  Vec<T> v{3, kNaN<T>, T(0.0), -kInf<T>, T(-0.0), kInf<T>, -kNaN<T>, -kTiny<T> / 2, std::numeric_limits<T>::max(), -1};
+  constexpr T nan = kNaN<T>, inf = kInf<T>, most = std::numeric_limits<T>::max(), faint = -kTiny<T> / 2;
+  Vec<T> v{3, nan, T(0.0), -inf, T(-0.0), inf, -nan, faint, most, -1};
   EXPECT_EQ(sort(v.get()), 0);
-  EXPECT_TRUE(exactly(
-      v, {kNaN<T>, kNaN<T>, -kInf<T>, -1, -kTiny<T> / 2, T(-0.0), T(0.0), 3, std::numeric_limits<T>::max(), kInf<T>}));
-}
-
-// Any vector of n points that repeats some values and lacks others.
-template <class T> Vec<T> scattered(size_t n, bool complex) {
-  Vec<T> v = numbered<T>(n, complex);
-  uint32_t state = 1;
-  for (size_t k = 0; k < v.size(); ++k) {
-    state = state * 1664525U + 1013904223U;
-    v[k] = static_cast<T>(static_cast<int32_t>(state >> 20) - 2048);
-  }
-  return v;
-}
-
-TYPED_TEST(Order, SortKeepsEveryPoint) {
-  using T = TypeParam;
-  for (const size_t n : {0, 1, 2, 3, 17, 255, 256, 257, 5000}) {
-    Vec<T> real = scattered<T>(n, false), z = scattered<T>(n, true);
-    std::vector<T> expected = real.samples();
-    std::sort(expected.begin(), expected.end());
-    EXPECT_EQ(sort(real.get()), 0);
-    EXPECT_TRUE(exactly(real, expected)) << n;
-
-    std::vector<std::tuple<T, T, T>> keys, sorted;
-    const auto key = [&z](size_t k) { return std::tuple(std::norm(z.at(k)), z.at(k).real(), z.at(k).imag()); };
-    for (size_t k = 0; k < n; ++k) keys.push_back(key(k));
-    std::sort(keys.begin(), keys.end());
-    EXPECT_EQ(sort(z.get()), 0);
-    for (size_t k = 0; k < n; ++k) sorted.push_back(key(k));
-    EXPECT_EQ(sorted, keys) << n;
-  }
-}
-
-TYPED_TEST(Order, SortOrdersPointsByMagnitudeThenParts) {
-  using T = TypeParam;
-  Vec<T> z = Vec<T>::pairs({{3, 4}, {5, 0}, {0, -5}, {0, 5}, {kNaN<T>, 0}, {1, 1}, {-3, 4}, {-3, -4}, {0, kNaN<T>}});
+  EXPECT_TRUE(exactly(v, {nan, nan, -inf, -1, faint, T(-0.0), T(0.0), 3, most, inf}));
+  Vec<T> z = Vec<T>::pairs({{3, 4}, {5, 0}, {0, -5}, {0, 5}, {nan, 0}, {1, 1}, {-3, 4}, {-3, -4}, {0, nan}});
   EXPECT_EQ(sort(z.get()), 0);
-  EXPECT_TRUE(exactly(z, {kNaN<T>, 0, 0, kNaN<T>, 1, 1, -3, -4, -3, 4, 0, -5, 0, 5, 3, 4, 5, 0}));
-  EXPECT_EQ(z->complex, 1);
+  EXPECT_TRUE(exactly(z, {nan, 0, 0, nan, 1, 1, -3, -4, -3, 4, 0, -5, 0, 5, 3, 4, 5, 0}));
 }
 
-TYPED_TEST(Order, ShuffleMovesWholePointsWithEqualChances) {
+TYPED_TEST(Order, SortAndShuffleKeepEveryPoint) {
+  using T = TypeParam;
+  const auto by_key = [](std::complex<T> a, std::complex<T> b) {
+    return std::tuple(std::norm(a), a.real(), a.imag()) < std::tuple(std::norm(b), b.real(), b.imag());
+  };
+  for (const size_t n : {0, 1, 2, 3, 17, 255, 256, 257, 5000}) {
+    Vec<T> v = numbered<T>(n, false, [n](size_t k) { return (k * 7919) % (n / 2 + 1); });  // every value about twice
+    std::vector<T> expected = v.samples();
+    std::vector<std::complex<T>> pairs;
+    for (const T x : expected) pairs.emplace_back(x, T(3000) - x);
+    Vec<T> z(pairs);
+    std::sort(expected.begin(), expected.end());
+    std::sort(pairs.begin(), pairs.end(), by_key);
+    for (Vec<T>* const each : {&v, &z}) {
+      EXPECT_EQ(shuffle(each->get()), 0);
+      EXPECT_EQ(sort(each->get()), 0);
+    }
+    EXPECT_TRUE(exactly(v, expected)) << n;
+    EXPECT_TRUE(exactly(z, Vec<T>(pairs).samples())) << n;
+  }
+}
+
+TYPED_TEST(Order, ShuffleGivesEveryPlaceAnEqualChance) {
   using T = TypeParam;
   constexpr size_t kCount = 5, kRounds = 20000;
-  size_t seen[kCount][kCount] = {};  // how often each point came to each place
+  double seen[kCount][kCount] = {};  // how often each point came to each place
   for (size_t round = 0; round < kRounds; ++round) {
-    Vec<T> z = numbered<T>(kCount, true);
-    EXPECT_EQ(shuffle(z.get()), 0);
-    bool present[kCount] = {};
-    for (size_t k = 0; k < kCount; ++k) {
-      const size_t point = static_cast<size_t>(z[2 * k]) - 1;
-      ASSERT_LT(point, kCount);
-      EXPECT_EQ(z[2 * k + 1], -z[2 * k]);
-      EXPECT_FALSE(std::exchange(present[point], true));
-      ++seen[point][k];
-    }
+    Vec<T> v = numbered<T>(kCount, false, [](size_t k) { return k; });
+    EXPECT_EQ(shuffle(v.get()), 0);
+    for (size_t k = 0; k < kCount; ++k) ++seen[k][static_cast<size_t>(v[k]) - 1];
   }
-  // Binomial: within 6 standard deviations of an equal share; all 50 checks fail by chance less than once in 10^7 runs.
+  // Binomial: within 6 standard deviations of an equal share. All 50 checks fail by chance less than once in 10^7 runs.
   const double share = double{kRounds} / kCount, deviation = std::sqrt(share * (1 - 1.0 / kCount));
   for (const auto& places : seen) {
-    for (const size_t times : places) EXPECT_NEAR(static_cast<double>(times), share, 6 * deviation);
+    for (const double times : places) EXPECT_NEAR(times, share, 6 * deviation);
   }
-}
-
-TYPED_TEST(Order, ShuffleOfALongVectorIsAPermutation) {
-  using T = TypeParam;
-  const Vec<T> original = numbered<T>(3000, false);
-  Vec<T> v = original, nothing;
-  EXPECT_EQ(shuffle(v.get()), 0);
-  EXPECT_NE(v.samples(), original.samples());
-  EXPECT_EQ(sort(v.get()), 0);
-  EXPECT_TRUE(exactly(v, original.samples()));
-  EXPECT_EQ(shuffle(nothing.get()), 0);
 }
 
 }  // namespace
