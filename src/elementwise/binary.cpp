@@ -41,9 +41,11 @@ template <class T, class F> Status combine(const Vector<T>& a, const Vector<T>& 
 template <class T, class F> Status combine_padded(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, F f) {
   if (points<T>(a) == points<T>(b)) return combine<T>(a, b, result, f);
   const bool pad_a = points<T>(a) < points<T>(b);
+  const Vector<T>&shorter = pad_a ? a : b, &longer = pad_a ? b : a;
   Scratch<T> padded;
-  SIGVEX_TRY(dsp::copy<T>(padded, pad_a ? a : b));
-  SIGVEX_TRY(dspi::zpad<T>(padded, pad_a ? b.points : a.points));
+  SIGVEX_TRY(dsp::copy<T>(padded, shorter));
+  SIGVEX_TRY(dspi::zpad<T>(padded, longer.points));
+  leave_to_owner<T>(shorter, result, scalars(longer.points, a.complex || b.complex));
   return pad_a ? combine<T>(padded, b, result, f) : combine<T>(a, padded, result, f);
 }
 

@@ -249,6 +249,10 @@ TYPED_TEST(Binary, DeltaAndRefusals) {
     EXPECT_EQ(operation.call(a, b, result), 0) << operation.name;
     EXPECT_EQ(result->points, k == 9 ? 1 : 0) << operation.name;
   }
+  Vec<T> a{1, 2}, b{1, 2, 3}, claims;
+  *claims.get() = *a.get();  // a record that owns the block of the shorter input, too
+  EXPECT_EQ(add(a.get(), b.get(), claims.get()), 0);
+  EXPECT_TRUE(exactly(claims, {2, 4, 3}) && exactly(a, {1, 2}));
   T storage[] = {1};
   Record<T> many{};  // two of them have more products than a record can hold
   many.data = storage;
