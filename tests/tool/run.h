@@ -1,0 +1,111 @@
+// Runs the built command as a user does: arguments in, standard output, standard error and exit status out.
+#pragma once
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "sigvex.h"
+
+extern char** environ;
+
+namespace sigvex_test {
+
+struct Outcome {
+  int status = -1;
+  std::string out, err;
+  nlohmann::json json() const { return nlohmann::json::parse(out); }
+};
+
+inline std::string contents(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// A directory of its own for every test, removed with all that is in it.
+class Tool : public ::testing::Test {
+ protected:
+  Tool() {
+    std::string name = (std::filesystem::temp_directory_path() / "sigvex-XXXXXX").string();
+    directory_ = mkdtemp(name.data());
+    std::filesystem::create_directory(directory_ / "work");
+  }
+  ~Tool() override { std::filesystem::remove_all(directory_); }
+
+  std::string path(const std::string& name) const { return (directory_ / "work" / name).string(); }
+  std::string write(const std::string& name, const std::string& text) const {
+    std::ofstream(path(name), std::ios::binary) << text;
+    return path(name);
+  }
+  std::vector<std::string> files() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(directory_ / "work"))
+      names.push_back(entry.path().filename());
+    return names;
+  }
+
+  // A binary record of real samples, or of pairs.
+  std::string record(const std::string& name, std::vector<double> samples, double delta, bool pairs = false) const {
+    dsp_vector v{};
+    v.delta = delta;
+    v.data = samples.data();
+    v.points = static_cast<int32_t>(samples.size() / (pairs ? 2 : 1));
+    v.complex = pairs;
+    FILE* file = std::fopen(path(name).c_str(), "wb");
+    EXPECT_EQ(dspf_fwrite(&v, file), 0);
+    std::fclose(file);
+    return path(name);
+  }
+
+  Outcome run(std::vector<std::string> arguments, const std::string& input = {}) const {
+    arguments.insert(arguments.begin(), SIGVEX_TOOL);
+    std::vector<char*> argv;
+    for (std::string& a : arguments) argv.push_back(a.data());
+    argv.push_back(nullptr);
+    const std::string in = (directory_ / "in").string(), out = (directory_ / "out").string(),
+                      err = (directory_ / "err").string();
+    std::ofstream(in, std::ios::binary) << input;
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    pid_t child = 0;
+    int status = -1;
+    EXPECT_EQ(posix_spawn(&child, SIGVEX_TOOL, &actions, nullptr, argv.data(), environ), 0);
+    waitpid(child, &status, 0);
+    posix_spawn_file_actions_destroy(&actions);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(out), contents(err)};
+  }
+
+  // The result of a run that must succeed, as JSON.
+  nlohmann::json measure(std::vector<std::string> arguments, const std::string& input = {}) const {
+    arguments.insert(arguments.begin(), "spectrum");
+    arguments.insert(arguments.end(), {"--format", "json"});
+    const Outcome outcome = run(arguments, input);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    return outcome.status == 0 ? outcome.json() : nlohmann::json();
+  }
+
+ private:
+  std::filesystem::path directory_;
+};
+
+inline std::vector<double> sine(size_t points, double cycles_per_sample, double amplitude, double phase = 0.3) {
+  std::vector<double> x(points);
+  for (size_t k = 0; k < points; ++k)
+    x[k] = amplitude * std::cos(2 * M_PI * cycles_per_sample * static_cast<double>(k) + phase);
+  return x;
+}
+
+}  // namespace sigvex_test

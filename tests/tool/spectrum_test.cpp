@@ -1,0 +1,234 @@
+#include <algorithm>
+#include <random>
+
+#include "run.h"
+
+namespace sigvex_test {
+namespace {
+
+using Json = nlohmann::json;
+using Spectrum = Tool;
+
+// The scalloping of no window is asked for here: levels are refined with the window's own shape, so that what remains
+// is what the mirror image leaks into the line. At 200 bins from it that is below 1e-3 (Uniform: 1/(400 pi)).
+TEST_F(Spectrum, ASineReadsItsAmplitudeAndFrequencyOnAndOffTheBins) {
+  constexpr size_t kPoints = 1000;
+  for (uint32_t type = 0; type < 32; ++type) {
+    char name[64];
+    ASSERT_EQ(dsp_window_to_str(type, name, sizeof name), 0);
+    for (double bin : {200.0, 200.25, 200.5, 200.9}) {
+      const std::string file = record("s.dsp", sine(kPoints, bin / kPoints, 0.7), 1e-3);
+      const Json result = measure({file, "--window", name, "--peaks", "1"});
+      ASSERT_EQ(result["peaks"].size(), 1u) << name;
+      EXPECT_NEAR(result["peaks"][0]["level"], 0.7, 0.7e-3) << name << ' ' << bin;
+      EXPECT_NEAR(result["peaks"][0]["frequency"], bin, 2e-3) << name;
+      EXPECT_EQ(result["window"]["name"], name);
+    }
+  }
+}
+
+TEST_F(Spectrum, ScalesRelateAsAmplitudeRmsPowerAndDensity) {
+  const std::string file = record("s.dsp", sine(4096, 0.1203, 2), 1.0 / 8192);
+  const auto level = [&](std::vector<std::string> options) {
+    options.insert(options.begin(), {file, "--unit", "V"});
+    return measure(options)["peaks"][0];
+  };
+  EXPECT_NEAR(level({})["level"], 2, 1e-5);
+  EXPECT_NEAR(level({"--scale", "rms"})["level"], std::sqrt(2), 1e-5);
+  EXPECT_NEAR(level({"--scale", "power"})["level"], 2, 2e-5);
+  EXPECT_NEAR(level({"--scale", "density"})["level"], 2 / (1.5 * 2), 1e-5);  // Hann: 1.5 bins of 2 Hz
+  EXPECT_EQ(level({"--scale", "density"})["unit"], "V^2/Hz");
+  EXPECT_NEAR(level({"--db"})["level"], 20 * std::log10(2), 1e-4);
+  EXPECT_NEAR(level({"--db", "--scale", "power"})["level"], 10 * std::log10(2), 1e-4);
+  EXPECT_EQ(level({"--db"})["unit"], "dB(V)");
+  EXPECT_NEAR(level({"--single"})["level"], 2, 1e-5);
+}
+
+// A constant and the alternation at half the rate have no mirror image: they are not doubled.
+TEST_F(Spectrum, ConstantAndHalfRateReadTheirOwnLevel) {
+  std::vector<double> constant(256, 3), alternating(256);
+  for (size_t k = 0; k < alternating.size(); ++k) alternating[k] = k % 2 ? -0.5 : 0.5;
+  const std::string dc = record("dc.dsp", constant, 1), nyquist = record("ny.dsp", alternating, 1);
+  for (const char* scale : {"peak", "rms"}) {
+    const Json a = measure({dc, "--detrend", "none", "--scale", scale})["peaks"],
+               b = measure({nyquist, "--scale", scale})["peaks"];
+    ASSERT_EQ(a.size(), 1u);
+    EXPECT_EQ(a[0]["frequency"], 0);
+    EXPECT_NEAR(a[0]["level"], 3, 1e-12);
+    ASSERT_EQ(b.size(), 1u);
+    EXPECT_EQ(b[0]["frequency"], 0.5);
+    EXPECT_NEAR(b[0]["level"], 0.5, 1e-12);
+  }
+  EXPECT_TRUE(measure({dc})["peaks"].empty());  // the mean is removed
+}
+
+TEST_F(Spectrum, ComplexInputGivesBothSides) {
+  std::vector<double> iq;
+  for (int k = 0; k < 999; ++k) {
+    iq.push_back(0.25 * std::cos(-2 * M_PI * 0.2 * k));
+    iq.push_back(0.25 * std::sin(-2 * M_PI * 0.2 * k));
+  }
+  const std::string file = record("iq.dsp", iq, 0.001, true);
+  const Json result = measure({file});
+  EXPECT_TRUE(result["complex"]);
+  ASSERT_FALSE(result["peaks"].empty());
+  EXPECT_NEAR(result["peaks"][0]["frequency"], -200, 1e-3);
+  EXPECT_NEAR(result["peaks"][0]["level"], 0.25, 1e-5);
+  EXPECT_NEAR(measure({file, "--scale", "power"})["peaks"][0]["level"], 0.0625, 1e-5);
+  const Json above = measure({file, "--from-hz", "0"})["peaks"];
+  EXPECT_TRUE(above.empty() || above[0]["level"] < 1e-6);
+
+  // As a vector, bin k stands at k * delta: -200 Hz is 800 Hz.
+  const Outcome text = run({"spectrum", file, "--format", "dsp", "--output", path("s.txt")});
+  ASSERT_EQ(text.status, 0) << text.err;
+  dsp_vector v{};
+  FILE* stream = std::fopen(path("s.txt").c_str(), "rb");
+  EXPECT_EQ(dspf_fread(&v, stream), 1);
+  std::fclose(stream);
+  ASSERT_EQ(v.points, 999);
+  EXPECT_EQ(std::lround(static_cast<double>(std::max_element(v.data, v.data + v.points) - v.data) * v.delta), 800);
+  dsp_destroy(&v);
+}
+
+// White noise of standard deviation s at rate R has the one-sided density 2 s^2 / R. The mean over B bins and K frames
+// has the relative standard deviation 1/sqrt(BK); the floor's median somewhat more. Four of them are allowed.
+TEST_F(Spectrum, NoiseDensityIsRightWithinItsConfidence) {
+  constexpr size_t kPoints = 1 << 17;
+  constexpr double kDeviation = 0.3, kRate = 8000, kDensity = 2 * kDeviation * kDeviation / kRate;
+  std::mt19937_64 random(7);
+  std::normal_distribution<double> normal(0, kDeviation);
+  std::vector<double> x(kPoints);
+  for (double& v : x) v = normal(random);
+  const std::string file = record("n.dsp", x, 1 / kRate);
+  for (const char* window : {"Uniform", "Hann", "FlatTop", "Kaiser90", "Gauss70", "Tukey25"})
+    for (const char* points : {"1024", "1000", "131072"}) {
+      const Json result = measure({file, "--window", window, "--points", points, "--scale", "density", "--peaks", "5"});
+      const double frames = result["frames"]["independent"],
+                   bins = std::stod(points) / 2 / double(result["window"]["enbw_bins"]);
+      const double allowed = 4 * 1.5 / std::sqrt(frames * bins);
+      EXPECT_NEAR(double(result["noise_floor"]["level"]) / kDensity, 1, allowed) << window << ' ' << points;
+      EXPECT_NEAR(double(result["noise_floor"]["density"]) / std::sqrt(kDensity), 1, allowed);
+      for (const Json& peak : result["peaks"]) EXPECT_FALSE(peak["clear"]) << window << ' ' << points << ' ' << peak;
+    }
+}
+
+TEST_F(Spectrum, FramesFollowPointsOverlapAndAverage) {
+  const std::string file = record("s.dsp", sine(1000, 0.11, 1), 1);
+  const auto frames = [&](std::vector<std::string> options) {
+    options.insert(options.begin(), file);
+    const Json result = measure(options);
+    return std::make_pair(int(result["frames"]["count"]), int(result["frames"]["points"]));
+  };
+  EXPECT_EQ(frames({}), std::make_pair(1, 1000));
+  EXPECT_EQ(frames({"--points", "100"}), std::make_pair(19, 100));
+  EXPECT_EQ(frames({"--points", "100", "--overlap", "0"}), std::make_pair(10, 100));
+  EXPECT_EQ(frames({"--points", "100", "--overlap", "75%", "--average", "3"}), std::make_pair(3, 100));
+  EXPECT_EQ(frames({"--average", "4", "--overlap", "0"}), std::make_pair(4, 250));
+  EXPECT_EQ(frames({"--average", "3"}), std::make_pair(3, 500));
+}
+
+// Uncorrelated frames average as many as they are; a Hann window at 75 % overlap correlates by 0.659 with its
+// neighbour.
+TEST_F(Spectrum, OverlappingFramesCountAsFewerIndependentOnes) {
+  const std::string file = record("s.dsp", sine(64000, 0.11, 1), 1);
+  EXPECT_EQ(measure({file, "--points", "640", "--overlap", "0"})["frames"]["independent"], 100);
+  const Json result = measure({file, "--points", "640", "--overlap", "75"});
+  const double ratio = double(result["frames"]["independent"]) / double(result["frames"]["count"]);
+  EXPECT_NEAR(ratio, 1 / (1 + 2 * (0.659 * 0.659 + 0.167 * 0.167 + 0.0075 * 0.0075)), 0.01);
+}
+
+// The Uniform window leaks 1/(120 pi) = 0.0027 of the strong line over 120 bins into the weak one.
+TEST_F(Spectrum, SideLobesOfAStrongLineAreNotPeaksAndAWeakOneIs) {
+  std::vector<double> x = sine(2000, 0.1003, 1);
+  const std::vector<double> weak = sine(2000, 0.1603, 0.01);
+  std::transform(x.begin(), x.end(), weak.begin(), x.begin(), std::plus<>());
+  const std::string file = record("s.dsp", x, 1);
+  for (const char* window : {"Uniform", "Hann", "Hamming", "BlackmanHarris4", "FlatTop"}) {
+    const Json peaks = measure({file, "--window", window})["peaks"];
+    ASSERT_EQ(peaks.size(), 2u) << window;
+    EXPECT_NEAR(peaks[1]["frequency"], 0.1603, 5e-4) << window;
+    EXPECT_NEAR(peaks[1]["level"], 0.01, 0.003) << window;
+  }
+}
+
+TEST_F(Spectrum, HarmonicsAndDistortion) {
+  std::vector<double> x(20000);
+  for (size_t k = 0; k < x.size(); ++k) {
+    const double w = 2 * M_PI * 0.01237 * static_cast<double>(k);
+    x[k] = std::sin(w) + 0.03 * std::sin(2 * w) + 0.04 * std::sin(3 * w + 1);
+  }
+  const std::string file = record("h.dsp", x, 1e-4);
+  const Json result = measure({file, "--harmonics=3", "--peaks", "1", "--window", "BlackmanHarris4"});
+  ASSERT_EQ(result["harmonics"].size(), 2u);
+  EXPECT_EQ(result["harmonics"][1]["order"], 3);
+  EXPECT_NEAR(result["harmonics"][1]["frequency"], 371.1, 1e-3);
+  EXPECT_NEAR(result["harmonics"][1]["level"], 0.04, 1e-5);
+  EXPECT_NEAR(result["harmonic_distortion"], 0.05, 1e-5);
+}
+
+TEST_F(Spectrum, EveryFormatReadsBackToTheSameSpectrum) {
+  const std::string file = record("s.dsp", sine(128, 0.25, 3), 0.5);
+  for (const char* format : {"dsp", "binary"}) {
+    ASSERT_EQ(run({"spectrum", file, "--format", format, "--output", path("s.out")}).status, 0);
+    dsp_vector v{};
+    FILE* stream = std::fopen(path("s.out").c_str(), "rb");
+    EXPECT_EQ(dspf_fread(&v, stream), 1);
+    std::fclose(stream);
+    ASSERT_EQ(v.points, 65);
+    EXPECT_EQ(v.delta, 1 / 64.0);
+    EXPECT_NEAR(v.data[32], 3, 1e-12);
+    EXPECT_NEAR(v.data[33], 1.5, 1e-12);
+    dsp_destroy(&v);
+  }
+  EXPECT_EQ(run({"spectrum", file, "--format", "summary"}).out.substr(0, 13), "[65/0.01562] ");
+  EXPECT_EQ(run({"spectrum", file, "--format", "trace"}).out.substr(0, 16), "SigvexData\tTrue\n");
+  EXPECT_NE(run({"spectrum", file, "--format", "gnuplot"}).out.find("0.5 3"), std::string::npos);
+  const Outcome table = run({"spectrum", file, "--unit", "mV"});
+  for (const char* text : {" 0.5000 Hz ", " 3.00 mV peak ", "noise floor", "bin spacing      0.015625 Hz",
+                           "noise bandwidth  0.0234375 Hz (1.5 bins)"})
+    EXPECT_NE(table.out.find(text), std::string::npos) << table.out;
+  EXPECT_EQ(table.err, "");
+}
+
+TEST_F(Spectrum, PicturesAreDrawn) {
+  const std::string file = record("s.dsp", sine(512, 0.1, 1), 1e-3);
+  ASSERT_EQ(run({"spectrum", file, "--plot", path("s.svg")}).status, 0);
+  EXPECT_NE(contents(path("s.svg")).find("</svg>"), std::string::npos);
+  ASSERT_EQ(run({"spectrum", file, "--plot", path("s.png"), "--db"}).status, 0);
+  EXPECT_EQ(contents(path("s.png")).substr(1, 3), "PNG");
+  const Outcome text = run({"spectrum", file, "--plot", "-"});
+  EXPECT_NE(text.out.find("500 Hz\n"), std::string::npos) << text.out;
+  EXPECT_EQ(files().size(), 3u);  // nothing temporary is left
+}
+
+// The recordings that ship with the project, as the manual shows them.
+TEST_F(Spectrum, TheCardiogramShowsTheMainsLine) {
+  const Json result = measure({SIGVEX_DATA "/ecg.dsp", "--unit", "mV", "--from-hz", "50"});
+  EXPECT_NEAR(result["peaks"][0]["frequency"], 59.99, 0.01);
+  EXPECT_NEAR(result["peaks"][0]["level"], 0.012, 0.0005);
+  EXPECT_TRUE(result["peaks"][0]["clear"]);
+  const Json all = measure({SIGVEX_DATA "/ecg.dsp"})["peaks"];
+  EXPECT_TRUE(std::any_of(all.begin(), all.end(), [](const Json& p) {
+    return p["clear"] && std::fabs(double(p["frequency"]) - 59.99) < 0.01;
+  }));
+}
+
+TEST_F(Spectrum, TheCardiogramShowsTheBeatAmongItsNeighbours) {
+  const Json peaks = measure({SIGVEX_DATA "/ecg.dsp", "--points", "2880", "--to-hz", "5"})["peaks"];
+  for (double hump : {1.63, 2.25, 3.25})
+    EXPECT_TRUE(std::any_of(peaks.begin(), peaks.end(), [&](const Json& p) {
+      return std::fabs(double(p["frequency"]) - hump) < 0.0625;
+    })) << hump;
+}
+
+TEST_F(Spectrum, CarbonDioxideHasAYearlyCycle) {
+  const Json result =
+      measure({SIGVEX_DATA "/co2-concentration.csv", "--rate", "12", "--time-unit", "year", "--detrend", "linear"});
+  EXPECT_NEAR(result["peaks"][0]["frequency"], 1, 0.01);
+  EXPECT_NEAR(result["peaks"][0]["level"], 2.8, 0.15);
+  EXPECT_EQ(result["frequency_unit"], "1/year");
+  EXPECT_NEAR(result["peaks"][1]["frequency"], 2, 0.01);
+}
+
+}  // namespace
+}  // namespace sigvex_test

@@ -1,0 +1,12 @@
+// The subcommands. Each stands in a file of its own that adds it, its options and its action to the program.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace sigvex_tool {
+
+void add_spectrum(CLI::App& program);
+void add_info(CLI::App& program);
+void add_convert(CLI::App& program);
+
+}  // namespace sigvex_tool

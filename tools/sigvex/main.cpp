@@ -1,0 +1,80 @@
+// sigvex: the library's measurements from the command line.
+#include <signal.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "errors.h"
+#include "help.h"
+#include "sigvex.h"
+#include "text.h"
+
+namespace {
+
+constexpr int kDataFault = 1, kUsageFault = 2;
+
+// One line, whatever the message is made of.
+int complain(std::string message, int status) {
+  std::replace(message.begin(), message.end(), '\n', ' ');
+  while (message.ends_with(' ')) message.pop_back();
+  std::fprintf(stderr, "sigvex: %s\n", message.c_str());
+  return status;
+}
+
+std::string version() {
+  const int32_t v = dsp_version();
+  return sigvex_tool::format("sigvex %d.%d.%d", v / 1000000, v / 1000 % 1000, v % 1000);
+}
+
+int run(int argc, char** argv) {
+  CLI::App program("Measures signals: reads a recording, shows what is in it.", "sigvex");
+  program.set_version_flag("--version", version(), "Print the version and exit");
+  program.set_help_flag("-h,--help", "Print this help and exit; 'sigvex COMMAND --help' explains a command");
+  program.formatter(std::make_shared<sigvex_tool::Help>());
+  program.require_subcommand(1);
+  program.footer(
+      "Examples:\n"
+      "  sigvex info recording.wav                     what the file holds\n"
+      "  sigvex spectrum recording.wav                 its strongest lines and the noise floor\n"
+      "  sigvex spectrum --plot - recording.wav        the same with a picture in the terminal\n"
+      "  sigvex convert recording.wav recording.csv    another file format\n"
+      "\n"
+      "A recording is a WAV, FLAC, OGG or CSV file, a vector record or \"#DSP\" text; '-' reads the standard input.\n"
+      "Exit status: 0 success, 1 the data are at fault, 2 the command line is.");
+  sigvex_tool::add_spectrum(program);
+  sigvex_tool::add_info(program);
+  sigvex_tool::add_convert(program);
+  try {
+    program.parse(argc, argv);
+  } catch (const CLI::Success& request) {  // --help, --version
+    program.exit(request);
+    return std::fflush(stdout) == 0 && std::cout.flush() ? 0 : kDataFault;
+  } catch (const CLI::ParseError& error) {
+    return complain(std::string(error.what()) + (argc > 1 ? "" : "; try sigvex --help"), kUsageFault);
+  }
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  signal(SIGPIPE, SIG_IGN);  // a closed pipe is a write error with a message
+  dsp_lib_init();
+  try {
+    return run(argc, argv);
+  } catch (const sigvex_tool::UsageError& error) {
+    return complain(error.what(), kUsageFault);
+  } catch (const sigvex_tool::DataError& error) {
+    return complain(error.what(), kDataFault);
+  } catch (const std::bad_alloc&) {
+    return complain("not enough memory", kDataFault);
+  } catch (const std::exception& error) {
+    return complain(error.what(), kDataFault);
+  }
+}

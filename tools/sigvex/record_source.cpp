@@ -1,0 +1,129 @@
+// Vector records and "#DSP" text, through the library's own reader.
+#include <sys/stat.h>
+
+#include <array>
+#include <bit>
+#include <cstring>
+#include <string_view>
+
+#include "errors.h"
+#include "source.h"
+#include "text.h"
+#include "vector.h"
+
+namespace sigvex_tool {
+namespace {
+
+// What the header of a binary record says besides what the library's reader hands over.
+struct Header {
+  bool single = false, swapped = false;
+  int64_t points = 0;
+};
+
+Header binary_header(FILE* file) {
+  std::array<uint32_t, 4> word{};
+  const long start = std::ftell(file);
+  if (std::fread(word.data(), 4, 4, file) < 4) word[2] = word[3] = 0;
+  std::fseek(file, start, SEEK_SET);
+
+  Header header;
+  header.swapped = (word[0] & 0xff) == (std::endian::native == std::endian::little ? 0xEBu : 0xBEu);
+  if (header.swapped)
+    for (uint32_t& w : word) w = __builtin_bswap32(w);
+  const bool has_format = word[0] == 0xEB0330BE;
+  header.single = has_format ? (word[1] & 0xff) == 4 : word[0] == 0xEB0220BE;
+  header.points = static_cast<int32_t>(word[has_format ? 2 : 1]);
+  return header;
+}
+
+uint64_t size_of(FILE* file) {
+  struct stat status {};
+  return fstat(fileno(file), &status) == 0 ? static_cast<uint64_t>(status.st_size) : 0;
+}
+
+// The position of the last character that was read, as a person counts.
+std::string text_position(FILE* file) {
+  const long end = std::ftell(file);
+  std::rewind(file);
+  long line = 1, column = 0;
+  for (long k = 0; k < end; ++k) {
+    const int c = std::getc(file);
+    if (c == EOF) break;
+    if (c == '\n') ++line, column = 0;
+    else ++column;
+  }
+  return format("line %ld, column %ld", line, std::max(1L, column));
+}
+
+[[noreturn]] void fail(FILE* file, const std::string& name, bool text, int record, long start, const Header& header) {
+  const std::string which = record > 1 ? format("record %d: ", record) : "";
+  if (text) {
+    const bool ended = std::feof(file);
+    const std::string where = text_position(file);
+    throw DataError(name + ": " + which + where +
+                    (ended ? ": ends before the declared number of values" : ": not a number"));
+  }
+  const uint64_t size = size_of(file);
+  if (std::feof(file) || static_cast<uint64_t>(std::ftell(file)) >= size)
+    throw DataError(name + format(": %sbyte %llu: ends inside a record that claims %lld points", which.c_str(),
+                                  static_cast<unsigned long long>(size), static_cast<long long>(header.points)));
+  throw DataError(name + format(": %sbyte %ld: not a vector record that can be read", which.c_str(), start + 1));
+}
+
+class RecordSource : public Source {
+ public:
+  RecordSource(File file, const InputOptions& options, bool text) {
+    info_.name = options.file;
+    const int wanted = std::max(1, options.channel);
+    Header header;
+    for (int record = 1; record <= wanted; ++record) {
+      const long start = std::ftell(file.get());
+      if (!text) header = binary_header(file.get());
+      const int32_t status = dspf_fread(&vector_, file.get());
+      if (status == 0)
+        throw DataError(info_.name + format(": --channel %d, but the file holds %d record%s", wanted, record - 1,
+                                            record == 2 ? "" : "s"));
+      if (status < 0) fail(file.get(), info_.name, text, record, start, header);
+    }
+    if (text) header.single = declares_single(file.get());
+    info_.kind = text ? "\"#DSP\" text"
+                      : format("vector record, %s precision, %s byte order", header.single ? "single" : "double",
+                               header.swapped ? "foreign" : "native");
+    info_.delta = vector_.delta;
+    info_.complex = vector_.complex != 0;
+    info_.channels = info_.complex ? 2 : 1;
+    info_.single = header.single;
+    info_.frames = static_cast<uint64_t>(vector_.points);
+  }
+
+ private:
+  static bool declares_single(FILE* file) {
+    std::array<char, 4096> head{};
+    std::rewind(file);
+    const std::string_view text(head.data(), std::fread(head.data(), 1, head.size(), file));
+    return text.find("#DSP type = 4\n") != text.npos;
+  }
+
+  size_t fetch(double* out, size_t frames) override {
+    const size_t count = std::min(frames * info_.channels, vector_.scalars() - next_);
+    std::copy_n(vector_.data + next_, count, out);
+    next_ += count;
+    return count / info_.channels;
+  }
+
+  Vector<double> vector_;
+  size_t next_ = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<Source> open_record(File file, const InputOptions& options, bool text) {
+  if (!options.imag.empty())
+    throw UsageError(
+        "--imag is for CSV columns and audio channels; a vector file says itself "
+        "whether it is complex");
+  if (!options.column.empty()) throw UsageError("--column is for CSV; " + options.file + " is a vector file");
+  return std::make_unique<RecordSource>(std::move(file), options, text);
+}
+
+}  // namespace sigvex_tool

@@ -1,0 +1,230 @@
+// sigvex spectrum: the lines in a recording, their levels, and the noise between them.
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+
+#include "commands.h"
+#include "errors.h"
+#include "levels.h"
+#include "output.h"
+#include "peaks.h"
+#include "plot.h"
+#include "report.h"
+#include "text.h"
+
+namespace sigvex_tool {
+namespace {
+
+constexpr uint32_t kWindowTypes = 32;
+
+std::string window_name(uint32_t type) {
+  std::array<char, 64> name{};
+  dsp_window_to_str(type, name.data(), static_cast<int32_t>(name.size()));
+  return name.data();
+}
+
+std::string window_names() {
+  std::string names;
+  for (uint32_t type = 0; type < kWindowTypes; ++type) names += (type ? ", " : "") + window_name(type);
+  return names;
+}
+
+struct Options {
+  InputOptions input;
+  Analysis analysis;
+  std::string window = "Hann", average = "all", scale = "peak", detrend = "mean", overlap = "50", points;
+  bool db = false;
+  int peaks = 10, harmonics = 0;
+  std::optional<double> from_hz, to_hz;
+  std::string format = "table", output, plot;
+};
+
+uint64_t whole_number(const std::string& text, const char* option, double least) {
+  const std::optional<double> number = to_number(text);
+  if (!number || *number < least || *number > 2147483647 || *number != std::floor(*number))
+    throw UsageError(std::string(option) + " " + in_quotes(text) +
+                     sigvex_tool::format(": must be a whole number from %g on", least));
+  return static_cast<uint64_t>(*number);
+}
+
+Analysis analysis_of(const Options& o) {
+  Analysis a = o.analysis;
+  if (dsp_window_from_str(o.window.c_str(), &a.window) < 0)
+    throw UsageError("--window " + in_quotes(o.window) + ": unknown; the windows are " + window_names());
+  if (!o.points.empty()) a.points = whole_number(o.points, "--points", 2);
+  a.average = o.average == "all" ? 0 : whole_number(o.average, "--average", 1);
+  std::string_view overlap = o.overlap;
+  if (overlap.ends_with('%')) overlap.remove_suffix(1);
+  const std::optional<double> percent = to_number(overlap);
+  if (!percent || !(*percent >= 0 && *percent <= 99))
+    throw UsageError("--overlap " + in_quotes(o.overlap) + ": must be 0 to 99 per cent");
+  a.overlap = *percent / 100;
+  a.detrend = o.detrend == "none" ? Detrend::None : o.detrend == "mean" ? Detrend::Mean : Detrend::Linear;
+  return a;
+}
+
+Scale scale_of(const std::string& name) {
+  return name == "peak" ? Scale::Peak : name == "rms" ? Scale::Rms : name == "power" ? Scale::Power : Scale::Density;
+}
+
+// Bin k at k * delta: the negative frequencies of a two-sided spectrum follow behind the positive ones.
+void write_spectrum(OutputFile& out, const Measurement& m, const Levels& levels, const std::string& format) {
+  const std::vector<double> all = levels.all(m.spectrum);
+  Vector<double> vector(all.size(), false);
+  std::rotate_copy(all.begin(), all.begin() + static_cast<ptrdiff_t>(m.spectrum.origin()), all.end(), vector.data);
+  vector.delta = m.spectrum.spacing;
+  write_vector(out, vector, format, m.spectrum.single);
+}
+
+Curve curve_of(const Measurement& m, const Levels& levels, bool db) {
+  Curve curve;
+  const std::vector<double> all = levels.all(m.spectrum);
+  for (size_t k = m.band.first; k <= m.band.last; ++k) {
+    curve.x.push_back(m.spectrum.frequency(static_cast<double>(k)));
+    curve.y.push_back(all[k]);
+  }
+  curve.title = m.source.name;
+  curve.x_label = m.source.frequency_unit();
+  curve.y_label = levels.description();
+  curve.logarithmic = !db;
+  for (const Line& line : m.lines)
+    if (line.clear && curve.marks.size() < 5)
+      curve.marks.push_back({line.frequency, levels.of(line.power, m.spectrum.stands_alone(line.bin)),
+                             sigvex_tool::format("%.5g ", line.frequency) + curve.x_label});
+  return curve;
+}
+
+void run_spectrum(const Options& o) {
+  Measurement m;
+  m.analysis = analysis_of(o);
+  m.window = window_name(m.analysis.window);
+  m.scale = o.scale;
+  if (o.from_hz && o.to_hz && *o.from_hz > *o.to_hz) throw UsageError("--from-hz must not be above --to-hz");
+  const bool to_stdout = o.output.empty() || o.output == "-";
+  if (o.plot == "-" && to_stdout && o.format != "table")
+    throw UsageError("--plot - and --format " + o.format + " would both fill the standard output: give --output FILE");
+
+  const std::unique_ptr<Source> source = open_source(o.input);
+  m.source = source->info();
+  m.spectrum = analyse(*source, m.analysis);
+  m.band = band_of(m.spectrum, o.from_hz, o.to_hz);
+  m.floor = noise_floor(m.spectrum, m.band);
+  m.detection = detection_ratio(m.spectrum, m.band);
+  const Lobe lobe(m.spectrum.window);
+  const size_t wanted = static_cast<size_t>(o.harmonics ? std::max(1, o.peaks) : o.peaks);
+  m.lines = find_lines(m.spectrum, lobe, m.band, wanted, m.analysis.detrend != Detrend::None);
+  if (o.harmonics && !m.lines.empty()) m.harmonics = find_harmonics(m.spectrum, lobe, m.lines[0], o.harmonics);
+
+  const Levels levels(m.spectrum, scale_of(o.scale), o.db, m.source);
+  OutputFile out(o.output);
+  if (o.format == "table") out.write(table(m, levels));
+  else if (o.format == "json") out.write(json(m, levels));
+  else write_spectrum(out, m, levels, o.format);
+  if (o.plot == "-") {
+    OutputFile terminal("-");
+    const std::string picture = plot_text(curve_of(m, levels, o.db), terminal_columns(), 16);
+    if (to_stdout) out.write("\n" + picture);
+    else terminal.write(picture), terminal.commit();
+  } else if (!o.plot.empty()) {
+    plot_file(curve_of(m, levels, o.db), o.plot);
+  }
+  out.commit();
+}
+
+}  // namespace
+
+void add_spectrum(CLI::App& program) {
+  auto o = std::make_shared<Options>();
+  CLI::App* command =
+      program.add_subcommand("spectrum", "Find the lines in a recording, their levels and the noise floor");
+  add_input_options(*command, o->input);
+
+  const char* analysis = "Analysis";
+  command
+      ->add_option("--window", o->window, "Window: any of " + window_names() + ", or another spelling of one of them")
+      ->capture_default_str()
+      ->type_name("NAME")
+      ->group(analysis);
+  command->add_option("--parameter", o->analysis.parameter, "Parameter of a window that takes one")
+      ->type_name("X")
+      ->group(analysis);
+  command
+      ->add_option("--points", o->points,
+                   "Points of a frame, any number; otherwise the whole range is one frame, or what "
+                   "gives the frames of --average")
+      ->type_name("N")
+      ->group(analysis);
+  command
+      ->add_option("--average", o->average, "Frames whose power is averaged: a number from the start, or all that fit")
+      ->capture_default_str()
+      ->type_name("K|all")
+      ->group(analysis);
+  command->add_option("--overlap", o->overlap, "Overlap of the frames in per cent")
+      ->capture_default_str()
+      ->type_name("PERCENT")
+      ->group(analysis);
+  command->add_option("--detrend", o->detrend, "Removed from each frame: none, mean, linear (mean and slope)")
+      ->check(CLI::IsMember({"none", "mean", "linear"}))
+      ->capture_default_str()
+      ->type_name("WHAT")
+      ->group(analysis);
+  command
+      ->add_option("--scale", o->scale,
+                   "What a level is: peak (amplitude of a sine), rms, power (mean square), density (power "
+                   "per Hz)")
+      ->check(CLI::IsMember({"peak", "rms", "power", "density"}))
+      ->capture_default_str()
+      ->type_name("SCALE")
+      ->group(analysis);
+  command->add_flag("--db", o->db, "Levels in decibels over one unit")->group(analysis);
+  command->add_flag("--single", o->analysis.single, "Compute in single precision")->group(analysis);
+
+  const char* result = "Result";
+  command->add_option("--peaks", o->peaks, "Number of peaks to list")
+      ->check(CLI::Range(0, 1000000))
+      ->capture_default_str()
+      ->type_name("N")
+      ->group(result);
+  command
+      ->add_flag("--harmonics{5}", o->harmonics,
+                 "Also the harmonics of the strongest peak, up to the 5th or, with "
+                 "--harmonics=N, the Nth")
+      ->check(CLI::Range(2, 1000))
+      ->group(result);
+  command->add_option("--from-hz", o->from_hz, "Lowest frequency to look at")->type_name("F")->group(result);
+  command->add_option("--to-hz", o->to_hz, "Highest frequency to look at")->type_name("F")->group(result);
+  command
+      ->add_option("--format", o->format,
+                   "table or json: peaks and noise floor; dsp (\"#DSP\" text), binary, gnuplot, trace, "
+                   "summary: the whole spectrum as a vector")
+      ->check(CLI::IsMember({"table", "json", "dsp", "binary", "gnuplot", "trace", "summary"}))
+      ->capture_default_str()
+      ->type_name("FORMAT")
+      ->group(result);
+  command->add_option("--output", o->output, "File for the result instead of the standard output")
+      ->type_name("FILE")
+      ->group(result);
+  command
+      ->add_option("--plot", o->plot, "Draw the spectrum: FILE.png or FILE.svg (needs gnuplot), or - in the terminal")
+      ->type_name("FILE|-")
+      ->group(result)
+      ->check([](const std::string& name) {
+        return name == "-" || name.ends_with(".png") || name.ends_with(".svg") ? std::string()
+                                                                               : "must end in .png or .svg, or be -";
+      });
+  command->footer(
+      "A peak marked ? may be a maximum of the noise. Levels and frequencies are refined between the bins with the "
+      "window's\n"
+      "own shape, so that a sine of amplitude A reads A wherever it lies.\n"
+      "\n"
+      "Examples:\n"
+      "  sigvex spectrum voice.wav --points 4096 --to-hz 4000\n"
+      "  sigvex spectrum ecg.dsp --unit mV --from-hz 50 --peaks 3 --harmonics\n"
+      "  sigvex spectrum noise.wav --points 8192 --scale density --db --plot noise.png\n"
+      "  sigvex spectrum temperature.csv --column indoor --rate 24 --time-unit day --detrend linear\n"
+      "  cat sensor.csv | sigvex spectrum - --delta 0.001 --format json --output lines.json");
+  command->callback([o] { run_spectrum(*o); });
+}
+
+}  // namespace sigvex_tool
