@@ -14,15 +14,6 @@ namespace sigvex {
 
 // A stream, locked for as long as this object lives so that single characters are cheap.
 class StreamText {
- private:
-  // The white space behind a decimal number, or null where something else, or nothing, follows it.
-  template <class T> static const char* long_decimal(const char* at, const char* end, T& value) {
-    const char* const digits = at + (at != end && *at == '-');
-    if (digits == end || !is_digit(*digits)) return nullptr;
-    const auto [stop, error] = std::from_chars(at, end, value);
-    return error == std::errc() && stop != end && is_space(*stop) ? stop : nullptr;
-  }
-
  public:
   explicit StreamText(std::FILE& stream) : stream_(stream) { flockfile(&stream_); }
   ~StreamText() { funlockfile(&stream_); }
@@ -30,14 +21,8 @@ class StreamText {
   StreamText& operator=(const StreamText&) = delete;
 
   int next() { return getc_unlocked(&stream_); }
-  void back(int c) { std::ungetc(c, &stream_); }  // EOF is not pushed back
+  int back(int c) { return std::ungetc(c, &stream_); }  // EOF where c is EOF or the stream takes nothing back
   bool at_end() const { return feof(&stream_) != 0; }
-
-  int next_visible() {
-    int c = next();
-    while (is_space(c)) c = next();
-    return c;
-  }
 
   // Takes up to n plain decimal numbers straight out of the stream's own buffer, as long as they end in white space
   // there. What needs a closer look (other numbers, comments, a number at the buffer's end) stays in the stream.
@@ -59,6 +44,14 @@ class StreamText {
   }
 
  private:
+  // The white space behind a decimal number, or null where something else, or nothing, follows it.
+  template <class T> static const char* long_decimal(const char* at, const char* end, T& value) {
+    const char* const digits = at + (at != end && *at == '-');
+    if (digits == end || !is_digit(*digits)) return nullptr;
+    const auto [stop, error] = std::from_chars(at, end, value);
+    return error == std::errc() && stop != end && is_space(*stop) ? stop : nullptr;
+  }
+
 #if defined(__GLIBC__)
   // This C library declares where its unread characters lie; leaving them there costs nothing, and from_chars needs
   // them in one piece. Elsewhere every number goes through next().
@@ -80,15 +73,17 @@ class LineText {
 
   int next() { return at_ < line_.size() ? static_cast<unsigned char>(line_[at_++]) : EOF; }
   void back(int c) { at_ -= c != EOF; }
-  int next_visible() {
-    int c = next();
-    while (is_space(c)) c = next();
-    return c;
-  }
 
  private:
   std::string_view line_;
   size_t at_ = 0;
 };
+
+// The next character that is not white space, or EOF.
+template <class Text> int next_visible(Text& in) {
+  int c = in.next();
+  while (is_space(c)) c = in.next();
+  return c;
+}
 
 }  // namespace sigvex

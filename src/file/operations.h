@@ -7,12 +7,15 @@
 
 namespace sigvex {
 
+// What reading a record returns besides kFailure.
+inline constexpr Status kEnd = 0, kRead = 1;
+
 // Which pieces of a format are written.
 struct Pieces {
   bool header = true, data = true;
 };
 
-// One text record from the stream's present position: 1 or -1.
+// One text record from the stream's present position.
 template <class T> Status read_text(Vector<T>& v, std::FILE& stream);
 
 // One binary record, or a piece of it.

@@ -7,12 +7,11 @@
 
 #include "core/exports.h"
 #include "core/scratch.h"
+#include "file/input.h"
 #include "file/operations.h"
 
 namespace sigvex {
 namespace {
-
-constexpr Status kRead = 1;  // dspf_fread's success; 0 is the end of the input
 
 constexpr uint32_t kMagic = 0xEB0330BE;
 constexpr int kFirstByte = kMagic & 0xFF, kFirstByteSwapped = kMagic >> 24;  // of every kind; no text begins with them
@@ -125,9 +124,8 @@ template <class T> Status read_record(Vector<T>& v, std::FILE& stream) {
 // The first byte that is not white space, which is left in the stream; EOF at its end. The line end behind the last
 // value of a text record is not a record of its own.
 int first_byte(std::FILE& stream) {
-  int c = std::getc(&stream);
-  while (is_space(c)) c = std::getc(&stream);
-  return c == EOF ? EOF : std::ungetc(c, &stream);
+  StreamText in(stream);
+  return in.back(next_visible(in));
 }
 
 }  // namespace
@@ -150,7 +148,7 @@ namespace dspf {
 template <class T> Status fread(Vector<T>& v, std::FILE& stream) {
   v.points = 0;
   const int first = first_byte(stream);
-  if (first == EOF) return std::feof(&stream) ? 0 : kFailure;
+  if (first == EOF) return std::feof(&stream) ? kEnd : kFailure;
   return first == kFirstByte || first == kFirstByteSwapped ? read_record<T>(v, stream) : read_text<T>(v, stream);
 }
 

@@ -15,7 +15,6 @@
 namespace sigvex {
 namespace {
 
-constexpr Status kRead = 1;
 constexpr size_t kGrowth = 1024;     // points by which storage grows
 constexpr size_t kLineBuffer = 255;  // characters of a comment line that are looked at
 constexpr int64_t kUnlimited = std::numeric_limits<int64_t>::max() / 2;
@@ -65,7 +64,7 @@ template <class T> struct Header {
     if (const auto text = after_label(line, "#DSP delta = ")) {
       LineText in(*text);
       T value;
-      if (scan_number(in, in.next_visible(), value)) delta = value;
+      if (scan_number(in, next_visible(in), value)) delta = value;
     }
   }
 
@@ -97,7 +96,7 @@ template <class T> Status read_values(Vector<T>& v, StreamText& in, Header<T>& h
       n += taken;
       continue;
     }
-    const int c = in.next_visible();
+    const int c = next_visible(in);
     if (c == EOF) return in.at_end() ? kSuccess : kFailure;
     if (c == '#') {
       read_comment(in, header);
