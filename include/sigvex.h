@@ -1272,15 +1272,52 @@ DSP_API int32_t dspfs_peak(const dspf_vector *v, dspf_vector *result, uint32_t f
  * Signal generators
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/*
+ * For all generators: they fill a vector whose points, form and delta the caller has set, and keep those. The first
+ * sample stands at time 0, sample k at k * delta. Storage that suffices is filled in place; a view gets a fresh block.
+ * Parameters are double in both precisions.
+ *   fails    storage
+ */
+
+/**
+ * Complex exponential: point k is (cos(w k + phase), sin(w k + phase)) with w = 2 pi delta frequency. A real vector
+ * receives the cosine, exactly as from dspc_cos.
+ *   params   frequency: cycles per unit of delta (Hz where delta is in seconds), of either sign; phase: radians
+ *   state    none. Every 256th sample is computed from the cosine and the sine of its own angle, the others by turning
+ *            the one before by w, which errs by up to about 256 epsilon. The angles are double in both precisions; the
+ *            twin turns in float
+ */
 DSP_API int32_t dspc_cexp (dsp_vector  *v, double frequency, double phase);
 DSP_API int32_t dspfc_cexp(dspf_vector *v, double frequency, double phase);
 
+/** Cosine: the real parts of dspc_cexp. A complex vector receives them with imaginary parts 0.0. */
 DSP_API int32_t dspc_cos (dsp_vector  *v, double frequency, double phase);
 DSP_API int32_t dspfc_cos(dspf_vector *v, double frequency, double phase);
 
+/**
+ * Straight line from `offset` with the given slope per unit of delta, as a running sum: each sample is the one before
+ * plus slope * delta, which is computed in double, rounded once to the precision of the samples and added in it. Over
+ * n samples the sum may therefore leave the line by about n epsilon of its value. A complex vector receives the line
+ * with imaginary parts 0.0.
+ */
 DSP_API int32_t dspc_line (dsp_vector  *v, double slope, double offset);
 DSP_API int32_t dspfc_line(dspf_vector *v, double slope, double offset);
 
+/** Distributions of dspc_rand. */
+enum {
+  DSP_RAND_UNIFORM = 0,     /**< real: -1 .. below 1; complex: inside the unit circle */
+  DSP_RAND_GAUSS = 1,       /**< mean 0, variance 1; complex: both parts, independent of each other */
+  DSP_RAND_EXPONENTIAL = 2, /**< mean 1, real vectors only */
+  DSP_RAND_LAPLACE = 3      /**< exponential with a random sign, variance 2, real vectors only */
+};
+
+/**
+ * White noise: every sample drawn on its own from one distribution, from a variate of 60 random bits (twin: 30).
+ *   params   kind: DSP_RAND_*
+ *   state    one random source per precision, which dspi_shuffle shares; seeded at its first use, never the same way
+ *            twice, and not by the caller. Its lock is held for the whole fill
+ *   fails    a kind that does not exist, or not for complex vectors: the storage is sized, the samples are not written
+ */
 DSP_API int32_t dspc_rand (dsp_vector  *v, int32_t kind);
 DSP_API int32_t dspfc_rand(dspf_vector *v, int32_t kind);
 

@@ -13,14 +13,17 @@ class RandomSource {
   void seed(uint32_t value);
 
   // 0 .. 32767
-  uint32_t draw() {
-    if (left_ == 0) {
-      bits_ = next();
-      left_ = kDraws;
+  uint32_t draw() { return static_cast<uint32_t>(draws(1)); }
+
+  // Up to four draws as one number, the first of them in its lowest 15 bits.
+  uint64_t draws(int n) {
+    if (left_ == 0) refill();
+    const int have = left_ < n ? left_ : n;
+    uint64_t result = take(have);
+    if (have < n) {
+      refill();
+      result |= take(n - have) << 15 * have;
     }
-    const uint32_t result = bits_ & 0x7FFF;
-    bits_ >>= 15;
-    --left_;
     return result;
   }
 
@@ -31,7 +34,17 @@ class RandomSource {
   }
 
  private:
-  static constexpr int kDraws = 4;
+  void refill() {
+    bits_ = next();
+    left_ = 4;
+  }
+
+  uint64_t take(int n) {
+    const uint64_t result = bits_ & ((uint64_t{1} << 15 * n) - 1);
+    bits_ >>= 15 * n;
+    left_ -= n;
+    return result;
+  }
 
   uint64_t next() {
     const uint64_t result = std::rotl(state_[0] + state_[3], 23) + state_[0], shifted = state_[1] << 17;
