@@ -1354,9 +1354,45 @@ DSP_API int32_t dspfc_fir2(dspf_vector *v, int32_t set);
  * FIR filtering and decimation
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/*
+ * For the block operations, dspd_: a signal goes through in blocks of any sizes, none included, and comes out as it would
+ * from one call.
+ *   state    a record of the caller's that carries what one block leaves for the next; one for each stream, initialised
+ *            and empty before the first block. Every call brings it to its length, by zeros or a cut at its end, and to
+ *            the input's form (imaginary parts dropped, or 0.0) and delta. May be null: nothing is carried then
+ *   alias    output, input and the other records may be one or share storage: the output is then built aside and copied
+ *            in at the end. An output that is the state takes its place
+ *   fails    storage: an output apart from the input is then empty or half computed, one that is the input, or shares
+ *            storage with it, is as it was; the state has its length, form and delta, but not the block
+ */
+
+/**
+ * Finite impulse response filter: y[n] is the sum over k of taps[k] * x[n - k], where x[-1], x[-2] .. are the last points
+ * of the earlier blocks, or 0.0.
+ *   taps     N points, real or complex, their delta of no account; fewer than 1: the output is a copy of the input and
+ *            the state is untouched
+ *   method   real taps, at least 46 (36 for complex input), on blocks of at least N - 1 points are applied by transforms;
+ *            the result is the same to rounding, relative to the block as a whole, and so are the results of different
+ *            blockings. Otherwise the terms are summed one by one, with the same bits whatever the blocks. The last taps'
+ *            spectrum is kept for the next call and serves taps of the same delta that differ from its own by no more
+ *            than |taps[0]| * 5 epsilon; filters by transforms take turns when called from several threads
+ *   sizes    output: the points of the input, complex if the input or the taps are
+ *   delta    the input's
+ *   state    the last N - 1 points of the input stream, oldest first
+ */
 DSP_API int32_t dspd_fir (const dsp_vector  *in, dsp_vector  *out, const dsp_vector  *taps, dsp_vector  *state);
 DSP_API int32_t dspfd_fir(const dspf_vector *in, dspf_vector *out, const dspf_vector *taps, dspf_vector *state);
 
+/**
+ * Keeps every factor-th point, from point s on. Nothing is filtered: what the signal holds above the new rate's half is
+ * folded down unless dspd_fir has removed it.
+ *   params   factor: below 1 counts as 1
+ *            offset: the state, one point: s for this block, and after it the s of the next. Its first value is rounded
+ *            (half up); negative, NaN or no offset: 0
+ *   sizes    output: the points s, s + factor, s + 2 factor .. below the input's count, none where s lies beyond; the
+ *            form of the input
+ *   delta    the input's times factor
+ */
 DSP_API int32_t dspd_deci (const dsp_vector  *in, dsp_vector  *out, int32_t factor, dsp_vector  *offset);
 DSP_API int32_t dspfd_deci(const dspf_vector *in, dspf_vector *out, int32_t factor, dspf_vector *offset);
 

@@ -5,6 +5,7 @@
 
 namespace sigvex {
 
+template <class T> Status release_fir();
 template <class T> Status release_bitrev();
 template <class T> Status release_dct();
 template <class T> Status release_dft();

@@ -7,6 +7,7 @@ namespace sigvex::dsp {
 template <class T> Status free_internal() {
   // The order is part of the interface; a step that fails stops the release.
   constexpr Status (*steps[])() = {
+      release_fir<T>,
       release_bitrev<T>,
       release_dct<T>,
       release_dft<T>,

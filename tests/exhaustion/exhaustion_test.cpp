@@ -111,6 +111,8 @@ TWIN(s, median);
 TWIN(s, samp_stddev);
 TWIN(s, hist);
 TWIN(s, peak);
+TWIN(d, fir);
+TWIN(d, deci);
 TWIN(f, fread);
 TWIN(f, fwrite2);
 
@@ -191,6 +193,13 @@ template <class T> std::vector<Row<T>> rows() {
          T enbw;
          return window2_enbw(&enbw, 15U, 64, T(32));
        }},
+      {"fir", [](R r) { return fir(&r.complex, &r.complex, &r.real, &r.result); }},
+      {"fir by transforms",
+       [](R r) {
+         if (zpad(&r.real, 50) < 0 || zpad(&r.complex, 50) < 0) return -1;
+         return fir(&r.real, &r.result, &r.real, &r.complex) < 0 ? -1 : fir(&r.complex, &r.result, &r.real, &r.complex);
+       }},
+      {"deci", [](R r) { return deci(&r.complex, &r.complex, 2, &r.result); }},
       {"fread", [](R r) { return reads<T>(r, "#DSP points = 3\n#DSP complex = 1\n1 2 3 4 5 6\n"); }},
       {"fwrite2 text", [](R r) { return writes<T>(r, 1); }},
       {"fwrite2 trace", [](R r) { return writes<T>(r, 4); }},

@@ -1,0 +1,162 @@
+// dspd_fir
+#include <bit>
+#include <cmath>
+#include <utility>
+
+#include "core/caches.h"
+#include "core/exports.h"
+#include "core/limits.h"
+#include "core/locks.h"
+#include "elementwise/operations.h"
+#include "filter/kernels.h"
+#include "filter/operations.h"
+#include "filter/state.h"
+#include "spectral/operations.h"
+
+namespace sigvex {
+namespace {
+
+// n outputs y of taps on points x, of which the first is the oldest that the first output reaches back to.
+template <class T> void convolve(const T* x, int32_t complex, const Vector<T>& taps, T* y, size_t n) {
+  const auto kernel = filter_kernels<T>().convolve;
+  const size_t width = complex ? 2 : 1, count = points<T>(taps);
+  if (!taps.complex) return kernel(x, width, taps.data, 1, count, y, n * width);
+  // The taps' real and imaginary parts separately, each on the samples as they lie.
+  constexpr size_t kBlock = 512;
+  T by_re[kBlock], by_im[kBlock];
+  for (size_t start = 0; start < n * width; start += kBlock) {
+    const size_t m = std::min(kBlock, n * width - start);
+    kernel(x + start, width, taps.data, 2, count, by_re, m);
+    kernel(x + start, width, taps.data + 1, 2, count, by_im, m);
+    for (size_t k = 0; k < m; k += width) {
+      const Point<T> z = complex ? Point<T>{by_re[k] - by_im[k + 1], by_re[k + 1] + by_im[k]}  //
+                                 : Point<T>{by_re[k], by_im[k]};
+      *y++ = z.re;
+      *y++ = z.im;
+    }
+  }
+}
+
+// The first n outputs by their definition.
+template <class T>
+Status filter_directly(const Vector<T>& in, const Vector<T>& taps, Vector<T>& out, const Vector<T>* state, size_t n) {
+  const size_t past = points<T>(taps) - 1, head = std::min(past, n);
+  Scratch<T> seam;
+  SIGVEX_TRY(join<T>(seam, state, past, in, head));
+  convolve<T>(seam.data, in.complex, taps, out.data, head);
+  convolve<T>(in.data, in.complex, taps, out.data + head * (out.complex ? 2 : 1), n - head);
+  return kSuccess;
+}
+
+// The spectra of the last taps that were filtered with by transforms: for real input, in the real transform's bins with
+// the 1/S of the input's transform taken back, and for complex input. Guarded by the work lock.
+template <class T> struct TapsCache { Vector<T> taps, real, complex; };
+template <class T> constinit TapsCache<T> cache{};
+
+template <class T> bool same(const Vector<T>& a, const Vector<T>& b, T tolerance) {
+  int32_t order;
+  return dsp::cmp<T>(a, b, tolerance, order) == kSuccess && order == 0;
+}
+
+template <class T> Status taps_spectrum(const Vector<T>& taps, size_t size, bool complex, Vector<T>& spectrum) {
+  SIGVEX_TRY(dsp::copy<T>(spectrum, taps));
+  if (!complex) SIGVEX_TRY(dspi::scale<T>(spectrum, static_cast<T>(size)));
+  SIGVEX_TRY(dspi::zpad<T>(spectrum, static_cast<int32_t>(size)));
+  return complex ? dspi::fft<T>(spectrum, 1) : dspi::rfft<T>(spectrum);
+}
+
+// New taps empty both spectra, so that neither can ever pass for that of taps it was not made of. The same taps in
+// another size or form keep the other spectrum.
+template <class T> Status find_or_build(const Vector<T>& taps, size_t size, bool complex) {
+  TapsCache<T>& c = cache<T>;
+  Vector<T>& kept = complex ? c.complex : c.real;
+  const T tolerance = std::abs(taps.data[0]) * 5 * Limits<T>::epsilon;
+  if (points<T>(kept) == (complex ? size : size / 2 + 1) && same<T>(taps, c.taps, tolerance)) return kSuccess;
+  if (!same<T>(taps, c.taps, T(0))) {
+    c.real.points = c.complex.points = 0;
+    SIGVEX_TRY(dsp::copy<T>(c.taps, taps));
+  }
+  Scratch<T> spectrum;
+  SIGVEX_TRY(taps_spectrum<T>(taps, size, complex, spectrum));
+  std::swap<Vector<T>>(kept, spectrum);
+  return kSuccess;
+}
+
+// The power of two to transform at: one that holds the whole convolution where direct sums for the outputs that a
+// shorter one wraps would cost more.
+template <class T> size_t transform_size(const Vector<T>& in, const Vector<T>& taps) {
+  const size_t n = points<T>(in), count = points<T>(taps), doublings = n > 1 ? std::bit_width(n - 1) : 0;
+  const bool linear = count * count > 9 * doublings * n;
+  return std::bit_ceil(std::max(linear ? n + count - 1 : n, count));
+}
+
+template <class T> bool worth_transforming(const Vector<T>& in, const Vector<T>& taps) {
+  const size_t least = in.complex ? 36 : 46;
+  return !taps.complex && points<T>(taps) >= least && points<T>(in) >= points<T>(taps) - 1 &&
+         fits(2 * transform_size<T>(in, taps));
+}
+
+// Whether the history may enter the block's transform, whose rounding errors, or a NaN, reach every output: not where
+// it is far above the block, or unbounded. Outputs that it cannot reach then never see it.
+template <class T> bool comparable(const Vector<T>& history, const Vector<T>& in) {
+  const T* const past = history.data;
+  if (!std::all_of(past, past + size<T>(history), [](T x) { return bounded(x); })) return false;
+  T peak = 0;
+  for (size_t k = 0; k < size<T>(history); ++k) peak = std::max(peak, std::abs(past[k]));
+  return std::any_of(in.data, in.data + size<T>(in), [peak](T x) { return 8 * std::abs(x) >= peak; });
+}
+
+// The block at the front of the transform's circle and the newest history at its end, just before the block: every
+// output is right but for the first ones, whose history found no room there.
+template <class T>
+Status filter_by_transform(const Vector<T>& in, const Vector<T>& taps, Vector<T>& out, const Vector<T>* state) {
+  const WorkLock lock;
+  const size_t n = points<T>(in), s = transform_size<T>(in, taps), past = points<T>(taps) - 1;
+  const size_t width = in.complex ? 2 : 1;
+  SIGVEX_TRY(find_or_build<T>(taps, s, in.complex));
+  SIGVEX_TRY(shape<T>(out, s, in.complex));
+  std::copy_n(in.data, n * width, out.data);
+  std::fill(out.data + n * width, out.data + s * width, T(0));
+  size_t room = std::min(s - n, past);
+  if (state) {
+    if (!comparable<T>(*state, in)) room = 0;
+    std::copy_n(state->data + (past - room) * width, room * width, out.data + (s - room) * width);
+  }
+  SIGVEX_TRY(in.complex ? dspi::fft<T>(out, 1) : dspi::rfft<T>(out));
+  SIGVEX_TRY(dspb::mul<T>(out, in.complex ? cache<T>.complex : cache<T>.real, out));
+  SIGVEX_TRY(in.complex ? dspi::fft<T>(out, 0) : dspi::irfft<T>(out));
+  out.points = in.points;
+  out.delta = in.delta;
+  return filter_directly<T>(in, taps, out, state, past - room);
+}
+
+}  // namespace
+
+template <class T> Status release_fir() {
+  const WorkLock lock;
+  TapsCache<T>& c = cache<T>;
+  for (Vector<T>* const v : {&c.taps, &c.real, &c.complex}) SIGVEX_TRY(dsp::destroy<T>(*v));
+  return kSuccess;
+}
+template Status release_fir<double>();
+template Status release_fir<float>();
+
+namespace dspd {
+
+template <class T> Status fir(const Vector<T>& in, Vector<T>& out, const Vector<T>& taps, Vector<T>* state) {
+  if (taps.points < 1) return dsp::copy<T>(out, in);
+  return run_block<T>(in, taps, out, state, [state](const Vector<T>& x, const Vector<T>& h, Vector<T>& y) -> Status {
+    if (state) SIGVEX_TRY(prepare_state<T>(*state, points<T>(h) - 1, x));
+    y.delta = x.delta;
+    SIGVEX_TRY(shape<T>(y, points<T>(x), x.complex || h.complex));
+    SIGVEX_TRY(worth_transforming<T>(x, h) ? filter_by_transform<T>(x, h, y, state)
+                                           : filter_directly<T>(x, h, y, state, points<T>(x)));
+    if (state) advance<T>(*state, x);
+    return kSuccess;
+  });
+}
+
+}  // namespace dspd
+}  // namespace sigvex
+
+SIGVEX_EXPORT(d, fir, 4)

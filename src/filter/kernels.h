@@ -1,0 +1,16 @@
+// The loops of filtering: raw arrays and counts, no record, no status. Each CPU target fills one table.
+#pragma once
+
+#include <cstddef>
+
+namespace sigvex {
+
+template <class T> struct FilterKernels {
+  // y[j] = the sum over k < taps of h[k * h_step] * x[j + (taps - 1 - k) * x_step] for j < n. Each sum runs in the
+  // order of k in one accumulator, wherever j stands: a signal gives the same bits however it is cut. y shares nothing.
+  void (*convolve)(const T* x, size_t x_step, const T* h, size_t h_step, size_t taps, T* y, size_t n);
+};
+
+template <class T> const FilterKernels<T>& filter_kernels();  // the best for this CPU
+
+}  // namespace sigvex

@@ -1,0 +1,79 @@
+#include "filter/kernels.h"
+
+#include <type_traits>
+
+#define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "filter/kernels.simd.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace sigvex {
+namespace HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+// What the outputs of a convolution have in common; x stands at the newest sample of the first one.
+template <class T> struct Taps {
+  const T* x;
+  size_t x_step;
+  const T* h;
+  size_t h_step, count;
+};
+
+// Outputs j .. j + M vectors - 1 in registers: each tap is read once for all of them.
+template <size_t M, class D, class T> HWY_INLINE void tile(D d, const Taps<T>& taps, T* y, size_t j) {
+  constexpr size_t kLanes = hn::MaxLanes(D());
+  hn::Vec<D> sum[M];
+  for (auto& s : sum) s = hn::Zero(d);
+  const T *x = taps.x + j, *h = taps.h;
+  for (size_t k = 0; k < taps.count; ++k, x -= taps.x_step, h += taps.h_step) {
+    const auto tap = hn::Set(d, *h);
+    for (size_t i = 0; i < M; ++i) sum[i] = hn::MulAdd(hn::LoadU(d, x + i * kLanes), tap, sum[i]);
+  }
+  for (size_t i = 0; i < M; ++i) hn::StoreU(sum[i], d, y + j + i * kLanes);
+}
+
+// Eight vectors hide the latency of the multiplier; the rest in halves, the last vector over the one before it.
+template <class T> void convolve(const T* x, size_t x_step, const T* h, size_t h_step, size_t count, T* y, size_t n) {
+  const hn::ScalableTag<T> d;
+  constexpr size_t kLanes = hn::MaxLanes(d);
+  const Taps<T> taps{x + (count - 1) * x_step, x_step, h, h_step, count};
+  size_t j = 0;
+  const auto tiles = [&](auto vectors) HWY_ATTR {
+    constexpr size_t kVectors = decltype(vectors)::value;
+    for (; j + kVectors * kLanes <= n; j += kVectors * kLanes) tile<kVectors>(d, taps, y, j);
+  };
+  tiles(std::integral_constant<size_t, 8>());
+  tiles(std::integral_constant<size_t, 4>());
+  tiles(std::integral_constant<size_t, 2>());
+  tiles(std::integral_constant<size_t, 1>());
+  if (j < n && n >= kLanes) {
+    tile<1>(d, taps, y, n - kLanes);
+  } else {
+    for (; j < n; ++j) tile<1>(hn::CappedTag<T, 1>(), taps, y, j);
+  }
+}
+
+template <class T> const FilterKernels<T>* kernels() {
+  static constexpr FilterKernels<T> table = {convolve<T>};
+  return &table;
+}
+const FilterKernels<double>* kernels_double() { return kernels<double>(); }
+const FilterKernels<float>* kernels_float() { return kernels<float>(); }
+
+}  // namespace HWY_NAMESPACE
+}  // namespace sigvex
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace sigvex {
+
+HWY_EXPORT(kernels_double);
+HWY_EXPORT(kernels_float);
+
+template <> const FilterKernels<double>& filter_kernels<double>() { return *HWY_DYNAMIC_DISPATCH(kernels_double)(); }
+template <> const FilterKernels<float>& filter_kernels<float>() { return *HWY_DYNAMIC_DISPATCH(kernels_float)(); }
+
+}  // namespace sigvex
+#endif

@@ -1,0 +1,10 @@
+// The filtering and resampling operations that other files of the library build on, generic in the precision.
+#pragma once
+
+#include "core/vector.h"
+
+namespace sigvex::dspd {
+
+template <class T> Status fir(const Vector<T>& in, Vector<T>& out, const Vector<T>& taps, Vector<T>* state);
+
+}  // namespace sigvex::dspd
