@@ -9,7 +9,7 @@
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
-namespace sigvex {
+namespace sigvex::filter {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
@@ -63,17 +63,20 @@ const FilterKernels<double>* kernels_double() { return kernels<double>(); }
 const FilterKernels<float>* kernels_float() { return kernels<float>(); }
 
 }  // namespace HWY_NAMESPACE
-}  // namespace sigvex
+}  // namespace sigvex::filter
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace sigvex {
-
+namespace filter {
 HWY_EXPORT(kernels_double);
 HWY_EXPORT(kernels_float);
+const FilterKernels<double>& best(double) { return *HWY_DYNAMIC_DISPATCH(kernels_double)(); }
+const FilterKernels<float>& best(float) { return *HWY_DYNAMIC_DISPATCH(kernels_float)(); }
+}  // namespace filter
 
-template <> const FilterKernels<double>& filter_kernels<double>() { return *HWY_DYNAMIC_DISPATCH(kernels_double)(); }
-template <> const FilterKernels<float>& filter_kernels<float>() { return *HWY_DYNAMIC_DISPATCH(kernels_float)(); }
+template <> const FilterKernels<double>& filter_kernels<double>() { return filter::best(0.0); }
+template <> const FilterKernels<float>& filter_kernels<float>() { return filter::best(0.0F); }
 
 }  // namespace sigvex
 #endif

@@ -1,4 +1,5 @@
 #include "filter/stream.h"
+#include "support/cpu_targets.h"
 #include "support/failing_storage.h"
 
 namespace sigvex_test {
@@ -50,12 +51,12 @@ template <class T> double bound(const Vec<T>& past, const Vec<T>& in, const Vec<
 
 template <class T> Vec<T> last(const Vec<T>& v, size_t n) { return cut(v, v->points - n, v->points); }
 
-TYPED_TEST(Fir, EveryFormAndLengthIsTheDefinition) {
-  using T = TypeParam;
+// Runs one set of lengths in every form, with and without a history.
+template <class T> void expect_definition(const char* target) {
   for (const size_t count : {1, 2, 9, 35, 36, 37, 45, 46, 47, 131, 300}) {
     for (const size_t n : {0, 1, 8, 34, 35, 44, 45, 46, 64, 130, 256, 700}) {
       for (const unsigned forms : {0U, 1U, 2U, 3U}) {
-        SCOPED_TRACE(::testing::Message() << count << " taps, " << n << " points, forms " << forms);
+        SCOPED_TRACE(::testing::Message() << target << ' ' << count << " taps, " << n << " points, forms " << forms);
         const bool complex = forms & 1;
         Vec<T> in = noise<T>(n + 1, complex), past = noise<T>(count, complex), taps = taps_of<T>(count, forms & 2);
         in->points = static_cast<int32_t>(n);
@@ -80,6 +81,8 @@ TYPED_TEST(Fir, EveryFormAndLengthIsTheDefinition) {
     }
   }
 }
+
+TYPED_TEST(Fir, EveryFormAndLengthIsTheDefinition) { for_each_cpu_target(expect_definition<TypeParam>); }
 
 TYPED_TEST(Fir, BlocksOfAnySizesGiveWhatOneCallGives) {
   using T = TypeParam;
