@@ -113,9 +113,8 @@ template <class T> int32_t read_safely(const std::string& bytes, Vec<T>& v) {
   const int32_t status = fread(v.get(), stream.get());
   EXPECT_GE(v->allocated, static_cast<int64_t>(v.size()));
   EXPECT_LE(v->allocated, 1 << 21);  // nothing here backs more
-  T sum = 0;
-  for (const T x : v.samples()) sum += x;
-  EXPECT_TRUE(status == -1 || (status == 1 && (sum == sum || std::isnan(sum))) || (status == 0 && v->points == 0));
+  EXPECT_EQ(v.samples().size(), v.size());
+  EXPECT_TRUE(status == -1 || status == 1 || (status == 0 && v->points == 0));
   return status;
 }
 

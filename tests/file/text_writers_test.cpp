@@ -107,11 +107,8 @@ TYPED_TEST(TextWriters, SummaryShowsThirtyTwoPointsAndWholeNumbersOfOrdinarySize
 TYPED_TEST(TextWriters, DisplayRangeIsTheNextOfOneTwoFourFiveTen) {
   using T = TypeParam;
   const T eps = kEps<T>;
-  struct Row {
-    Vec<T> v;
-    const char* range;
-  };
-  const Row rows[] = {
+  const char* const huge = sizeof(T) == 8 ? "1e+100" : "1e+15";
+  const std::pair<Vec<T>, const char*> rows[] = {
       {{-3, 1}, "4"},
       {{T(0.3)}, "0.4"},
       {{7}, "10"},
@@ -124,17 +121,15 @@ TYPED_TEST(TextWriters, DisplayRangeIsTheNextOfOneTwoFourFiveTen) {
       {{-20}, "20"},
       {{T(0.045)}, "0.05"},
       {{0, 3, 4, 3, 0}, "4"},
-      // The parabola through these three peaks at 4.05, beyond the samples.
+      // The parabola through the three in the middle rises above 4.
       {{0, T(3.6), 4, T(3.8), 0}, "5"},
       {Vec<T>::pairs({{3, 4}}), "5"},
-      {{kInf<T>}, sizeof(T) == 8 ? "1e+100" : "1e+15"},
-      {{-kInf<T>, 1}, sizeof(T) == 8 ? "1e+100" : "1e+15"},
+      {{kInf<T>}, huge},
+      {{-kInf<T>, 1}, huge},
   };
-  for (const Row& row : rows) {
-    const std::string trace = written(row.v, DSP_FILE_TRACE | kNoData);
-    const size_t from = trace.find("Range\t") + 6;
-    EXPECT_EQ(trace.substr(from, trace.find('\n', from) - from), row.range)
-        << ::testing::PrintToString(row.v.samples());
+  for (const auto& [v, range] : rows) {
+    const std::string expected = std::string("InputRange\t") + range + "\n";
+    EXPECT_NE(written(v, DSP_FILE_TRACE | kNoData).find(expected), std::string::npos) << range;
   }
 }
 
