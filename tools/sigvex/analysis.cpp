@@ -110,18 +110,32 @@ struct Plan {
   size_t points, hop;
 };
 
+// Without a wish the whole recording is one frame, up to this length; the lines of a longer one are seldom that narrow.
+constexpr uint64_t kLongestFrame = 1 << 20;
+
+// The longest frames of which that many fit.
+size_t points_for(uint64_t total, uint64_t average, double step) {
+  const double all = static_cast<double>(total), further = static_cast<double>(average - 1);
+  size_t points = static_cast<size_t>(all / (1 + further * step));
+  // Rounding the hop up may push the last frame over the end.
+  while (points > 2 && static_cast<double>(points) + further * std::ceil(static_cast<double>(points) * step) > all)
+    --points;
+  return points;
+}
+
 Plan plan_frames(const Analysis& a, std::optional<uint64_t> total, const std::string& name) {
   const double step = 1 - a.overlap;
   size_t points = a.points;
-  if (points == 0) {
-    const double all = static_cast<double>(*total), frames = static_cast<double>(std::max<uint64_t>(1, a.average));
-    points = static_cast<size_t>(all / (1 + (frames - 1) * step));
-    // Rounding the hop up may push the last frame over the end.
-    while (points > 2 &&
-           static_cast<double>(points) + (frames - 1) * std::ceil(static_cast<double>(points) * step) > all)
-      --points;
-  }
+  if (points == 0 && a.average == 0)
+    points = static_cast<size_t>(std::min(total.value_or(kLongestFrame), kLongestFrame));
+  if (points == 0) points = points_for(*total, a.average, step);
   if (points > INT32_MAX / 2) throw DataError(name + ": too long for one frame; choose --points or a shorter range");
+  if (points < 2)
+    throw DataError(name +
+                    format(": %llu samples are too few for a spectrum", static_cast<unsigned long long>(*total)));
+  if (total && *total < points)
+    throw DataError(name + format(": --points %zu, but there are only %llu samples", points,
+                                  static_cast<unsigned long long>(*total)));
   return {points, std::max<size_t>(1, static_cast<size_t>(std::llround(static_cast<double>(points) * step)))};
 }
 
@@ -179,21 +193,11 @@ Spectrum analyse(Source& source, const Analysis& a) {
   const SourceInfo info = source.info();
   if (!(info.delta > 0) || !std::isfinite(info.delta))
     throw DataError(info.name + format(": the spacing of the samples is %g: give --rate or --delta", info.delta));
-  std::unique_ptr<Source> whole;
-  std::optional<uint64_t> total = info.frames;
-  if (a.points == 0 && !total) {
-    whole = memory_source(info, source.read_rest());
-    total = whole->info().frames;
-  }
-  const Plan plan = plan_frames(a, total, info.name);
-  if (plan.points < 2)
-    throw DataError(info.name + format(": %llu samples are too few for a spectrum",
-                                       static_cast<unsigned long long>(total.value_or(plan.points))));
-  if (total && *total < plan.points)
-    throw DataError(info.name + format(": --points %zu, but there are only %llu samples", plan.points,
-                                       static_cast<unsigned long long>(*total)));
-
-  Source& input = whole ? *whole : source;
+  // Where the file does not say its length and the frames depend on it, it is read ahead as far as that takes.
+  std::unique_ptr<Source> ahead;
+  if (a.points == 0 && !info.frames) ahead = buffered(source, a.average ? UINT64_MAX : kLongestFrame + 1);
+  Source& input = ahead ? *ahead : source;
+  const Plan plan = plan_frames(a, input.info().frames, info.name);
   Spectrum result = a.single ? average_frames<float>(input, a, plan) : average_frames<double>(input, a, plan);
   result.points = plan.points;
   result.complex = info.complex;

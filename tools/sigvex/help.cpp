@@ -29,6 +29,7 @@ std::string Help::make_option(const CLI::Option* option, bool positional) const 
   const std::string type = option->get_type_name();
   if (!positional && option->get_type_size() != 0) name += " " + type.substr(0, type.find(':'));
   if (!positional && !option->get_default_str().empty()) text += " (default " + option->get_default_str() + ")";
+  if (!option->get_option_text().empty()) name += " " + option->get_option_text();
   const bool fits = name.size() + 2 <= kIndent;
   return name + (fits ? std::string(kIndent - name.size(), ' ') : "\n" + std::string(kIndent, ' ')) + wrapped(text) +
          "\n";

@@ -42,8 +42,10 @@ ordered_json describe(const SourceInfo& info, const Vector<double>& v) {
   out["points"] = v.points;
   out["spacing"] = number(info.delta);
   out["time_unit"] = info.time_unit;
-  out["rate"] = number(1 / info.delta);
-  out["duration"] = number(v.points * info.delta);
+  if (info.time_unit != "sample") {
+    out["rate"] = number(1 / info.delta);
+    out["duration"] = number(v.points * info.delta);
+  }
   if (!info.unit.empty()) out["unit"] = info.unit;
   const auto unusable = std::count_if(v.data, v.data + v.scalars(), [](double x) { return !std::isfinite(x); });
   if (unusable) out["not_finite"] = unusable;

@@ -32,6 +32,19 @@ std::string version() {
   return sigvex_tool::format("sigvex %d.%d.%d", v / 1000000, v / 1000 % 1000, v % 1000);
 }
 
+// The arguments from last to first, as the parser wants them. --harmonics may stand alone or be followed by its number,
+// which must not be taken for the file.
+std::vector<std::string> arguments(int argc, char** argv) {
+  std::vector<std::string> list;
+  for (int k = 1; k < argc; ++k) {
+    list.emplace_back(argv[k]);
+    if (list.back() == "--harmonics" && k + 1 < argc && sigvex_tool::to_number(argv[k + 1]))
+      list.back() += std::string("=") + argv[++k];
+  }
+  std::reverse(list.begin(), list.end());
+  return list;
+}
+
 int run(int argc, char** argv) {
   CLI::App program("Measures signals: reads a recording, shows what is in it.", "sigvex");
   program.set_version_flag("--version", version(), "Print the version and exit");
@@ -51,7 +64,7 @@ int run(int argc, char** argv) {
   sigvex_tool::add_info(program);
   sigvex_tool::add_convert(program);
   try {
-    program.parse(argc, argv);
+    program.parse(arguments(argc, argv));
   } catch (const CLI::Success& request) {  // --help, --version
     program.exit(request);
     return std::fflush(stdout) == 0 && std::cout.flush() ? 0 : kDataFault;

@@ -20,6 +20,7 @@ class OutputFile {
   OutputFile& operator=(const OutputFile&) = delete;
 
   FILE* stream() { return stream_; }
+  const std::string& name() const { return name_; }
   // Where another program may write instead of stream().
   const std::string& path() const { return temporary_.empty() ? target_ : temporary_; }
   void write(const std::string& text);

@@ -125,7 +125,8 @@ double detection_ratio(const Spectrum& s, const Band& band) {
   return high;
 }
 
-std::vector<Line> find_lines(const Spectrum& s, const Lobe& lobe, const Band& band, size_t count, bool mean_removed) {
+std::vector<Line> find_lines(const Spectrum& s, const Lobe& lobe, const Band& band, const Wanted& wanted,
+                             bool mean_removed) {
   std::vector<size_t> maxima;
   for (size_t k = band.first; k <= band.last; ++k)
     if (is_local_maximum(s, k) && !(mean_removed && k == s.origin())) maxima.push_back(k);
@@ -135,11 +136,11 @@ std::vector<Line> find_lines(const Spectrum& s, const Lobe& lobe, const Band& ba
   const double detection = detection_ratio(s, band);
   std::vector<Line> clear, doubtful;
   for (size_t k : maxima) {
-    if (clear.size() == count) break;
+    if (clear.size() == wanted.clear) break;
     const double amplitude = std::sqrt(s.power[k]);
     if (!(amplitude > rounding(s) * std::sqrt(s.power[maxima[0]]))) break;
     const bool is_clear = s.power[k] > detection * floor.at(k);
-    if (!is_clear && doubtful.size() == count) continue;
+    if (!is_clear && doubtful.size() == wanted.at_least) continue;
     // Noise under a side lobe can lift it: 2 dB of doubt.
     if (amplitude <= 1.26 * (leaked_amplitude(s, lobe, clear, k) + leaked_amplitude(s, lobe, doubtful, k))) continue;
     Line line = line_at(s, lobe, k);
@@ -147,7 +148,8 @@ std::vector<Line> find_lines(const Spectrum& s, const Lobe& lobe, const Band& ba
     line.clear = is_clear;
     (is_clear ? clear : doubtful).push_back(line);
   }
-  doubtful.resize(std::min(doubtful.size(), count - clear.size()));
+  if (clear.size() + doubtful.size() > wanted.at_least)
+    doubtful.resize(wanted.at_least - std::min(wanted.at_least, clear.size()));
   clear.insert(clear.end(), doubtful.begin(), doubtful.end());
   return clear;
 }

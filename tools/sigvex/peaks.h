@@ -44,10 +44,15 @@ class LocalFloor {
 // band with a probability of 1 % at most.
 double detection_ratio(const Spectrum& spectrum, const Band& band);
 
-// Up to `count` lines of the band: first the clear ones, strongest first, then the others. A local maximum that is no
-// more than what stronger lines leak into its place, or than the transform's rounding, is not one. Nor is one at
-// frequency 0 where the mean was removed: what is left there is the edge of a slow trend.
-std::vector<Line> find_lines(const Spectrum& spectrum, const Lobe& lobe, const Band& band, size_t count,
+struct Wanted {
+  size_t clear = 10;    // lines at most
+  size_t at_least = 5;  // in all, filled up with doubtful ones
+};
+
+// Lines of the band: first the clear ones, strongest first, then doubtful ones. A local maximum that is no more than
+// what stronger lines leak into its place, or than the transform's rounding, is not one. Nor is one at frequency 0
+// where the mean was removed: what is left there is the edge of a slow trend.
+std::vector<Line> find_lines(const Spectrum& spectrum, const Lobe& lobe, const Band& band, const Wanted& wanted,
                              bool mean_removed);
 
 // The harmonics 2 .. order of a line, also outside the band, each where it is strongest within the uncertainty of the

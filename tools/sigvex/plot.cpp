@@ -45,7 +45,7 @@ std::pair<double, double> limits(const Curve& curve) {
   for (double y : curve.y)
     if (drawable(curve, y)) low = std::min(low, y), high = std::max(high, y);
   if (low > high) return {curve.logarithmic ? 0.1 : 0, 1};
-  if (curve.logarithmic) return {std::max(low, high * 1e-8), high * 1.2};
+  if (curve.logarithmic) return {std::max(low, high * 1e-8), high * 2};
   return {std::max(low, high - 160), high + 3};
 }
 
@@ -69,7 +69,7 @@ std::string script(const Curve& curve, const std::string& terminal, const std::s
   for (const Curve::Mark& mark : curve.marks)
     s += format("set label \"%s\" at %.17g,%.17g offset 0.6,0.3 point pointtype 7 pointsize 0.5 noenhanced\n",
                 escaped(mark.text).c_str(), mark.x, mark.y);
-  s += "plot '-' with lines linewidth 1\n";
+  s += "plot '-' with lines linewidth 1 linecolor rgb \"#1f4e9e\"\n";
   for (size_t k = 0; k < curve.x.size(); ++k)
     if (drawable(curve, curve.y[k])) s += format("%.9g %.9g\n", curve.x[k], curve.y[k]);
   return s + "e\nunset output\n";
@@ -107,14 +107,10 @@ double height(const Curve& curve, double y, double low, double high) {
 
 }  // namespace
 
-void plot_file(const Curve& curve, const std::string& file) {
-  const bool svg = file.ends_with(".svg");
-  if (!svg && !file.ends_with(".png"))
-    throw UsageError("--plot " + in_quotes(file) + ": the name must end in .png or .svg, or be -");
-  OutputFile out(file);
-  run_gnuplot(script(thinned(curve, 4000), svg ? "svg size 960,480 background \"white\"" : "pngcairo size 960,480",
-                     out.path()));
-  out.commit();
+void plot_file(const Curve& curve, OutputFile& picture) {
+  const bool svg = picture.name().ends_with(".svg");
+  const char* terminal = svg ? "svg size 960,480 background \"white\"" : "pngcairo size 960,480";
+  run_gnuplot(script(thinned(curve, 4000), terminal, picture.path()));
 }
 
 bool terminal_is_utf8() {

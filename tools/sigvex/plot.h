@@ -19,8 +19,8 @@ struct Curve {
   std::vector<Mark> marks;
 };
 
-// As FILE.png or FILE.svg, by its name.
-void plot_file(const Curve& curve, const std::string& file);
+// Into a file, as PNG or SVG by its name.
+void plot_file(const Curve& curve, OutputFile& picture);
 
 // For a terminal of that many columns; block characters where the locale has them, # otherwise.
 std::string plot_text(const Curve& curve, size_t columns, size_t rows);

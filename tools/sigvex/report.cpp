@@ -32,10 +32,12 @@ const char* detrend_name(Detrend kind) {
 std::string heading(const Measurement& m) {
   const Spectrum& s = m.spectrum;
   const SourceInfo& info = m.source;
-  std::string text = info.name +
-                     format(": %llu points at %.7g ", static_cast<unsigned long long>(s.used), 1 / info.delta) +
-                     info.frequency_unit() + format(", %.6g ", static_cast<double>(s.used) * info.delta) +
-                     info.time_unit + (s.complex ? ", complex\n" : "\n");
+  std::string text = info.name + format(": %llu points", static_cast<unsigned long long>(s.used));
+  if (info.time_unit == "sample") text += ", sampling rate not known (--rate)";
+  else
+    text += format(" at %.7g ", 1 / info.delta) + info.frequency_unit() +
+            format(", %.6g ", static_cast<double>(s.used) * info.delta) + info.time_unit;
+  text += s.complex ? ", complex\n" : "\n";
   if (s.frames == 1) text += format("1 frame of %zu points", s.points);
   else
     text += format("%llu frames of %zu points (%.6g ", static_cast<unsigned long long>(s.frames), s.points,

@@ -18,19 +18,21 @@ uint64_t sample_at(double time, double delta) { return static_cast<uint64_t>(std
 
 class MemorySource : public Source {
  public:
-  MemorySource(SourceInfo info, std::vector<double> samples) : samples_(std::move(samples)) {
-    info_ = std::move(info);
-    info_.frames = samples_.size() / info_.channels;
+  MemorySource(std::vector<double> samples, Source& origin, bool ended)
+      : samples_(std::move(samples)), origin_(origin) {
+    info_ = origin.info();
+    if (ended) info_.frames = samples_.size() / info_.channels;
   }
 
  private:
   size_t fetch(double* out, size_t frames) override {
-    const size_t count = std::min(frames * info_.channels, samples_.size() - next_);
+    const size_t count = std::min(frames * info_.channels, samples_.size() - next_), got = count / info_.channels;
     std::copy_n(samples_.begin() + static_cast<ptrdiff_t>(next_), count, out);
     next_ += count;
-    return count / info_.channels;
+    return got == frames ? got : got + origin_.read(out + count, frames - got);
   }
   std::vector<double> samples_;
+  Source& origin_;
   size_t next_ = 0;
 };
 
@@ -84,6 +86,16 @@ bool is_dsp_text(std::string_view head) {
   return false;
 }
 
+// Checks of an option's text; what they return completes the message "--rate: ...".
+std::string number_above_zero(const std::string& text) {
+  const std::optional<double> number = to_number(text);
+  return number && *number > 0 && std::isfinite(*number) ? "" : in_quotes(text) + " must be a number above 0";
+}
+std::string number_from_zero(const std::string& text) {
+  const std::optional<double> number = to_number(text);
+  return number && *number >= 0 && std::isfinite(*number) ? "" : in_quotes(text) + " must be a number from 0 on";
+}
+
 }  // namespace
 
 void add_input_options(CLI::App& command, InputOptions& o) {
@@ -97,7 +109,7 @@ void add_input_options(CLI::App& command, InputOptions& o) {
       .add_option("--channel", o.channel,
                   "Channel of an audio file, or record of a vector file that holds several, "
                   "from 1")
-      ->check(CLI::PositiveNumber)
+      ->check(CLI::Range(1, INT32_MAX))
       ->type_name("N")
       ->group(group);
   command
@@ -118,19 +130,16 @@ void add_input_options(CLI::App& command, InputOptions& o) {
       ->type_name("WHEN")
       ->group(group);
   command.add_option("--from", o.from, "Start of the range to read, seconds from the start of the recording")
-      ->check(CLI::NonNegativeNumber)
+      ->check(number_from_zero)
       ->type_name("T")
       ->group(group);
-  command.add_option("--to", o.to, "End of the range to read")
-      ->check(CLI::PositiveNumber)
-      ->type_name("T")
-      ->group(group);
+  command.add_option("--to", o.to, "End of the range to read")->check(number_above_zero)->type_name("T")->group(group);
   CLI::Option* rate = command.add_option("--rate", o.rate, "Samples per second, instead of what the file says")
-                          ->check(CLI::PositiveNumber)
+                          ->check(number_above_zero)
                           ->type_name("R")
                           ->group(group);
   command.add_option("--delta", o.delta, "Seconds per sample, instead of what the file says")
-      ->check(CLI::PositiveNumber)
+      ->check(number_above_zero)
       ->excludes(rate)
       ->type_name("D")
       ->group(group);
@@ -149,13 +158,15 @@ size_t Source::read(double* out, size_t frames) {
   return got;
 }
 
-std::vector<double> Source::read_rest() {
+std::vector<double> Source::read_rest(uint64_t most) {
   std::vector<double> all;
-  constexpr size_t kBlock = 1 << 16;
-  if (info_.frames) all.reserve(*info_.frames * info_.channels);
-  for (size_t got = kBlock, end = 0; got == kBlock; end += got * info_.channels) {
-    all.resize(end + kBlock * info_.channels);
-    got = read(all.data() + end, kBlock);
+  constexpr uint64_t kBlock = 1 << 16;
+  if (info_.frames) all.reserve(static_cast<size_t>(std::min(*info_.frames, most)) * info_.channels);
+  for (size_t wanted = 1, got = 1; got == wanted && most > 0; most -= got) {
+    const size_t end = all.size();
+    wanted = static_cast<size_t>(std::min(kBlock, most));
+    all.resize(end + wanted * info_.channels);
+    got = read(all.data() + end, wanted);
     all.resize(end + got * info_.channels);
   }
   return all;
@@ -211,8 +222,10 @@ std::unique_ptr<Source> open_source(const InputOptions& options) {
   return source;
 }
 
-std::unique_ptr<Source> memory_source(SourceInfo info, std::vector<double> samples) {
-  return std::make_unique<MemorySource>(std::move(info), std::move(samples));
+std::unique_ptr<Source> buffered(Source& source, uint64_t frames) {
+  std::vector<double> samples = source.read_rest(frames);
+  const bool ended = samples.size() / source.info().channels < frames;
+  return std::make_unique<MemorySource>(std::move(samples), source, ended);
 }
 
 }  // namespace sigvex_tool

@@ -50,8 +50,8 @@ class Source {
   // Reads up to `frames` frames of info().channels values each; fewer only at the end of the range.
   size_t read(double* out, size_t frames);
 
-  // Everything that is left.
-  std::vector<double> read_rest();
+  // Everything that is left, or that many frames of it.
+  std::vector<double> read_rest(uint64_t most = UINT64_MAX);
 
   // Applies --rate, --delta, --unit, --time-unit, --from and --to. Called once, before the first read.
   void apply(const InputOptions& options);
@@ -67,8 +67,9 @@ class Source {
 // Opens the file, or the standard input for "-", and finds out by its content what it is.
 std::unique_ptr<Source> open_source(const InputOptions& options);
 
-// A source over samples in memory that have been read already.
-std::unique_ptr<Source> memory_source(SourceInfo info, std::vector<double> samples);
+// The same recording with its next frames read ahead, so that its length is known if it ends within them. The source
+// must outlive it.
+std::unique_ptr<Source> buffered(Source& source, uint64_t frames);
 
 // A plain file, closed on every path.
 struct CloseFile {

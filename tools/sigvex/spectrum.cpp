@@ -35,7 +35,8 @@ struct Options {
   Analysis analysis;
   std::string window = "Hann", average = "all", scale = "peak", detrend = "mean", overlap = "50", points;
   bool db = false;
-  int peaks = 10, harmonics = 0;
+  std::optional<int> peaks;
+  int harmonics = 0;
   std::optional<double> from_hz, to_hz;
   std::string format = "table", output, plot;
 };
@@ -112,24 +113,24 @@ void run_spectrum(const Options& o) {
   m.floor = noise_floor(m.spectrum, m.band);
   m.detection = detection_ratio(m.spectrum, m.band);
   const Lobe lobe(m.spectrum.window);
-  const size_t wanted = static_cast<size_t>(o.harmonics ? std::max(1, o.peaks) : o.peaks);
+  Wanted wanted;
+  if (o.peaks) wanted.clear = wanted.at_least = static_cast<size_t>(o.harmonics ? std::max(1, *o.peaks) : *o.peaks);
   m.lines = find_lines(m.spectrum, lobe, m.band, wanted, m.analysis.detrend != Detrend::None);
   if (o.harmonics && !m.lines.empty()) m.harmonics = find_harmonics(m.spectrum, lobe, m.lines[0], o.harmonics);
 
   const Levels levels(m.spectrum, scale_of(o.scale), o.db, m.source);
-  OutputFile out(o.output);
+  const bool in_terminal = o.plot == "-";
+  OutputFile out(o.output), picture(in_terminal ? "-" : o.plot);
+  if (!o.plot.empty() && !in_terminal) plot_file(curve_of(m, levels, o.db), picture);
   if (o.format == "table") out.write(table(m, levels));
   else if (o.format == "json") out.write(json(m, levels));
   else write_spectrum(out, m, levels, o.format);
-  if (o.plot == "-") {
-    OutputFile terminal("-");
-    const std::string picture = plot_text(curve_of(m, levels, o.db), terminal_columns(), 16);
-    if (to_stdout) out.write("\n" + picture);
-    else terminal.write(picture), terminal.commit();
-  } else if (!o.plot.empty()) {
-    plot_file(curve_of(m, levels, o.db), o.plot);
+  if (in_terminal) {
+    constexpr size_t kRows = 16;
+    picture.write((to_stdout ? "\n" : "") + plot_text(curve_of(m, levels, o.db), terminal_columns(), kRows));
   }
   out.commit();
+  picture.commit();
 }
 
 }  // namespace
@@ -181,16 +182,14 @@ void add_spectrum(CLI::App& program) {
   command->add_flag("--single", o->analysis.single, "Compute in single precision")->group(analysis);
 
   const char* result = "Result";
-  command->add_option("--peaks", o->peaks, "Number of peaks to list")
+  command->add_option("--peaks", o->peaks, "Number of peaks to list; otherwise up to 10 clear ones, at least 5 in all")
       ->check(CLI::Range(0, 1000000))
-      ->capture_default_str()
       ->type_name("N")
       ->group(result);
   command
-      ->add_flag("--harmonics{5}", o->harmonics,
-                 "Also the harmonics of the strongest peak, up to the 5th or, with "
-                 "--harmonics=N, the Nth")
+      ->add_flag("--harmonics{5}", o->harmonics, "Also the harmonics of the strongest peak, up to the Nth (default 5)")
       ->check(CLI::Range(2, 1000))
+      ->option_text("[N]")
       ->group(result);
   command->add_option("--from-hz", o->from_hz, "Lowest frequency to look at")->type_name("F")->group(result);
   command->add_option("--to-hz", o->to_hz, "Highest frequency to look at")->type_name("F")->group(result);
