@@ -39,6 +39,32 @@ template <class V> HWY_INLINE Complex<V> minus_i(Complex<V> a, Complex<V> b) {  
   return {hn::Add(a.re, b.im), hn::Sub(a.im, b.re)};
 }
 
+#if HWY_TARGET != HWY_SCALAR
+// Lanes 0 2 (1 3) of each block of a, then those of b.
+HWY_INLINE hn::Vec128<float> even_in_blocks(hn::Vec128<float> a, hn::Vec128<float> b) {
+  return hn::Vec128<float>{_mm_shuffle_ps(a.raw, b.raw, 0x88)};
+}
+HWY_INLINE hn::Vec128<float> odd_in_blocks(hn::Vec128<float> a, hn::Vec128<float> b) {
+  return hn::Vec128<float>{_mm_shuffle_ps(a.raw, b.raw, 0xDD)};
+}
+#if HWY_TARGET <= HWY_AVX2
+HWY_INLINE hn::Vec256<float> even_in_blocks(hn::Vec256<float> a, hn::Vec256<float> b) {
+  return hn::Vec256<float>{_mm256_shuffle_ps(a.raw, b.raw, 0x88)};
+}
+HWY_INLINE hn::Vec256<float> odd_in_blocks(hn::Vec256<float> a, hn::Vec256<float> b) {
+  return hn::Vec256<float>{_mm256_shuffle_ps(a.raw, b.raw, 0xDD)};
+}
+#endif
+#if HWY_TARGET <= HWY_AVX3
+HWY_INLINE hn::Vec512<float> even_in_blocks(hn::Vec512<float> a, hn::Vec512<float> b) {
+  return hn::Vec512<float>{_mm512_shuffle_ps(a.raw, b.raw, 0x88)};
+}
+HWY_INLINE hn::Vec512<float> odd_in_blocks(hn::Vec512<float> a, hn::Vec512<float> b) {
+  return hn::Vec512<float>{_mm512_shuffle_ps(a.raw, b.raw, 0xDD)};
+}
+#endif
+#endif
+
 // The forward transform of 4 points, in place, in natural order.
 template <class V> HWY_INLINE void transform4(Complex<V>& x0, Complex<V>& x1, Complex<V>& x2, Complex<V>& x3) {
   const Complex<V> s02 = x0 + x2, d02 = x0 - x2, s13 = x1 + x3, d13 = x1 - x3;
@@ -108,17 +134,30 @@ template <class D> HWY_INLINE void transform(D d, ComplexOf<D> (&x)[16]) {
   swap(x[11], x[14]);
 }
 
+// Parting and joining the parts of interleaved points is one instruction each as long as nothing leaves its block of
+// 128 bits. The lanes then hold the points in an order of their own: lane l of a vector holds point lane_point(l), in
+// every vector of points that a transform works on. Reversing the lanes still reverses the points.
+template <class D> constexpr size_t lane_point(size_t l) {
+  constexpr size_t L = kLanes<D>, kPairs = 8 / sizeof(hn::TFromD<D>);  // points of one load in a block
+  if (L <= 2 * kPairs) return l;
+  return l / (2 * kPairs) * kPairs + l % kPairs + l / kPairs % 2 * (L / 2);
+}
+
 // Interleaved points at any address. Inverse exchanges the parts at both ends, which turns a forward transform into
 // the inverse one.
 template <bool kInverse, class D> HWY_INLINE ComplexOf<D> load_points(D d, const hn::TFromD<D>* from) {
   const auto a = hn::LoadU(d, from), b = hn::LoadU(d, from + kLanes<D>);
-#if HWY_TARGET == HWY_SCALAR
-  const auto re = a, im = b;
-#else
   hn::VFromD<D> re = a, im = b;
-  if constexpr (kLanes < D >> 1) {
+#if HWY_TARGET != HWY_SCALAR
+  if constexpr (kLanes < D >> 1 && sizeof(hn::TFromD<D>) == 8) {
+    re = hn::InterleaveLower(d, a, b);
+    im = hn::InterleaveUpper(d, a, b);
+  } else if constexpr (kLanes<D> == 2) {
     re = hn::ConcatEven(d, b, a);
     im = hn::ConcatOdd(d, b, a);
+  } else if constexpr (kLanes<D> > 2) {
+    re = even_in_blocks(a, b);
+    im = odd_in_blocks(a, b);
   }
 #endif
   if constexpr (kInverse) return {im, re};
@@ -126,30 +165,16 @@ template <bool kInverse, class D> HWY_INLINE ComplexOf<D> load_points(D d, const
 }
 
 template <bool kInverse, class D> HWY_INLINE void store_points(D d, ComplexOf<D> z, hn::TFromD<D>* to) {
-  const auto re = kInverse ? z.im : z.re, im = kInverse ? z.re : z.im;
-#if HWY_TARGET == HWY_SCALAR
-  hn::StoreU(re, d, to);
-  hn::StoreU(im, d, to + 1);
-#else
-  if constexpr (kLanes<D> == 1) {
-    hn::StoreU(re, d, to);
-    hn::StoreU(im, d, to + 1);
-#if HWY_TARGET <= HWY_AVX3
-  } else if constexpr (kLanes<D> == 8 && sizeof(hn::TFromD<D>) == 8) {
-    const __m512i lower = _mm512_setr_epi64(0, 8, 1, 9, 2, 10, 3, 11),
-                  upper = _mm512_setr_epi64(4, 12, 5, 13, 6, 14, 7, 15);
-    hn::StoreU(hn::VFromD<D>{_mm512_permutex2var_pd(re.raw, lower, im.raw)}, d, to);
-    hn::StoreU(hn::VFromD<D>{_mm512_permutex2var_pd(re.raw, upper, im.raw)}, d, to + 8);
-  } else if constexpr (kLanes<D> == 16) {
-    const __m512i lower = _mm512_setr_epi32(0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
-    const __m512i upper = _mm512_setr_epi32(8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31);
-    hn::StoreU(hn::VFromD<D>{_mm512_permutex2var_ps(re.raw, lower, im.raw)}, d, to);
-    hn::StoreU(hn::VFromD<D>{_mm512_permutex2var_ps(re.raw, upper, im.raw)}, d, to + 16);
-#endif
-  } else {
-    hn::StoreInterleaved2(re, im, d, to);
+  hn::VFromD<D> a = kInverse ? z.im : z.re, b = kInverse ? z.re : z.im;
+#if HWY_TARGET != HWY_SCALAR
+  if constexpr (kLanes < D >> 1) {
+    const hn::VFromD<D> lower = hn::InterleaveLower(d, a, b);
+    b = hn::InterleaveUpper(d, a, b);
+    a = lower;
   }
 #endif
+  hn::StoreU(a, d, to);
+  hn::StoreU(b, d, to + kLanes<D>);
 }
 
 // A square of lanes by lanes, transposed.
@@ -202,6 +227,17 @@ template <class D> HWY_INLINE void transpose([[maybe_unused]] D d, [[maybe_unuse
   }
 #endif
 #endif
+}
+
+// L vectors of points, their point k standing in x[k]: afterwards y[p] holds point p of each, in the order of lanes.
+template <class D> HWY_INLINE void transpose_points(D d, const ComplexOf<D>* x, ComplexOf<D> (&y)[kLanes<D>]) {
+  constexpr size_t L = kLanes<D>;
+  hn::VFromD<D> re[L], im[L];
+  for (size_t l = 0; l < L; ++l) re[l] = x[lane_point<D>(l)].re;
+  transpose(d, re);
+  for (size_t l = 0; l < L; ++l) im[l] = x[lane_point<D>(l)].im;
+  transpose(d, im);
+  for (size_t l = 0; l < L; ++l) y[lane_point<D>(l)] = {re[l], im[l]};
 }
 
 }  // namespace HWY_NAMESPACE

@@ -34,8 +34,7 @@ HWY_INLINE void column_pass(D d, size_t n, size_t stride, size_t width, const hn
         for (size_t k = 0; k < R; ++k) x[k] = load(q + stride * (p + columns * k), group);
         transform(d, x);
         if (columns > 1) {
-          for (size_t k = 1; k < R; ++k)
-            x[k] = x[k] * ComplexOf<D>{hn::Set(d, roots[2 * k - 2]), hn::Set(d, roots[2 * k - 1])};
+          for (size_t k = 1; k < R; ++k) x[k] = x[k] * broadcast(d, roots + 2 * (k - 1));
         }
         for (size_t k = 0; k < R; ++k) store(q + stride * (R * p + k), group, x[k]);
       }
@@ -113,7 +112,7 @@ template <class T> struct Columns {
   static T* fill_column(int bits, const TripleTable<T>& roots, T* to) {
     const Radices r(bits);
     size_t n = size_t{1} << bits;
-    for (int k = 0; k + 1 < r.count; n /= r.radix[k++]) to = fill_pass(n, r.radix[k], 1, roots, to);
+    for (int k = 0; k + 1 < r.count; n /= r.radix[k++]) to = fill_pass(hn::CappedTag<T, 1>(), n, r.radix[k], roots, to);
     return to;
   }
   static void fill(int bits, const TripleTable<T>& roots, T* table) {
@@ -125,18 +124,11 @@ template <class T> struct Columns {
       *im = w.im;
     };
     for (size_t k = 0; k < s.n1; ++k, to += 2 * L) {
-      for (size_t l = 0; l < L; ++l) put(to + l, to + L + l, k * l);
+      for (size_t l = 0; l < L; ++l) put(to + l, to + L + l, k * lane_point<D>(l));
     }
     for (size_t j = 0; j < s.n2; j += L) {
       for (size_t k = 0; k < s.n1; ++k, to += 2) put(to, to + 1, k * j);
     }
-  }
-
-  // All passes but one on the groups of a strip: the outer one is done for all groups together, first or last.
-  static C row(const T* x, size_t k) { return {hn::Load(D(), x + 2 * L * k), hn::Load(D(), x + 2 * L * k + L)}; }
-  static void set_row(T* x, size_t k, C z) {
-    hn::Store(z.re, D(), x + 2 * L * k);
-    hn::Store(z.im, D(), x + 2 * L * k + L);
   }
 
   template <bool kInverse> static void run(int bits, const T* table, T* data, T* work, T factor) {
@@ -162,7 +154,7 @@ template <class T> struct Columns {
       column_pass(
           d, r.radix[0], s.n1, 1, width, table,
           [&](size_t k, size_t group) HWY_ATTR { return load_points<kInverse>(d, from + 2 * (s.n2 * k + L * group)); },
-          [&](size_t k, size_t group, C z) HWY_ATTR { set_row(strip + group * group_size, k, z); });
+          [&](size_t k, size_t group, C z) HWY_ATTR { store_block(d, z, strip + group * group_size, k); });
       for (size_t group = 0; group < width; ++group) {
         const T* roots = table + 2 * (r.radix[0] - 1) * (s.n1 / r.radix[0]);
         T *x = strip + group * group_size, *y = spare;
@@ -170,8 +162,8 @@ template <class T> struct Columns {
         for (int k = 1; k < r.count; ++k) {
           const size_t radix = r.radix[k];
           column_pass(
-              d, radix, s.n1, stride, 1, roots, [&](size_t i, size_t) HWY_ATTR { return row(x, i); },
-              [&](size_t i, size_t, C z) HWY_ATTR { set_row(y, i, z); });
+              d, radix, s.n1, stride, 1, roots, [&](size_t i, size_t) HWY_ATTR { return load_block(d, x, i); },
+              [&](size_t i, size_t, C z) HWY_ATTR { store_block(d, z, y, i); });
           stride *= radix;
           roots += 2 * (radix - 1) * (s.n1 / stride);
           T* const t = x;
@@ -186,16 +178,12 @@ template <class T> struct Columns {
   // A group of transformed columns, times the roots, into its tile of every row of tiles.
   static HWY_INLINE void tile_column(D d, const Split<T>& s, const T* x, const T* inner, const T* outer, T* to) {
     for (size_t k = 0; k < s.n1; k += L, to += 2 * L * s.n2) {
-      hn::VFromD<D> re[L], im[L];
+      C z[L], y[L];
       for (size_t l = 0; l < L; ++l, inner += 2 * L, outer += 2) {
-        const C w = C{hn::Load(d, inner), hn::Load(d, inner + L)} * C{hn::Set(d, outer[0]), hn::Set(d, outer[1])};
-        const C z = row(x, k + l) * w;
-        re[l] = z.re;
-        im[l] = z.im;
+        z[l] = load_block(d, x, k + l) * (load_block(d, inner, 0) * broadcast(d, outer));
       }
-      transpose(d, re);
-      transpose(d, im);
-      for (size_t l = 0; l < L; ++l) set_row(to, l, C{re[l], im[l]});
+      transpose_points(d, z, y);
+      for (size_t l = 0; l < L; ++l) store_block(d, y[l], to, l);
     }
   }
 
@@ -216,8 +204,8 @@ template <class T> struct Columns {
         for (int k = 0; k + 1 < r.count; ++k) {
           const size_t radix = r.radix[k];
           column_pass(
-              d, radix, s.n2, stride, 1, roots, [&](size_t i, size_t) HWY_ATTR { return row(x, i); },
-              [&](size_t i, size_t, C z) HWY_ATTR { set_row(y, i, z); });
+              d, radix, s.n2, stride, 1, roots, [&](size_t i, size_t) HWY_ATTR { return load_block(d, x, i); },
+              [&](size_t i, size_t, C z) HWY_ATTR { store_block(d, z, y, i); });
           stride *= radix;
           roots += 2 * (radix - 1) * (s.n2 / stride);
           x = y;
@@ -232,7 +220,7 @@ template <class T> struct Columns {
       T* const to = data + 2 * L * k1;
       column_pass(
           d, radix, s.n2, s.n2 / radix, width, roots,
-          [&](size_t i, size_t group) HWY_ATTR { return row(group_data[group], i); },
+          [&](size_t i, size_t group) HWY_ATTR { return load_block(d, group_data[group], i); },
           [&](size_t i, size_t group, C z)
               HWY_ATTR { store_points<kInverse>(d, kInverse ? z : z * scale, to + 2 * (s.n1 * i + L * group)); });
     }

@@ -6,22 +6,23 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include <algorithm>
+#include <type_traits>
+
 #include "spectral/columns-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace sigvex {
 namespace HWY_NAMESPACE {
 
-// The lanes of a pass over columns or rows of a multiple of `count` points.
 template <class T, size_t count> using Lanes = hn::CappedTag<T, count>;
 template <class T> constexpr size_t kMaxLanes = kLanes<hn::ScalableTag<T>>;
-constexpr size_t least(size_t a, size_t b) { return a < b ? a : b; }
 
-// A transform of n = R1 * R2 * ... points, each radix one pass.
+// A transform of n = R1 * R2 * ... points, each radix one pass over vectors of all lanes. From the first buffer to the
+// second and back; the last pass works in place where their number is odd.
 template <class T, size_t... R> struct Passes;
 
 template <class T, size_t R> struct Passes<T, R> {
-  static constexpr size_t kPoints = R;
   static size_t table_size() { return 0; }
   static void fill(const TripleTable<T>&, T*) {}
   template <bool kInverse> static void run(const T*, T* data, T*, T factor) {
@@ -35,29 +36,51 @@ template <class T, size_t R> struct Passes<T, R> {
 };
 
 template <class T, size_t R1, size_t R2> struct Passes<T, R1, R2> {
-  static constexpr size_t kPoints = R1 * R2;
-  static constexpr size_t kFirst = least(kMaxLanes<T>, least(R1, R2)), kLast = least(kMaxLanes<T>, R1);
+  static constexpr size_t n = R1 * R2, kBlocks = n / kMaxLanes<T>;
+  static constexpr hn::ScalableTag<T> d{};
   static size_t table_size() { return 2 * (R1 - 1) * R2; }
-  static void fill(const TripleTable<T>& roots, T* table) { fill_pass(kPoints, R1, kFirst, roots, table); }
+  static void fill(const TripleTable<T>& roots, T* table) { fill_pass(d, n, R1, roots, table); }
   template <bool kInverse> static void run(const T* table, T* data, T* work, T factor) {
-    first_pass<R1, kLast, kInverse>(Lanes<T, kFirst>(), data, work, kPoints, table);
-    last_pass<R2, kLast, kInverse>(Lanes<T, kLast>(), work, data, kPoints, factor);
+    first_pass<R1, kInverse>(d, data, work, n, table);
+    last_pass<R2, kInverse>(d, work, data, kBlocks, factor);
   }
 };
 
 template <class T, size_t R1, size_t R2, size_t R3> struct Passes<T, R1, R2, R3> {
-  static constexpr size_t kPoints = R1 * R2 * R3;
-  static constexpr size_t kFirst = least(kMaxLanes<T>, R1), kLast = least(kMaxLanes<T>, R1*R2);
-  static size_t table_size() { return 2 * (R1 - 1) * R2 * R3 + 2 * (R2 - 1) * R3; }
+  static constexpr size_t n = R1 * R2 * R3, kBlocks = n / kMaxLanes<T>, kFirstRoots = 2 * (R1 - 1) * R2 * R3;
+  static constexpr hn::ScalableTag<T> d{};
+  static size_t table_size() { return kFirstRoots + 2 * (R2 - 1) * R3; }
   static void fill(const TripleTable<T>& roots, T* table) {
-    fill_pass(R2 * R3, R2, 1, roots, fill_pass(kPoints, R1, kFirst, roots, table));
+    fill_pass(Lanes<T, 1>(), R2 * R3, R2, roots, fill_pass(d, n, R1, roots, table));
   }
   template <bool kInverse> static void run(const T* table, T* data, T* work, T factor) {
-    first_pass<R1, kFirst, kInverse>(Lanes<T, kFirst>(), data, work, kPoints, table);
-    middle_pass<R2, kFirst, kLast>(Lanes<T, kFirst>(), work, data, kPoints, R1, table + 2 * (R1 - 1) * R2 * R3);
-    last_pass<R3, kLast, kInverse>(Lanes<T, kLast>(), data, data, kPoints, factor);
+    first_pass<R1, kInverse>(d, data, work, n, table);
+    middle_pass<R2>(d, work, data, kBlocks, R1 / kMaxLanes<T>, table + kFirstRoots);
+    last_pass<R3, kInverse>(d, data, data, kBlocks, factor);
   }
 };
+
+// A transform of R * L points that never leaves the registers: both passes at once, R a multiple of the L lanes.
+template <class T, size_t R, size_t L> struct InRegisters {
+  static constexpr Lanes<T, L> d{};
+  static size_t table_size() { return 2 * (R - 1) * L; }
+  static void fill(const TripleTable<T>& roots, T* table) { fill_pass(d, R * L, R, roots, table); }
+  template <bool kInverse> static void run(const T* table, T* data, T*, T factor) {
+    ComplexOf<Lanes<T, L>> x[R], y[L];
+    for (size_t k = 0; k < R; ++k) x[k] = load_points<kInverse>(d, data + 2 * L * k);
+    transform(d, x);
+    for (size_t k = 1; k < R; ++k) x[k] = x[k] * load_block(d, table, k - 1);
+    const auto scale = hn::Set(d, factor);
+    for (size_t k = 0; k < R; k += L) {
+      transpose_points(d, x + k, y);
+      transform(d, y);
+      for (size_t j = 0; j < L; ++j) store_points<kInverse>(d, kInverse ? y[j] : y[j] * scale, data + 2 * (k + R * j));
+    }
+  }
+};
+
+template <class T, size_t R, size_t L>
+using Small = std::conditional_t<(kMaxLanes<T> >= L), InRegisters<T, R, L>, Passes<T, R, L>>;
 
 // Calls f with the passes of n = 2^bits.
 template <class T, class F> HWY_INLINE auto with_passes(int bits, F f) {
@@ -65,21 +88,21 @@ template <class T, class F> HWY_INLINE auto with_passes(int bits, F f) {
     case 1:
       return f(Passes<T, 2>());
     case 2:
-      return f(Passes<T, 4>());
+      return f(Small<T, 2, 2>());
     case 3:
-      return f(Passes<T, 8>());
+      return f(Small<T, 4, 2>());
     case 4:
-      return f(Passes<T, 4, 4>());
+      return f(Small<T, 4, 4>());
     case 5:
-      return f(Passes<T, 8, 4>());
+      return f(Small<T, 8, 4>());
     case 6:
-      return f(Passes<T, 8, 8>());
+      return f(Small<T, 8, 8>());
     case 7:
-      return f(Passes<T, 8, 16>());
+      return f(Small<T, 16, 8>());
     case 8:
       return f(Passes<T, 16, 16>());
     case 9:
-      return f(Passes<T, 8, 8, 8>());
+      return f(std::conditional_t<kMaxLanes<T> == 16, Passes<T, 16, 8, 4>, Passes<T, 8, 8, 8>>());
     case 10:
       return f(Passes<T, 16, 8, 8>());
     case 11:
@@ -89,21 +112,22 @@ template <class T, class F> HWY_INLINE auto with_passes(int bits, F f) {
   }
 }
 
-constexpr int kLong = 12;  // from 2^12 points on in two sweeps
+// Up to 32 KiB of points in self-sorting passes, which then stay in the first-level cache; beyond, in two sweeps.
+template <class T> constexpr int kLong = sizeof(T) == 8 ? 12 : 13;
 
 template <class T> size_t table_size(int bits) {
-  if (bits >= kLong) return Columns<T>::table_size(bits);
+  if (bits >= kLong<T>) return Columns<T>::table_size(bits);
   return with_passes<T>(bits, [](auto passes) { return passes.table_size(); });
 }
 template <class T> size_t work_size(int bits) {
-  return bits >= kLong ? Columns<T>::work_size(bits) : size_t{2} << bits;
+  return bits >= kLong<T> ? Columns<T>::work_size(bits) : size_t{2} << bits;
 }
 template <class T> void fill_table(int bits, const TripleTable<T>& roots, T* table) {
-  if (bits >= kLong) return Columns<T>::fill(bits, roots, table);
+  if (bits >= kLong<T>) return Columns<T>::fill(bits, roots, table);
   with_passes<T>(bits, [&](auto passes) { passes.fill(roots, table); });
 }
 template <class T, bool kInverse> void run(int bits, const T* table, T* data, T* work, T scale) {
-  if (bits >= kLong) return Columns<T>::template run<kInverse>(bits, table, data, work, scale);
+  if (bits >= kLong<T>) return Columns<T>::template run<kInverse>(bits, table, data, work, scale);
   with_passes<T>(bits, [&](auto passes) HWY_ATTR { passes.template run<kInverse>(table, data, work, scale); });
 }
 template <class T> void inverse(int bits, const T* table, T* data, T* work) {
@@ -112,11 +136,12 @@ template <class T> void inverse(int bits, const T* table, T* data, T* work) {
 
 template <class D, class T = hn::TFromD<D>> void fill_split(D, size_t h, const TripleTable<T>& roots, T* to) {
   constexpr size_t L = kLanes<D>;
-  for (size_t k = 0; k < h / 2; ++k) {
-    const Point<T> w = root_of(roots, k, 2 * h);
-    T* const re = to + block_offset<L>(k);
-    re[0] = w.im;  // -i w
-    re[L] = -w.re;
+  for (size_t k = 0; k < h / 2; k += L, to += 2 * L) {
+    for (size_t l = 0; l < L; ++l) {
+      const Point<T> w = root_of(roots, k + lane_point<D>(l), 2 * h);
+      to[l] = w.im;  // -i w
+      to[l + L] = -w.re;
+    }
   }
 }
 
@@ -132,7 +157,7 @@ template <class D, class T = hn::TFromD<D>> void split(D d, size_t h, const T* r
     T *const front = x + 2 * k, *const back = x + 2 * (h - k - (L - 1));
     const ComplexOf<D> z = load_points<false>(d, front), mirrored = load_points<false>(d, back);
     const ComplexOf<D> y{hn::Reverse(d, mirrored.re), hn::Neg(hn::Reverse(d, mirrored.im))};
-    const ComplexOf<D> sum = z + y, turned = (z - y) * load_block<L>(d, roots, k);
+    const ComplexOf<D> sum = z + y, turned = (z - y) * load_block(d, roots, k / L);
     const ComplexOf<D> mirror = sum - turned;
     store_points<false>(d, sum + turned, front);
     store_points<false>(d, {hn::Reverse(d, mirror.re), hn::Neg(hn::Reverse(d, mirror.im))}, back);
@@ -140,7 +165,7 @@ template <class D, class T = hn::TFromD<D>> void split(D d, size_t h, const T* r
 }
 
 template <class T, class F> HWY_INLINE void with_lanes(size_t count, F f) {
-  switch (least(count, kMaxLanes<T>)) {
+  switch (std::min(count, kMaxLanes<T>)) {
     case 1:
       return f(Lanes<T, 1>());
     case 2:
