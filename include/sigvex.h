@@ -1400,20 +1400,77 @@ DSP_API int32_t dspfd_deci(const dspf_vector *in, dspf_vector *out, int32_t fact
  * Resampling
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/*
+ * A resampling kernel is a real vector of N points, N even: point 0 holds K, the number of input samples that one output
+ * is made of; points 1 .. N - 1 hold the kernel over these K samples, tabulated at N - 2 equal steps, from the angle -pi
+ * over 0 at point N / 2 to pi. One turn of the angle is K samples: a term cos(m * angle) of coefficient c passes the
+ * frequency m / K of the input's rate with a gain of c * K / 2, and the constant c passes 0 with a gain of c * K.
+ */
+
+/**
+ * Kernels from coefficients: _cos the cosine series c1 + c2 cos(angle) + c3 cos(2 angle) .., _pcos the polynomial
+ * c1 + c2 u + c3 u^2 .. in u = cos(angle). In both precisions computed in double and rounded once.
+ *   params   kernel: its points on entry are N, its complex flag asks for a complex kernel with imaginary parts 0.0
+ *            coefficients: K, c1, c2 ..; real. Below 2 points, or N below 2: the kernel is zeros but for point 0, K
+ *   sizes    exactly N points
+ *   keeps    the kernel's points, form, delta
+ *   alias    kernel and coefficients may be one record or share storage
+ *   fails    N of 3 and more is odd, complex coefficients (the kernel is sized); storage
+ */
 DSP_API int32_t dspc_rsmp_cos (dsp_vector  *kernel, const dsp_vector  *coefficients);
 DSP_API int32_t dspfc_rsmp_cos(dspf_vector *kernel, const dspf_vector *coefficients);
-
 DSP_API int32_t dspc_rsmp_pcos (dsp_vector  *kernel, const dsp_vector  *coefficients);
 DSP_API int32_t dspfc_rsmp_pcos(dspf_vector *kernel, const dspf_vector *coefficients);
 
+/**
+ * A built-in kernel, as dspc_rsmp_pcos (sets 0 and 1) or dspc_rsmp_cos makes it from the set's coefficients. Their gains
+ * are not normalised; frequencies are in units of the input's rate:
+ *   set      K    response
+ *     0      8    low-pass without overshoot: 0 dB at 0, -1.4 dB at 0.1, -5.8 dB at 0.2, -41 dB at 0.5
+ *     1     13    -0.25 dB (0.97138) at 0, within 0.26 dB to 0.3, -7.3 dB at 0.4, -29 dB at 0.5
+ *     2      8    as set 0 within 0.6 dB up to 0.5
+ *     3     10    flat: 0.99920 at 0, within 0.26 dB to 0.3, -3 dB at 0.4, -11 dB at 0.5, -62 dB at 0.7
+ *     4     13    band-pass: 0 dB at 0, +21.5 dB near a quarter, -23 dB at 0.5
+ *   params   kernel: as dspc_rsmp_cos
+ *            set: 0 .. 4
+ *   fails    set above 4 (the kernel is sized); as dspc_rsmp_cos
+ */
 DSP_API int32_t dspc_rsmp (dsp_vector  *kernel, uint32_t set);
 DSP_API int32_t dspfc_rsmp(dspf_vector *kernel, uint32_t set);
 
-DSP_API int32_t dspd_rsmp (const dsp_vector  *in, dsp_vector  *out, uint8_t mode, const dsp_vector  *kernel, double ratio, dsp_vector  *state);
-DSP_API int32_t dspfd_rsmp(const dspf_vector *in, dspf_vector *out, uint8_t mode, const dspf_vector *kernel, double ratio, dspf_vector *state);
+/**
+ * Changes the sampling rate of a stream. Output m, counted from the start of the stream, stands at the position
+ * q = m * ratio of the input and is the sum of the K input samples up to q, weighted from the kernel: the sample at
+ * distance d before q, 0 <= d < K, by the kernel at d / K of its length. What lies before the stream counts as 0.0. The
+ * output is therefore the input K / 2 input samples late. The kernel passes and stops the same frequencies of the input
+ * whatever the ratio: for a ratio above 1, apply a low-pass at 0.5 / ratio of the input's rate first (dspd_fir), or what
+ * lies above is folded down.
+ *   params   mode: 0 takes the tabulated kernel point nearest to the place, 1 interpolates linearly between neighbours
+ *            kernel: as above; fewer than 2 points: the output is a copy of the input, the state is untouched
+ *            ratio: output spacing over input spacing, that is input rate over output rate; above 0
+ *   sizes    after n input points of a stream, in blocks of any sizes, n / ratio outputs have come, rounded up; form of
+ *            the input
+ *   delta    the input's times ratio
+ *   state    K + 2 points: the first three (their real parts) add up to the distance from the next block's start to the
+ *            next output in input samples, the others are the last K - 1 input points, oldest first. Positions have no
+ *            rounding error from a ratio of 2^-28 on: every blocking gives the same bits, and nothing drifts
+ *   fails    ratio negative, 0 or NaN; K, rounded half up, below 1 or not a number; a complex kernel; mode above 1, or
+ *            0 for complex input (all of these: everything untouched); more outputs than fit, storage
+ */
+DSP_API int32_t dspd_rsmp (const dsp_vector  *in, dsp_vector  *out, uint8_t mode, const dsp_vector  *kernel,
+                           double ratio, dsp_vector  *state);
+DSP_API int32_t dspfd_rsmp(const dspf_vector *in, dspf_vector *out, uint8_t mode, const dspf_vector *kernel,
+                           double ratio, dspf_vector *state);
 
-DSP_API int32_t dspd_rsmp2 (const dsp_vector  *in, dsp_vector  *out, uint8_t mode, uint32_t set, double ratio, dsp_vector  *state);
-DSP_API int32_t dspfd_rsmp2(const dspf_vector *in, dspf_vector *out, uint8_t mode, uint32_t set, double ratio, dspf_vector *state);
+/**
+ * dspd_rsmp with a built-in kernel of 1024 steps to an input sample (set 2: 256), that is of 8194, 13314, 2050, 10242,
+ * 13314 points for sets 0 .. 4. The kernels are built at their first use and stay for the life of the process.
+ *   fails    set above 4 (everything untouched); as dspd_rsmp
+ */
+DSP_API int32_t dspd_rsmp2 (const dsp_vector  *in, dsp_vector  *out, uint8_t mode, uint32_t set, double ratio,
+                            dsp_vector  *state);
+DSP_API int32_t dspfd_rsmp2(const dspf_vector *in, dspf_vector *out, uint8_t mode, uint32_t set, double ratio,
+                            dspf_vector *state);
 
 /* ------------------------------------------------------------------------------------------------------------------
  * Vector files

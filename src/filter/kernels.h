@@ -9,6 +9,12 @@ template <class T> struct FilterKernels {
   // y[j] = the sum over k < taps of h[k * h_step] * x[j + (taps - 1 - k) * x_step] for j < n. Each sum runs in the
   // order of k in one accumulator, wherever j stands: a signal gives the same bits however it is cut. y shares nothing.
   void (*convolve)(const T* x, size_t x_step, const T* h, size_t h_step, size_t taps, T* y, size_t n);
+
+  // One point, the sum over k < n of w[k] * x[k], each x[k] of width 1 (a sample) or 2 (both parts of a point).
+  void (*weigh)(const T* x, size_t width, const T* w, size_t n, T* y);
+
+  // The same with weights between two tables, w[k] = a[k] + t * (b[k] - a[k]), with the same bits as weigh of those.
+  void (*blend)(const T* x, size_t width, const T* a, const T* b, T t, size_t n, T* y);
 };
 
 template <class T> const FilterKernels<T>& filter_kernels();  // the best for this CPU

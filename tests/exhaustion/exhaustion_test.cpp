@@ -113,6 +113,9 @@ TWIN(s, hist);
 TWIN(s, peak);
 TWIN(d, fir);
 TWIN(d, deci);
+TWIN(d, rsmp2);
+constexpr Twin kernel{&dspc_rsmp, &dspfc_rsmp};
+constexpr Twin resampled{&dspd_rsmp, &dspfd_rsmp};
 TWIN(f, fread);
 TWIN(f, fwrite2);
 
@@ -200,6 +203,12 @@ template <class T> std::vector<Row<T>> rows() {
          return fir(&r.real, &r.result, &r.real, &r.complex) < 0 ? -1 : fir(&r.complex, &r.result, &r.real, &r.complex);
        }},
       {"deci", [](R r) { return deci(&r.complex, &r.complex, 2, &r.result); }},
+      {"rsmp",
+       [](R r) {
+         if (zpad(&r.result, 26) < 0 || kernel(&r.result, 2U) < 0) return -1;
+         return resampled(&r.complex, &r.complex, uint8_t{1}, &r.result, 0.5, &r.real);
+       }},
+      {"rsmp2", [](R r) { return rsmp2(&r.real, &r.real, uint8_t{0}, 0U, 0.5, &r.result); }},
       {"fread", [](R r) { return reads<T>(r, "#DSP points = 3\n#DSP complex = 1\n1 2 3 4 5 6\n"); }},
       {"fwrite2 text", [](R r) { return writes<T>(r, 1); }},
       {"fwrite2 trace", [](R r) { return writes<T>(r, 4); }},
