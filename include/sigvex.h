@@ -703,9 +703,18 @@ DSP_API int32_t dspfi_sort(dspf_vector *v);
 DSP_API int32_t dspi_shuffle (dsp_vector  *v);
 DSP_API int32_t dspfi_shuffle(dspf_vector *v);
 
+/**
+ * Full conjugate-symmetric spectrum from its half, bins 0 upwards, as dspi_rfft and dspi_rdft leave it: bin N - k is the
+ * conjugate of bin k. A real vector becomes complex.
+ *   params   odd: 0 when the full spectrum has an even number of points, 2 points - 2, the last bin given being its own
+ *            mirror image; otherwise 2 points - 1. Never below 0.
+ *   keeps    delta
+ *   fails    storage
+ */
 DSP_API int32_t dspi_orecon (dsp_vector  *v, uint32_t odd);
 DSP_API int32_t dspfi_orecon(dspf_vector *v, uint32_t odd);
 
+/** dspi_orecon with odd 0. */
 DSP_API int32_t dspi_recon (dsp_vector  *v);
 DSP_API int32_t dspfi_recon(dspf_vector *v);
 
@@ -836,12 +845,37 @@ DSP_API int32_t dspf_kmp_set_blocktime(int32_t milliseconds);
  * Transforms of power-of-two length
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/**
+ * For all transforms: forward results are scaled by 1/N, inverse results are not, so that one undoes the other:
+ *   X[k] = (1/N) sum over j of x[j] e^(-2 pi i jk/N),   x[j] = sum over k of X[k] e^(+2 pi i jk/N)
+ *   delta    becomes 1/(N delta), the spacing of the bins; huge where delta is 0. The inverse restores it.
+ *   error    relative L2 error of a forward transform at most 0.6 eps sqrt(log2 N) for powers of two, 4 eps sqrt(log2 N)
+ *            for other lengths, eps being 2^-52 or 2^-23
+ *   fails    besides what each states: storage, a table that memory does not suffice for, the transform library's refusal.
+ *            A transform of several steps can leave its vector half transformed.
+ * Transforms run in any number of threads at once; those of other than power-of-two length one at a time.
+ *
+ * Complex transform of a power-of-two number of points. A real vector becomes complex; a single point stays as it is.
+ *   params   inverse: 0 forward, otherwise inverse
+ *   fails    points not a power of two, or below 1 (untouched)
+ */
 DSP_API int32_t dspi_fft (dsp_vector  *v, uint32_t inverse);
 DSP_API int32_t dspfi_fft(dspf_vector *v, uint32_t inverse);
 
+/**
+ * Forward transform of a power-of-two number N of real samples.
+ *   sizes    N/2 + 1 complex bins, 0 to half the sampling rate; data owns room for N complex points. A single sample stays
+ *            a real one.
+ *   fails    complex; points not a power of two, or below 1 (both untouched)
+ */
 DSP_API int32_t dspi_rfft (dsp_vector  *v);
 DSP_API int32_t dspfi_rfft(dspf_vector *v);
 
+/**
+ * Inverse of dspi_rfft: dspi_recon, dspi_fft inverse, dspi_real.
+ *   sizes    2 points - 2 real samples
+ *   fails    2 points - 2 is not a power of two (the vector then holds its full spectrum)
+ */
 DSP_API int32_t dspi_irfft (dsp_vector  *v);
 DSP_API int32_t dspfi_irfft(dspf_vector *v);
 
@@ -849,21 +883,64 @@ DSP_API int32_t dspfi_irfft(dspf_vector *v);
  * Transforms of any length
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/**
+ * Complex transform of any number of points: dspi_fft for a power of two, otherwise Bluestein's chirp transform. Fewer than
+ * two points stay as they are.
+ *   params   inverse: 0 forward, otherwise inverse
+ *   sizes    points are kept; a chirp transform works in data, which owns room for M = 4 * 2^floor(log2(N - 1.5)) complex
+ *            points afterwards
+ */
 DSP_API int32_t dspi_dft (dsp_vector  *v, uint32_t inverse);
 DSP_API int32_t dspfi_dft(dspf_vector *v, uint32_t inverse);
 
+/**
+ * Forward transform of any number N of real samples.
+ *   sizes    N/2 + 1 complex bins, N/2 rounded down; data as dspi_rfft or dspi_dft
+ *   fails    complex (untouched)
+ */
 DSP_API int32_t dspi_rdft (dsp_vector  *v);
 DSP_API int32_t dspfi_rdft(dspf_vector *v);
 
+/**
+ * Inverse of dspi_rdft.
+ *   params   odd: 0 when the samples were even in number, otherwise odd; the half spectrum does not say
+ *   sizes    2 points - 2 real samples, with odd 2 points - 1
+ */
 DSP_API int32_t dspi_irdft (dsp_vector  *v, uint32_t odd);
 DSP_API int32_t dspfi_irdft(dspf_vector *v, uint32_t odd);
 
+/** Flags of dspi_dct. */
+enum {
+  DSP_DCT_INVERSE = 1,    /**< the inverse transform, DCT-III */
+  DSP_DCT_ORTHONORMAL = 2 /**< twice the plain transform, coefficient 0 also times sqrt(1/2): proportional to a rotation */
+};
+
+/**
+ * Discrete cosine transform, DCT-II, of any number N of real samples:
+ *   y[k] = (1/N) sum over j of x[j] cos(pi k (2j + 1)/(2N))
+ * Computed by a real transform of the reordered samples (Makhoul, IEEE Trans. ASSP 28, 27-34, 1980).
+ *   params   flags: DSP_DCT_*
+ *   keeps    points, real
+ *   delta    becomes 1/(2 N delta), huge where delta is 0; the inverse with the same flags restores samples and delta
+ *   fails    complex (untouched)
+ */
 DSP_API int32_t dspi_dct (dsp_vector  *v, uint32_t flags);
 DSP_API int32_t dspfi_dct(dspf_vector *v, uint32_t flags);
 
+/**
+ * Hilbert transform by the spectrum: bins of positive frequency times -i, of negative frequency times +i, bin 0 and for
+ * even N bin N/2 set to 0. A cosine becomes a sine.
+ *   keeps    points, form; delta to rounding
+ */
 DSP_API int32_t dspi_hilbert (dsp_vector  *v);
 DSP_API int32_t dspfi_hilbert(dspf_vector *v);
 
+/**
+ * Analytic signal: the real part is the signal, the imaginary part its Hilbert transform. The spectrum's positive
+ * frequencies are doubled, the negative ones set to 0, bin 0 and for even N bin N/2 kept.
+ *   sizes    as many complex points; fewer than two stay as they are
+ *   delta    kept to rounding
+ */
 DSP_API int32_t dspi_analytic (dsp_vector  *v);
 DSP_API int32_t dspfi_analytic(dspf_vector *v);
 

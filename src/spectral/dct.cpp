@@ -11,8 +11,6 @@
 namespace sigvex {
 namespace {
 
-constexpr uint32_t kInverse = 1, kOrthonormal = 2;  // the flags of dspi_dct
-
 // Guarded by the work lock.
 template <class T> struct DctWorkspace {
   Vector<T> vector;
@@ -105,15 +103,15 @@ template <class T> Status dct(Vector<T>& v, uint32_t flags) {
   const WorkLock lock;
   DctWorkspace<T>& work = workspace<T>;
   SIGVEX_TRY(prepare<T>(work, v.points));
-  if (flags & kInverse) {
-    if (flags & kOrthonormal) {
+  if (flags & DSP_DCT_INVERSE) {
+    if (flags & DSP_DCT_ORTHONORMAL) {
       each_scalar<T>(v, [](T x) { return x * T(0.5); });
       v.data[0] *= T(1.4142135623730951);
     }
     return inverse<T>(v, work);
   }
   SIGVEX_TRY(forward<T>(v, work));
-  if (flags & kOrthonormal) {
+  if (flags & DSP_DCT_ORTHONORMAL) {
     each_scalar<T>(v, [](T x) { return x * 2; });
     v.data[0] *= T(0.7071067811865476);
   }
