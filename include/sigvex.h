@@ -1597,7 +1597,7 @@ DSP_API int32_t dspff_fclose(FILE *stream);
  * the last line of the input needs its line end. Numbers are what scanf accepts in the C locale, of any length and
  * rounded once to this precision, with one exception: a hexadecimal number is 0x and the digits of a 32-bit integer with
  * sign (0xFFFFFFFF is -1, -0x1A is -26, 0x1.8 is 1 and then 0.8, 0X1 no number). The host's locale changes nothing. An
- * exponent without digits counts as none ("1e" is 1); a nan may be followed by letters, digits or _ in parentheses.
+ * exponent without digits counts as none ("1e" is 1); of "nan(1)" only nan is read, and the rest is no number.
  *   sizes    a binary record's points; text grows the storage by 1024 points whenever that many values have come
  *   delta    the record's
  *   returns  1 a vector was read; 0 at the end of the input, when nothing but white space was left: the vector then has

@@ -64,21 +64,16 @@ template <class Text> bool accept(Text& in, std::string_view letters) {
   return std::all_of(letters.begin(), letters.end(), [&in](char letter) { return lower(in.next()) == letter; });
 }
 
-// inf, infinity, nan and nan(letters, digits and _), in any case; c is the first letter.
+// inf, infinity and nan, in any case; c is the first letter.
 template <class T, class Text> bool scan_word(Text& in, int c, T& value) {
-  if (lower(c) == 'i') {
-    value = std::numeric_limits<T>::infinity();
-    if (!accept(in, "nf")) return false;
-    if (lower(c = in.next()) == 'i') return accept(in, "nity");
-  } else {
+  if (lower(c) == 'n') {
     value = std::numeric_limits<T>::quiet_NaN();
-    if (lower(c) != 'n' || !accept(in, "an")) return false;
-    if ((c = in.next()) == '(') {
-      do c = in.next();
-      while (is_letter(c) || is_digit(c) || c == '_');
-      return c == ')';
-    }
+    return accept(in, "an");
   }
+  value = std::numeric_limits<T>::infinity();
+  if (lower(c) != 'i' || !accept(in, "nf")) return false;
+  c = in.next();
+  if (lower(c) == 'i') return accept(in, "nity");
   in.back(c);
   return true;
 }

@@ -114,11 +114,11 @@ template <class T> Status write_gnuplot(const Vector<T>& v, TextOutput& out, Pie
 template <class T> Status peak_value(const Vector<T>& v, uint32_t search, T& value) {
   constexpr uint32_t kParabolic = 256;
   Scratch<T> peak;
-  SIGVEX_TRY(dsps::peak<T>(v, peak, search, 0));
-  value = v.complex ? std::sqrt(peak.data[0]) : std::abs(peak.data[0]);
-  if (!(value < Limits<T>::huge)) return kSuccess;
-  SIGVEX_TRY(dsps::peak<T>(v, peak, search | kParabolic, 0));
-  value = v.complex ? std::sqrt(peak.data[0]) : std::abs(peak.data[0]);
+  for (const uint32_t refinement : {0U, kParabolic}) {
+    SIGVEX_TRY(dsps::peak<T>(v, peak, search | refinement, 0));
+    value = v.complex ? std::sqrt(peak.data[0]) : std::abs(peak.data[0]);
+    if (!(value < Limits<T>::huge)) break;
+  }
   return kSuccess;
 }
 

@@ -53,7 +53,8 @@ double unit_weight(const WindowShape& s, size_t n, double distance) {
     case Family::tukey:
       return tukey(s.constant, t);
     case Family::cosine_lobe:
-      return t <= 1 ? cos_turn(distance, 2 * width) : 0;
+      // Not quite 0 at the edge, where the only sample of a one-point frame lies: unity mean and RMS need its weight.
+      return t <= 1 ? std::cos(std::numbers::pi * (distance / width)) : 0;
   }
   return 0;
 }

@@ -51,7 +51,7 @@ TYPED_TEST(TextReader, HeaderLinesValuesAndWhatStaysInTheStream) {
       {"0x1A -0x1A 0xFFFFFFFF 0x1.8 0.0e5xff", 1, {26, -26, -1, 1, T(0.8), 255}},
       {"0x80000000 -0x80000000 0x1F00000002 0x10000000000000000", 1, {-0x1p31F, 0x1p31F, 2, -1}},
       {"-0 1e999 -1e999 1e-999 INF -infinity 1e 2e+", 1, {-0.0F, kInf<T>, -kInf<T>, 0, kInf<T>, -kInf<T>, 1, 2}},
-      {"nan -NaN(a_1) 3", 1, {kNaN<T>, kNaN<T>, 3}},
+      {"nan -NaN3", 1, {kNaN<T>, kNaN<T>, 3}},
       {"1.5.5-2", 1, {1.5F, 0.5F, -2}},
       // Halfway between two doubles but for the last of many digits; rounded to float in one step.
       {"9007199254740993." + std::string(5000, '0') + "1 " + std::string(5000, '0') +
@@ -77,7 +77,7 @@ TYPED_TEST(TextReader, HeaderLinesValuesAndWhatStaysInTheStream) {
     }
   }
   for (const char* malformed :
-       {"x", "1 0X1", "0x", "0xg", "0x-1", "-", "+-1", ".", ".e1", "1,2", "infi", "na", "nan(1", "1\xEB"}) {
+       {"x", "1 0X1", "0x", "0xg", "0x-1", "-", "+-1", ".", ".e1", "1,2", "infi", "na", "nan(1)", "1\xEB"}) {
     Stream stream(malformed);
     Vec<T> v;
     EXPECT_EQ(fread(v.get(), stream.get()), -1) << malformed;

@@ -139,6 +139,7 @@ TYPED_TEST(Window, EveryTypeIsNormalisedAndSymmetric) {
       }
     }
   }
+  EXPECT_EQ(weights<T>(1, DSP_WINDOW_COS_LOBE, DSP_WINFLAG_MEAN)[0], 1);  // the one point lies on the lobe's edge
 }
 
 TYPED_TEST(Window, RotatesOnceUnlessToldNotTo) {
