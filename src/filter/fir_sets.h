@@ -1,0 +1,12 @@
+// The fixed low-pass filters of dspc_fir2.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+namespace sigvex {
+
+// The first half of a filter's taps, the centre last; empty for a code that stands for none.
+std::span<const double> fir_set(int32_t code);
+
+}  // namespace sigvex
