@@ -1402,6 +1402,45 @@ DSP_API int32_t dspfc_rand(dspf_vector *v, int32_t kind);
  * Averaged spectra
  * ------------------------------------------------------------------------------------------------------------------ */
 
+/** What dsph_fft and dsph_dft compute: DSP_SPECTRUM_* together with averaging flags, DSP_AVG_* times 256. */
+enum {
+  DSP_SPECTRUM_AVERAGE = 1,     /**< average the frames; without it the two further vectors are not used */
+  DSP_SPECTRUM_TWO_SIDED = 2,   /**< all N bins of a real input, frequency 0 in the middle, at index N/2 */
+  DSP_SPECTRUM_SUM = 4,         /**< plain sums: times N, which takes the transform's 1/N back; the phase from the middle
+                                     of the frame, as with DSP_SPECTRUM_CENTRED */
+  DSP_SPECTRUM_NO_WINDOW = 8,   /**< apply no window; a type other than 0 still sets the origin of the phase */
+  DSP_SPECTRUM_CENTRED = 16,    /**< measure phase from the middle of the frame without a window too, as it is with one */
+  DSP_SPECTRUM_RAW = 128,       /**< dspi_dft of the frame and nothing else: two-sided, frequency 0 first */
+  DSP_SPECTRUM_AVG_FACTOR = 256 /**< what the DSP_AVG_* flags are multiplied by */
+};
+
+/**
+ * Spectrum of one frame of N points, of any length, and on request the average over the frames so far. dsph_fft and
+ * dsph_dft are the same operation. One frame, unless DSP_SPECTRUM_RAW:
+ *   1. window with unity mean as dspi_window, which rotates the frame by half its length; where there is no window
+ *      (DSP_SPECTRUM_NO_WINDOW), or Uniform, dspi_swap_halves2 for a type other than 0 and with DSP_SPECTRUM_SUM or
+ *      DSP_SPECTRUM_CENTRED, and nothing otherwise
+ *   2. times N with DSP_SPECTRUM_SUM; otherwise times 2 without DSP_SPECTRUM_TWO_SIDED, for a complex frame too
+ *   3. a real frame without DSP_SPECTRUM_TWO_SIDED: dspi_rdft, N/2 + 1 bins; otherwise dspi_dft and dspi_swap_halves
+ * A real sine of amplitude A in a bin's centre thus shows as a bin of magnitude A; frequency 0 and, for even N, the last
+ * bin are doubled with the others.
+ *
+ * With DSP_SPECTRUM_AVERAGE the spectrum then enters the accumulator through dsph_avg with weight -1 and bits 8 to 15
+ * of the flags; DSP_AVG_SYNCHRONOUS takes the strongest bin for its reference. y becomes a copy of the accumulator.
+ *   params   type: DSP_WINDOW_*; flags: see above
+ *            accumulator: in and out; what it holds before the first frame is dropped
+ *            state: (frames so far, average length), as two real points. Empty or zeros: the next frame is the first,
+ *            and the average linear; the host writes the length for DSP_AVG_EXPONENTIAL. Both may be null without
+ *            DSP_SPECTRUM_AVERAGE
+ *   sizes    y (and the accumulator): the bins; complex unless the averaging flags make them real
+ *   delta    of y: 1 / (N delta)
+ *   alias    y may be x or the accumulator, which may be x
+ *   state    brought to two real points, by zeros or by cutting; the count, which one that is negative or NaN starts
+ *            afresh, goes up by one with each frame that succeeds, to 2^31 - 1 at the most (twin: 2^24)
+ *   fails    averaging without accumulator or state, or with a state that shares storage with x, y or the accumulator
+ *            (everything untouched); what dspi_window refuses; a frame of another length than those before (accumulator
+ *            and count are kept); storage
+ */
 DSP_API int32_t dsph_fft (const dsp_vector  *x, dsp_vector  *y, dsp_vector  *accumulator, dsp_vector  *state,
                            uint32_t type, uint32_t flags);
 DSP_API int32_t dspfh_fft(const dspf_vector *x, dspf_vector *y, dspf_vector *accumulator, dspf_vector *state,
@@ -1412,6 +1451,40 @@ DSP_API int32_t dsph_dft (const dsp_vector  *x, dsp_vector  *y, dsp_vector  *acc
 DSP_API int32_t dspfh_dft(const dspf_vector *x, dspf_vector *y, dspf_vector *accumulator, dspf_vector *state,
                            uint32_t type, uint32_t flags);
 
+/** How dsph_avg takes the current result c into the accumulator A: one mode, and any of the flags below it. */
+enum {
+  DSP_AVG_LAST = 0,         /**< A = c */
+  DSP_AVG_MEAN = 1,         /**< A moves toward c by the weight w: dspb_avg_add */
+  DSP_AVG_MAX = 2,          /**< A = max(A, c) by dspb_max: maximum hold */
+  DSP_AVG_MIN = 3,          /**< A = min(A, c) by dspb_min: minimum hold */
+  DSP_AVG_HARMONIC = 4,     /**< the mean of the reciprocals, by dspi_recip before and after */
+  DSP_AVG_GEOMETRIC = 5,    /**< the mean of the logarithms, by dspi_log before and dspi_exp after */
+  DSP_AVG_SYNCHRONOUS = 6,  /**< the mean of c turned so that its reference bin has phase 0: lines locked to that bin add
+                                 up in phase, noise and other lines average out without a trigger */
+  DSP_AVG_EXPONENTIAL = 16, /**< weight 1/length from frame number `length` on */
+  DSP_AVG_POWER = 32,       /**< first replace c by |c|^2 (dspu_magsq), ... */
+  DSP_AVG_MAGNITUDE = 64,   /**< ... then c by |c| (dspu_mag), ... */
+  DSP_AVG_LOG = 128         /**< ... then c by its natural logarithm (dspi_log) */
+};
+
+/**
+ * Takes the result of one frame into a running average. The first frame (count 1 or less) sets A = c, whatever the mode;
+ * later ones follow the mode, and a mode above 6 leaves A as it is.
+ *   weight w weight where that is >= 0; otherwise 1/length where DSP_AVG_EXPONENTIAL is set, length > 0 and
+ *            count >= length; otherwise 1/count
+ *   synchronous  c is multiplied by conj(c[r]) / |c[r]| first, in every frame (a real c by the sign of c[r]); where c[r]
+ *            is 0, or not finite, it is left alone. r = reference; for a negative one r is the strongest bin of A, of c in
+ *            the first frame, the first of equals
+ *   params   flags: DSP_AVG_*, bits above are ignored
+ *            count: the number of this frame, 1 for the first
+ *            work: a record to compute in, so that repeated calls need not allocate; overwritten where one is needed. Where
+ *            it is null, or shares storage with the current result or A, a temporary takes its place
+ *   sizes    A: the points of c; complex if A or the prepared c is. The first frame and DSP_AVG_LAST: the form of c
+ *   delta    of A: of c in the first frame and for DSP_AVG_LAST, then the mean of the two
+ *   alias    A may be the current result
+ *   fails    A of another length than c (but for the first frame, DSP_AVG_LAST and modes above 6), a reference beyond the
+ *            last bin: A is untouched; storage
+ */
 DSP_API int32_t dsph_avg (const dsp_vector  *current, dsp_vector  *accumulator, dsp_vector  *work, uint32_t flags,
                            int32_t count, int32_t reference, double weight, double length);
 DSP_API int32_t dspfh_avg(const dspf_vector *current, dspf_vector *accumulator, dspf_vector *work, uint32_t flags,

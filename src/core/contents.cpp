@@ -123,10 +123,6 @@ template <class T> int32_t compare(T a, T b, T tolerance) {
   return difference >= -tolerance ? 0 : -1;
 }
 
-template <class T> Point<T> complex_point(const Vector<T>& v, size_t k) {
-  return v.complex ? point<T>(v, k) : Point<T>{v.data[k], T(0)};
-}
-
 }  // namespace
 
 template <class T> Status cmp(const Vector<T>& a, const Vector<T>& b, T tolerance, int32_t& result) {

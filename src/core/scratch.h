@@ -34,6 +34,9 @@ template <class T> Status exhausted(Vector<T>& v);
 // Whether the samples of two records overlap in memory, the records being different or the same.
 template <class T> bool overlap(const Vector<T>& a, const Vector<T>& b);
 
+// Whether writing one record would disturb the other.
+template <class T> bool shares(const Vector<T>& a, const Vector<T>& b) { return &a == &b || overlap<T>(a, b); }
+
 // A record that begins initialised and is destroyed on every path.
 template <class T> class Scratch : public Vector<T> {
  public:

@@ -41,6 +41,10 @@ inline constexpr size_t kMaxScalars = std::numeric_limits<int32_t>::max();
 inline bool fits(size_t n) { return n <= kMaxScalars; }
 
 template <class T> Point<T> point(const Vector<T>& v, size_t k) { return {v.data[2 * k], v.data[2 * k + 1]}; }
+// A real sample counts as (x, 0).
+template <class T> Point<T> complex_point(const Vector<T>& v, size_t k) {
+  return v.complex ? point<T>(v, k) : Point<T>{v.data[k], T(0)};
+}
 template <class T> void set_point(Vector<T>& v, size_t k, Point<T> z) {
   v.data[2 * k] = z.re;
   v.data[2 * k + 1] = z.im;

@@ -28,6 +28,13 @@ template <class T> Status bitrev_scale(Vector<T>& v, T factor);
 
 }  // namespace sigvex::dspi
 
+namespace sigvex::dspu {
+
+template <class T> Status mag(const Vector<T>& source, Vector<T>& destination);
+template <class T> Status magsq(const Vector<T>& source, Vector<T>& destination);
+
+}  // namespace sigvex::dspu
+
 namespace sigvex::dspb {
 
 template <class T> Status add(const Vector<T>& a, const Vector<T>& b, Vector<T>& result);

@@ -9,8 +9,6 @@
 
 namespace sigvex {
 
-template <class T> bool shares(const Vector<T>& a, const Vector<T>& b) { return &a == &b || overlap<T>(a, b); }
-
 // Calls run(in, fixed, out), where fixed is the operation's second input (taps, a kernel), so that out shares nothing
 // with what is still read, nor the inputs with the state that run prepares. An output that shares is written at the
 // end.

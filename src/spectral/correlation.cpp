@@ -9,10 +9,6 @@
 namespace sigvex {
 namespace {
 
-template <class T> bool shares(const Vector<T>& v, const Vector<T>& other) {
-  return &v == &other || overlap<T>(v, other);
-}
-
 template <class T> Status to_spectrum(Vector<T>& v, int32_t n, bool complex) {
   SIGVEX_TRY(dspi::zpad<T>(v, n));
   if (!complex) return dspi::rfft<T>(v);
