@@ -27,6 +27,26 @@ TEST_F(Spectrum, ASineReadsItsAmplitudeAndFrequencyOnAndOffTheBins) {
   }
 }
 
+// A width of 600 of the 1000 samples, a Gaussian of a tenth of the frame, tapers of half of it.
+TEST_F(Spectrum, AWindowWithAParameterReadsTheSameLevel) {
+  const std::string file = record("s.dsp", sine(1000, 0.20037, 0.7), 1e-3);
+  const std::pair<const char*, const char*> windows[] = {
+      {"Hann", "600"}, {"Kaiser90", "600"}, {"Gauss70", "0.1"}, {"Tukey25", "0.5"}};
+  std::vector<double> bandwidths;
+  for (const auto& [name, parameter] : windows) {
+    const Json result = measure({file, "--window", name, "--parameter", parameter, "--peaks", "1"});
+    ASSERT_EQ(result["peaks"].size(), 1u) << name;
+    EXPECT_NEAR(result["peaks"][0]["level"], 0.7, 0.7e-3) << name;
+    EXPECT_NEAR(result["peaks"][0]["frequency"], 200.37, 2e-3) << name;
+    bandwidths.push_back(result["window"]["enbw_bins"]);
+  }
+  EXPECT_NEAR(bandwidths[0], 1.5 / 0.6, 1e-9);
+  EXPECT_NEAR(bandwidths[2], 1 / (2 * std::sqrt(M_PI) * 0.1), 1e-4);
+  EXPECT_NE(
+      run({"spectrum", file, "--window", "Bartlett", "--parameter", "3"}).err.find("--parameter 3 is not possible"),
+      std::string::npos);
+}
+
 TEST_F(Spectrum, ScalesRelateAsAmplitudeRmsPowerAndDensity) {
   const std::string file = record("s.dsp", sine(4096, 0.1203, 2), 1.0 / 8192);
   const auto level = [&](std::vector<std::string> options) {

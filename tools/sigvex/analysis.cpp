@@ -195,7 +195,8 @@ Spectrum analyse(Source& source, const Analysis& a) {
     throw DataError(info.name + format(": the spacing of the samples is %g: give --rate or --delta", info.delta));
   // Where the file does not say its length and the frames depend on it, it is read ahead as far as that takes.
   std::unique_ptr<Source> ahead;
-  if (a.points == 0 && !info.frames) ahead = buffered(source, a.average ? UINT64_MAX : kLongestFrame + 1);
+  if (!info.frames && a.points == 0) ahead = buffered(source, a.average ? UINT64_MAX : kLongestFrame + 1);
+  if (!info.frames && a.points > kLongestFrame) ahead = buffered(source, a.points + 1);
   Source& input = ahead ? *ahead : source;
   const Plan plan = plan_frames(a, input.info().frames, info.name);
   Spectrum result = a.single ? average_frames<float>(input, a, plan) : average_frames<double>(input, a, plan);

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "errors.h"
+#include "progress.h"
 #include "text.h"
 
 namespace sigvex_tool {
@@ -161,6 +162,7 @@ size_t Source::read(double* out, size_t frames) {
 std::vector<double> Source::read_rest(uint64_t most) {
   std::vector<double> all;
   constexpr uint64_t kBlock = 1 << 16;
+  Progress progress("reading");
   if (info_.frames) all.reserve(static_cast<size_t>(std::min(*info_.frames, most)) * info_.channels);
   for (size_t wanted = 1, got = 1; got == wanted && most > 0; most -= got) {
     const size_t end = all.size();
@@ -168,6 +170,7 @@ std::vector<double> Source::read_rest(uint64_t most) {
     all.resize(end + wanted * info_.channels);
     got = read(all.data() + end, wanted);
     all.resize(end + got * info_.channels);
+    progress.at(all.size() / info_.channels, info_.frames);
   }
   return all;
 }
