@@ -100,7 +100,8 @@ TYPED_TEST(Resampling, BuiltInKernelsHaveTheirDocumentedResponse) {
     const Vec<T> kernel = kernel_of<T>(row.set);
     const int steps = kernel->points - 2, length = static_cast<int>(kernel[0]);
     double sum = 0;
-    for (int k = 1; k <= steps; ++k) sum += kernel[k] * std::cos(2 * static_cast<double>(kPi) * row.m * (k - 1) / steps);
+    for (int k = 1; k <= steps; ++k)
+      sum += kernel[k] * std::cos(2 * static_cast<double>(kPi) * row.m * (k - 1) / steps);
     EXPECT_NEAR(std::abs(sum) * length / steps, row.gain, 6e-6 + 20 * kEps<T>) << row.set << ' ' << row.m;
   }
 }
@@ -260,9 +261,6 @@ TYPED_TEST(Resampling, TheOutputMayBeAnInputAndTheStateTakesTheInputsForm) {
   fresh = Vec<T>{0, 0, 0, 4};
   EXPECT_EQ(resample(in.get(), kernel.get(), kLinear, kernel.get(), 0.4, fresh.get()), 0);
   EXPECT_TRUE(exactly(kernel, expected.samples()));
-  fresh = Vec<T>{0, 0, 0, 4};
-  EXPECT_EQ(rsmp2(in.get(), in.get(), kLinear, 2U, 0.4, fresh.get()), 0);
-  EXPECT_TRUE(exactly(in, expected.samples()));
 }
 
 }  // namespace
