@@ -116,6 +116,12 @@ TWIN(d, deci);
 TWIN(d, rsmp2);
 constexpr Twin kernel{&dspc_rsmp, &dspfc_rsmp};
 constexpr Twin resampled{&dspd_rsmp, &dspfd_rsmp};
+TWIN(c, cos);
+TWIN(c, line);
+constexpr Twin designed{&dspc_fir, &dspfc_fir};
+TWIN(c, fir2);
+TWIN(h, avg);
+constexpr Twin spectrum{&dsph_dft, &dspfh_dft};
 TWIN(f, fread);
 TWIN(f, fwrite2);
 
@@ -209,6 +215,17 @@ template <class T> std::vector<Row<T>> rows() {
          return resampled(&r.complex, &r.complex, uint8_t{1}, &r.result, 0.5, &r.real);
        }},
       {"rsmp2", [](R r) { return rsmp2(&r.real, &r.real, uint8_t{0}, 0U, 0.5, &r.result); }},
+      {"cos", [](R r) { return r.result.points = 5, r.result.complex = 1, cos(&r.result, 0.1, 0.0); }},
+      {"line", [](R r) { return r.result.points = 5, line(&r.result, 0.1, 0.0); }},
+      {"designed fir",
+       [](R r) { return r.result.points = 15, r.result.complex = 1, designed(&r.result, 4, 0.0, 0.0); }},
+      {"fir2", [](R r) { return r.real.complex = 1, fir2(&r.real, 105); }},
+      {"avg", [](R r) { return avg(&r.complex, &r.real, static_cast<Record<T>*>(nullptr), 5U, 2, 0, T(1), T(0)); }},
+      {"averaged spectrum",
+       [](R r) {
+         if (spectrum(&r.complex, &r.complex, &r.real, &r.result, 2U, 0x2101U) < 0) return -1;
+         return r.complex.points = 12, spectrum(&r.complex, &r.real, &r.real, &r.result, 2U, 0x6503U);
+       }},
       {"fread", [](R r) { return reads<T>(r, "#DSP points = 3\n#DSP complex = 1\n1 2 3 4 5 6\n"); }},
       {"fwrite2 text", [](R r) { return writes<T>(r, 1); }},
       {"fwrite2 trace", [](R r) { return writes<T>(r, 4); }},

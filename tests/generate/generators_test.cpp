@@ -1,4 +1,3 @@
-#include "support/failing_storage.h"
 #include "support/twin.h"
 
 namespace sigvex_test {
@@ -106,26 +105,19 @@ TYPED_TEST(Generators, NoiseHasTheMomentsAndTailsOfItsDistribution) {
           v, row.mean * row.mean, [&](size_t k) { return x(k) * x(k - 1); }, first, 2);
     }
     for (size_t k = 0; row.kind == DSP_RAND_UNIFORM && k < 200001; ++k) {
-      if (row.complex) ASSERT_LT(std::norm(v.at(k)), 1);
-      else ASSERT_TRUE(v[k] >= -1 && v[k] < 1);
+      ASSERT_TRUE(row.complex ? std::norm(v.at(k)) < 1 : v[k] >= -1 && v[k] < 1);
     }
   }
 }
 
-TYPED_TEST(Generators, RefusalsLeaveTheStorageSizedAndExhaustionNone) {
+TYPED_TEST(Generators, RefusedKindsLeaveTheStorageSized) {
   using T = TypeParam;
   for (const int32_t kind : {-1, 0, 1, 2, 3, 4}) {
     for (const bool complex : {false, true}) {
-      Vec<T> v = blank<T>(5, complex), none = blank<T>(-3, complex), out = blank<T>(7, complex);
+      Vec<T> v = blank<T>(5, complex), none = blank<T>(-3, complex);
       const int32_t status = kind >= 0 && kind < (complex ? 2 : 4) ? 0 : -1;
       EXPECT_TRUE(rand(v.get(), kind) == status && rand(none.get(), kind) == status);
       EXPECT_TRUE(v->allocated == (complex ? 10 : 5) && v->points == 5 && v->complex == complex);
-      FailingStorage<T> failing(0);
-      EXPECT_TRUE(rand(out.get(), kind) == -1 && out->points == 0);
-      for (const auto& oscillator : {cexp.template of<T>(), cos.template of<T>(), line.template of<T>()}) {
-        out->points = 7;
-        EXPECT_TRUE(oscillator(out.get(), 1.0, 0.0) == -1 && out->points == 0);
-      }
     }
   }
 }
