@@ -1445,7 +1445,6 @@ DSP_API int32_t dsph_fft (const dsp_vector  *x, dsp_vector  *y, dsp_vector  *acc
                            uint32_t type, uint32_t flags);
 DSP_API int32_t dspfh_fft(const dspf_vector *x, dspf_vector *y, dspf_vector *accumulator, dspf_vector *state,
                            uint32_t type, uint32_t flags);
-
 DSP_API int32_t dsph_dft (const dsp_vector  *x, dsp_vector  *y, dsp_vector  *accumulator, dsp_vector  *state,
                            uint32_t type, uint32_t flags);
 DSP_API int32_t dspfh_dft(const dspf_vector *x, dspf_vector *y, dspf_vector *accumulator, dspf_vector *state,
