@@ -921,7 +921,8 @@ enum {
  * Computed by a real transform of the reordered samples (Makhoul, IEEE Trans. ASSP 28, 27-34, 1980).
  *   params   flags: DSP_DCT_*
  *   keeps    points, real
- *   delta    becomes 1/(2 N delta), huge where delta is 0; the inverse with the same flags restores samples and delta
+ *   delta    becomes 1/(2 N delta); where delta is 0, half of huge, or huge if there are no points. The inverse with the
+ *            same DSP_DCT_ORTHONORMAL restores samples and delta.
  *   fails    complex (untouched)
  */
 DSP_API int32_t dspi_dct (dsp_vector  *v, uint32_t flags);

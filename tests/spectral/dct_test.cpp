@@ -7,7 +7,7 @@ namespace {
 TWIN(i, dct);
 TWIN(, free_internal);
 
-constexpr uint32_t kInverse = 1, kOrthonormal = 2;
+constexpr uint32_t kInverse = DSP_DCT_INVERSE, kOrthonormal = DSP_DCT_ORTHONORMAL;
 
 template <class T> struct Dct : ::testing::Test {};
 TYPED_TEST_SUITE(Dct, Precisions);
@@ -70,6 +70,18 @@ TYPED_TEST(Dct, ComplexIsRefusedAndNothingStaysNothing) {
       EXPECT_EQ(v->delta, kHuge<T>);
       EXPECT_EQ(v->points, n);
       EXPECT_EQ(v[0], T(5));
+    }
+  }
+}
+
+TYPED_TEST(Dct, SpacingOfZeroBecomesHalfOfHuge) {
+  using T = TypeParam;
+  for (const uint32_t flags : {0U, 1U}) {
+    for (const size_t n : {3, 4}) {
+      Vec<T> v = noise<T>(n, false);
+      v->delta = 0;
+      EXPECT_EQ(dct(v.get(), flags), 0);
+      EXPECT_EQ(v->delta, kHuge<T> / 2);
     }
   }
 }
