@@ -15,216 +15,232 @@
 #define SIGVEX_SPECTRAL_COLUMNS_INL_H
 #endif
 
+#include <algorithm>
+#include <type_traits>
+
 #include "spectral/passes-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace sigvex {
 namespace HWY_NAMESPACE {
 
-// One pass over `width` groups of columns of n rows. load(row, group) and store(row, group, z) reach a vector of
-// columns.
-template <size_t R, class D, class Load, class Store>
-HWY_INLINE void column_pass(D d, size_t n, size_t stride, size_t width, const hn::TFromD<D>* HWY_RESTRICT roots,
-                            Load load, Store store) {
-  const size_t columns = n / R / stride;
-  for (size_t p = 0; p < columns; ++p, roots += 2 * (R - 1)) {
-    for (size_t q = 0; q < stride; ++q) {
-      for (size_t group = 0; group < width; ++group) {
-        ComplexOf<D> x[R];
-        for (size_t k = 0; k < R; ++k) x[k] = load(q + stride * (p + columns * k), group);
-        transform(d, x);
-        if (columns > 1) {
-          for (size_t k = 1; k < R; ++k) x[k] = x[k] * broadcast(d, roots + 2 * (k - 1));
-        }
-        for (size_t k = 0; k < R; ++k) store(q + stride * (R * p + k), group, x[k]);
-      }
-    }
-  }
-}
-
-template <class D, class Load, class Store>
-HWY_INLINE void column_pass(D d, size_t radix, size_t n, size_t stride, size_t width, const hn::TFromD<D>* roots,
-                            Load load, Store store) {
-  switch (radix) {
-    case 4:
-      return column_pass<4>(d, n, stride, width, roots, load, store);
-    case 8:
-      return column_pass<8>(d, n, stride, width, roots, load, store);
-    default:
-      return column_pass<16>(d, n, stride, width, roots, load, store);
-  }
-}
-
-// The radices of a column of 2^bits rows, bits >= 5: as few as sixteens and eights allow, the eights first.
+// The radices of a column of 2^bits rows, bits >= 5: as few as sixteens allow, the smaller first. In a strip, a pass
+// leaves its results where its inputs were: the block of rows it works on becomes `radix` blocks, one for each result,
+// which the next pass takes one by one, so that the smaller they are, the nearer is their cache.
 struct Radices {
   explicit Radices(int bits) : count((bits + 3) / 4) {
-    int rest = bits;
-    for (int k = 0; k < count; ++k) {
+    for (int k = 0, rest = bits; k < count; ++k) {
       const int share = rest / (count - k);
       radix[k] = size_t{1} << share;
       rest -= share;
     }
   }
+
+  // The row of a strip that holds result `index`.
+  size_t row_of(size_t index, size_t rows) const {
+    size_t row = 0;
+    for (int k = 0; k < count; ++k) {
+      rows /= radix[k];
+      row += index % radix[k] * rows;
+      index /= radix[k];
+    }
+    return row;
+  }
+
   int count;
   size_t radix[8];
 };
 
-template <class T> size_t column_roots_size(int bits) {
-  const Radices r(bits);
-  size_t size = 0, n = size_t{1} << bits;
-  for (int k = 0; k + 1 < r.count; ++k) {
-    size += 2 * (r.radix[k] - 1) * (n / r.radix[k]);
-    n /= r.radix[k];
-  }
+template <class T> size_t column_roots_size(size_t n) {
+  const Radices r(static_cast<int>(hwy::CeilLog2(n)));
+  size_t size = 0;
+  for (int k = 0; k + 1 < r.count; n /= r.radix[k++]) size += 2 * (r.radix[k] - 1) * (n / r.radix[k]);
   return size;
 }
 
-template <class T> struct Split {
-  explicit Split(int bits) : bits1((bits + 1) / 2), bits2(bits / 2), n1(size_t{1} << bits1), n2(size_t{1} << bits2) {}
-  int bits1, bits2;
-  size_t n1, n2;
-};
-
-// Strips of several groups turn short runs in memory into longer ones, as far as they fit the second-level cache.
-template <class D> size_t strip_width(size_t rows, size_t other) {
-  constexpr size_t kBytes = size_t{1} << 18, kGroup = 2 * kLanes<D> * sizeof(hn::TFromD<D>);
-  size_t width = kBytes / (rows * kGroup);
-  if (width > 4) width = 4;
-  if (width > other / kLanes<D>) width = other / kLanes<D>;
-  return width < 1 ? 1 : width;
+template <class T> T* fill_column(size_t n, const TripleTable<T>& roots, T* to) {
+  const Radices r(static_cast<int>(hwy::CeilLog2(n)));
+  for (int k = 0; k + 1 < r.count; n /= r.radix[k++]) to = fill_pass(hn::CappedTag<T, 1>(), n, r.radix[k], roots, to);
+  return to;
 }
 
-template <class T> struct Columns {
-  using D = hn::ScalableTag<T>;
-  static constexpr size_t L = kLanes<D>;
-  using C = ComplexOf<D>;
+template <size_t R> using Radix = std::integral_constant<size_t, R>;
 
-  static size_t strip_size(int bits) {
-    const Split<T> s(bits);
-    const size_t a = (strip_width<D>(s.n1, s.n2) + 1) * s.n1, b = (strip_width<D>(s.n2, s.n1) + 1) * s.n2;
-    return 2 * L * (a > b ? a : b);
+template <class F> HWY_INLINE void with_radix(size_t radix, F f) {
+  switch (radix) {
+    case 4:
+      return f(Radix<4>());
+    case 8:
+      return f(Radix<8>());
+    default:
+      return f(Radix<16>());
   }
-  static size_t work_size(int bits) { return (size_t{2} << bits) + strip_size(bits); }
-  static size_t table_size(int bits) {
-    const Split<T> s(bits);
-    return column_roots_size<T>(s.bits1) + column_roots_size<T>(s.bits2) + 2 * s.n1 * L + 2 * s.n1 * (s.n2 / L);
+}
+
+// One pass over a block of `rows` rows. load(row) and store(row, z) reach a vector of columns.
+template <size_t R, class D, class Load, class Store>
+HWY_INLINE void column_pass(Radix<R>, D d, size_t rows, const hn::TFromD<D>* HWY_RESTRICT roots, Load load,
+                            Store store) {
+  const size_t apart = rows / R;
+  for (size_t p = 0; p < apart; ++p, roots += 2 * (R - 1)) {
+    ComplexOf<D> x[R];
+    for (size_t k = 0; k < R; ++k) x[k] = load(p + apart * k);
+    transform(d, x);
+    if (apart > 1) {
+      for (size_t k = 1; k < R; ++k) x[k] = x[k] * broadcast(d, roots + 2 * (k - 1));
+    }
+    for (size_t k = 0; k < R; ++k) store(p + apart * k, x[k]);
   }
-  static T* fill_column(int bits, const TripleTable<T>& roots, T* to) {
-    const Radices r(bits);
-    size_t n = size_t{1} << bits;
-    for (int k = 0; k + 1 < r.count; n /= r.radix[k++]) to = fill_pass(hn::CappedTag<T, 1>(), n, r.radix[k], roots, to);
-    return to;
+}
+
+// The passes from `pass` to before `end` on neighbouring blocks of a strip.
+template <class D, class T = hn::TFromD<D>>
+void column_passes(D d, const Radices& r, int pass, int end, size_t blocks, size_t rows, const T* roots, T* x) {
+  for (; pass < end; ++pass) {
+    const size_t radix = r.radix[pass];
+    with_radix(radix, [&](auto constant) HWY_ATTR {
+      for (size_t block = 0; block < blocks; ++block) {
+        T* const from = x + 2 * kLanes<D> * rows * block;
+        column_pass(
+            constant, d, rows, roots, [&](size_t k) HWY_ATTR { return load_block(d, from, k); },
+            [&](size_t k, ComplexOf<D> z) HWY_ATTR { store_block(d, z, from, k); });
+      }
+    });
+    blocks *= radix;
+    rows /= radix;
+    roots += 2 * (radix - 1) * rows;
   }
-  static void fill(int bits, const TripleTable<T>& roots, T* table) {
-    const Split<T> s(bits);
-    T* to = fill_column(s.bits2, roots, fill_column(s.bits1, roots, table));
-    const auto put = [&](T* re, T* im, size_t k) {
-      const Point<T> w = root_of(roots, k, s.n1 * s.n2);
-      *re = w.re;
-      *im = w.im;
+}
+
+// All passes before `end` but the first, whose blocks are taken one by one where all together exceed the nearest cache.
+template <class D, class T = hn::TFromD<D>>
+HWY_INLINE void inner_passes(D d, const Radices& r, int end, size_t rows, const T* roots, T* x) {
+  const size_t radix = r.radix[0], apart = rows / radix;
+  roots += 2 * (radix - 1) * apart;
+  if (r.count < 3) return column_passes(d, r, 1, end, radix, apart, roots, x);
+  for (size_t k = 0; k < radix; ++k) column_passes(d, r, 1, end, 1, apart, roots, x + 2 * kLanes<D> * apart * k);
+}
+
+template <class T> class Columns {
+ public:
+  explicit Columns(int bits)
+      : n1_(size_t{1} << (bits + 1) / 2), n2_(size_t{1} << bits / 2), r1_((bits + 1) / 2), r2_(bits / 2) {}
+
+  size_t work_size() const { return 2 * n1_ * n2_ + 2 * L * std::max(width(n1_) * n1_, width(n2_) * n2_); }
+
+  // The roots of the columns, those of the rows, and for each group of columns those that join both: w^(k l) for
+  // k < L, then w^(k l) for every L-th k, in whose products are all.
+  size_t table_size() const { return column_roots_size<T>(n1_) + column_roots_size<T>(n2_) + n2_ / L * joining_size(); }
+  void fill(const TripleTable<T>& roots, T* table) const {
+    T* to = fill_column(n2_, roots, fill_column(n1_, roots, table));
+    const auto put = [&](size_t k, size_t j) {
+      for (size_t l = 0; l < L; ++l, ++to) {
+        const Point<T> w = root_of(roots, k * (j + lane_point<D>(l)), n1_ * n2_);
+        to[0] = w.re;
+        to[L] = w.im;
+      }
+      to += L;
     };
-    for (size_t k = 0; k < s.n1; ++k, to += 2 * L) {
-      for (size_t l = 0; l < L; ++l) put(to + l, to + L + l, k * lane_point<D>(l));
-    }
-    for (size_t j = 0; j < s.n2; j += L) {
-      for (size_t k = 0; k < s.n1; ++k, to += 2) put(to, to + 1, k * j);
+    for (size_t j = 0; j < n2_; j += L) {
+      for (size_t k = 0; k < L; ++k) put(k, j);
+      for (size_t k = 0; k < n1_; k += L) put(k, j);
     }
   }
 
-  template <bool kInverse> static void run(int bits, const T* table, T* data, T* work, T factor) {
-    const D d;
-    const Split<T> s(bits);
-    T* const tiles = work;
-    T* const strip = work + (size_t{2} << bits);
-    const T* const roots2 = table + column_roots_size<T>(s.bits1);
-    const T* const inner = roots2 + column_roots_size<T>(s.bits2);
-    const T* const outer = inner + 2 * s.n1 * L;
-    columns<kInverse>(d, s, table, inner, outer, data, tiles, strip);
-    rows<kInverse>(d, s, roots2, tiles, data, strip, factor);
+  template <bool kInverse> void run(const T* table, T* data, T* work, T factor) const {
+    T* const strip = work + 2 * n1_ * n2_;
+    const T* const row_roots = table + column_roots_size<T>(n1_);
+    columns<kInverse>(table, row_roots + column_roots_size<T>(n2_), data, work, strip);
+    rows<kInverse>(row_roots, work, data, strip, factor);
   }
 
-  template <bool kInverse>
-  static void columns(D d, const Split<T>& s, const T* table, const T* inner, const T* outer, const T* data, T* tiles,
-                      T* strip) {
-    const Radices r(s.bits1);
-    const size_t width = strip_width<D>(s.n1, s.n2), group_size = 2 * L * s.n1;
-    T* const spare = strip + width * group_size;
-    for (size_t j = 0; j < s.n2 / L; j += width) {
-      const T* const from = data + 2 * L * j;
-      column_pass(
-          d, r.radix[0], s.n1, 1, width, table,
-          [&](size_t k, size_t group) HWY_ATTR { return load_points<kInverse>(d, from + 2 * (s.n2 * k + L * group)); },
-          [&](size_t k, size_t group, C z) HWY_ATTR { store_block(d, z, strip + group * group_size, k); });
-      for (size_t group = 0; group < width; ++group) {
-        const T* roots = table + 2 * (r.radix[0] - 1) * (s.n1 / r.radix[0]);
-        T *x = strip + group * group_size, *y = spare;
-        size_t stride = r.radix[0];
-        for (int k = 1; k < r.count; ++k) {
-          const size_t radix = r.radix[k];
+ private:
+  using D = hn::ScalableTag<T>;
+  using C = ComplexOf<D>;
+  static constexpr D d{};
+  static constexpr size_t L = kLanes<D>;
+
+  size_t joining_size() const { return 2 * L * (L + n1_ / L); }
+
+  // Groups of lanes in a strip of `rows` rows. Where the points come from beyond the second-level cache, several groups
+  // make longer runs in memory, as far as the strip still fits that cache.
+  size_t width(size_t rows) const {
+    constexpr size_t kNear = size_t{1} << 19, kStrip = size_t{1} << 18;
+    const size_t points = n1_ * n2_, most = points * 2 * sizeof(T) > kNear ? 4 : 2;
+    return std::clamp(kStrip / (rows * 2 * L * sizeof(T)), size_t{1}, std::min(most, points / rows / L));
+  }
+
+  template <bool kInverse> void columns(const T* roots, const T* joining, const T* data, T* tiles, T* strip) const {
+    const size_t groups = width(n1_), group_size = 2 * L * n1_;
+    for (size_t j = 0; j < n2_ / L; j += groups) {
+      with_radix(r1_.radix[0], [&](auto radix) HWY_ATTR {
+        for (size_t g = 0; g < groups; ++g) {
+          const T* const from = data + 2 * L * (j + g);
+          T* const x = strip + g * group_size;
           column_pass(
-              d, radix, s.n1, stride, 1, roots, [&](size_t i, size_t) HWY_ATTR { return load_block(d, x, i); },
-              [&](size_t i, size_t, C z) HWY_ATTR { store_block(d, z, y, i); });
-          stride *= radix;
-          roots += 2 * (radix - 1) * (s.n1 / stride);
-          T* const t = x;
-          x = y;
-          y = t;
+              radix, d, n1_, roots, [&](size_t k) HWY_ATTR { return load_points<kInverse>(d, from + 2 * n2_ * k); },
+              [&](size_t k, C z) HWY_ATTR { store_block(d, z, x, k); });
         }
-        tile_column(d, s, x, inner, outer + 2 * s.n1 * (j + group), tiles + 2 * L * L * (j + group));
+      });
+      for (size_t g = 0; g < groups; ++g, joining += joining_size()) {
+        T* const x = strip + g * group_size;
+        inner_passes(d, r1_, r1_.count, n1_, roots, x);
+        join(x, joining, tiles + 2 * L * L * (j + g));
       }
     }
   }
 
-  // A group of transformed columns, times the roots, into its tile of every row of tiles.
-  static HWY_INLINE void tile_column(D d, const Split<T>& s, const T* x, const T* inner, const T* outer, T* to) {
-    for (size_t k = 0; k < s.n1; k += L, to += 2 * L * s.n2) {
+  // A group of transformed columns, times the joining roots, into its tile of every row of tiles.
+  HWY_INLINE void join(const T* x, const T* joining, T* to) const {
+    size_t row[L];
+    for (size_t l = 0; l < L; ++l) row[l] = r1_.row_of(l, n1_);
+    for (size_t k = 0; k < n1_; k += L, to += 2 * L * n2_) {
+      const C w = load_block(d, joining, L + k / L);
+      const T* const first = x + 2 * L * r1_.row_of(k, n1_);
       C z[L], y[L];
-      for (size_t l = 0; l < L; ++l, inner += 2 * L, outer += 2) {
-        z[l] = load_block(d, x, k + l) * (load_block(d, inner, 0) * broadcast(d, outer));
-      }
+      for (size_t l = 0; l < L; ++l) z[l] = load_block(d, first, row[l]) * (w * load_block(d, joining, l));
       transpose_points(d, z, y);
       for (size_t l = 0; l < L; ++l) store_block(d, y[l], to, l);
     }
   }
 
-  template <bool kInverse>
-  static void rows(D d, const Split<T>& s, const T* table, const T* tiles, T* data, T* strip, T factor) {
-    const Radices r(s.bits2);
-    const size_t width = strip_width<D>(s.n2, s.n1), group_size = 2 * L * s.n2;
-    const auto scale = hn::Set(d, factor);
-    for (size_t k1 = 0; k1 < s.n1 / L; k1 += width) {
-      T* spare = strip + width * group_size;
-      T* group_data[4];
-      const T* roots = table;
-      for (size_t group = 0; group < width; ++group) {
-        const T* x = tiles + (k1 + group) * group_size;
-        T *y = strip + group * group_size, *other = spare;
-        roots = table;
-        size_t stride = 1;
-        for (int k = 0; k + 1 < r.count; ++k) {
-          const size_t radix = r.radix[k];
+  template <bool kInverse> void rows(const T* roots, const T* tiles, T* data, T* strip, T factor) const {
+    const size_t groups = width(n2_), group_size = 2 * L * n2_;
+    for (size_t k1 = 0; k1 < n1_ / L; k1 += groups) {
+      for (size_t g = 0; g < groups; ++g) {
+        const T* const from = tiles + (k1 + g) * group_size;
+        T* const x = strip + g * group_size;
+        with_radix(r2_.radix[0], [&](auto radix) HWY_ATTR {
           column_pass(
-              d, radix, s.n2, stride, 1, roots, [&](size_t i, size_t) HWY_ATTR { return load_block(d, x, i); },
-              [&](size_t i, size_t, C z) HWY_ATTR { store_block(d, z, y, i); });
-          stride *= radix;
-          roots += 2 * (radix - 1) * (s.n2 / stride);
-          x = y;
-          T* const t = other;
-          other = y;
-          y = t;
-        }
-        group_data[group] = other;
-        spare = y;
+              radix, d, n2_, roots, [&](size_t k) HWY_ATTR { return load_block(d, from, k); },
+              [&](size_t k, C z) HWY_ATTR { store_block(d, z, x, k); });
+        });
+        inner_passes(d, r2_, r2_.count - 1, n2_, roots, x);
       }
-      const size_t radix = r.radix[r.count - 1];
-      T* const to = data + 2 * L * k1;
-      column_pass(
-          d, radix, s.n2, s.n2 / radix, width, roots,
-          [&](size_t i, size_t group) HWY_ATTR { return load_block(d, group_data[group], i); },
-          [&](size_t i, size_t group, C z)
-              HWY_ATTR { store_points<kInverse>(d, kInverse ? z : z * scale, to + 2 * (s.n1 * i + L * group)); });
+      last_rows<kInverse>(strip, groups, data + 2 * L * k1, factor);
     }
   }
+
+  // The last pass over the groups of a strip; its blocks are taken in the order of their first results.
+  template <bool kInverse> HWY_INLINE void last_rows(const T* strip, size_t groups, T* data, T factor) const {
+    const auto scale = hn::Set(d, factor);
+    with_radix(r2_.radix[r2_.count - 1], [&](auto radix) HWY_ATTR {
+      const size_t blocks = n2_ / radix;
+      for (size_t block = 0; block < blocks; ++block) {
+        const T* x = strip + 2 * L * r2_.row_of(block, n2_);
+        T* to = data + 2 * n1_ * block;
+        for (size_t g = 0; g < groups; ++g, x += 2 * L * n2_, to += 2 * L) {
+          column_pass(
+              radix, d, radix, static_cast<const T*>(nullptr), [&](size_t k) HWY_ATTR { return load_block(d, x, k); },
+              [&](size_t k, C z)
+                  HWY_ATTR { store_points<kInverse>(d, kInverse ? z : z * scale, to + 2 * n1_ * blocks * k); });
+        }
+      }
+    });
+  }
+
+  size_t n1_, n2_;
+  Radices r1_, r2_;
 };
 
 }  // namespace HWY_NAMESPACE

@@ -116,18 +116,18 @@ template <class T, class F> HWY_INLINE auto with_passes(int bits, F f) {
 template <class T> constexpr int kLong = sizeof(T) == 8 ? 12 : 13;
 
 template <class T> size_t table_size(int bits) {
-  if (bits >= kLong<T>) return Columns<T>::table_size(bits);
+  if (bits >= kLong<T>) return Columns<T>(bits).table_size();
   return with_passes<T>(bits, [](auto passes) { return passes.table_size(); });
 }
 template <class T> size_t work_size(int bits) {
-  return bits >= kLong<T> ? Columns<T>::work_size(bits) : size_t{2} << bits;
+  return bits >= kLong<T> ? Columns<T>(bits).work_size() : size_t{2} << bits;
 }
 template <class T> void fill_table(int bits, const TripleTable<T>& roots, T* table) {
-  if (bits >= kLong<T>) return Columns<T>::fill(bits, roots, table);
+  if (bits >= kLong<T>) return Columns<T>(bits).fill(roots, table);
   with_passes<T>(bits, [&](auto passes) { passes.fill(roots, table); });
 }
 template <class T, bool kInverse> void run(int bits, const T* table, T* data, T* work, T scale) {
-  if (bits >= kLong<T>) return Columns<T>::template run<kInverse>(bits, table, data, work, scale);
+  if (bits >= kLong<T>) return Columns<T>(bits).template run<kInverse>(table, data, work, scale);
   with_passes<T>(bits, [&](auto passes) HWY_ATTR { passes.template run<kInverse>(table, data, work, scale); });
 }
 template <class T> void inverse(int bits, const T* table, T* data, T* work) {
