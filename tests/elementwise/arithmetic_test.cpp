@@ -46,32 +46,28 @@ TYPED_TEST(Arithmetic, AbsKeepsTheBitsOfNaN) {
 
 TYPED_TEST(Arithmetic, LimitClipsBothPartsAndReports) {
   using T = TypeParam;
-  struct Row {
+  const T inf = kInf<T>, nan = kNaN<T>, least = T(-0.0);
+  const auto limit = TWIN_OF(i, limit);
+  const struct {
     T a, b;
     std::vector<T> in, out;
     int32_t clipped;
-  };
-  const T inf = kInf<T>, nan = kNaN<T>;
-  const Row rows[] = {{5, -5, {-6, -5, T(-0.0), 6}, {-5, -5, T(-0.0), 5}, 1},
-                      {-5, 5, {-5, 5}, {-5, 5}, 0},
-                      {-1, 1, {0, nan}, {0, -1}, 1},
-                      {-inf, inf, {inf, -inf}, {inf, -inf}, 0},
-                      {0, 1, {}, {}, 0}};
-  const auto limit = TWIN_OF(i, limit);
-  for (const Row& row : rows) {
-    for (const bool complex : {false, true}) {
-      int32_t clipped = 9;
-      check<T>({{"limit", [&](auto* v) { return limit(v, 77, row.a, row.b, &clipped); }, complex ? kComplex : kReal,
-                 row.in, row.out}});
-      EXPECT_EQ(clipped, row.clipped);
-      Vec<T> v = make(row.in, complex);
-      EXPECT_EQ(limit(v, 0, nan, 1, &clipped) + limit(v, 0, 1, nan, &clipped), -2);
-      EXPECT_TRUE(exactly(v, row.in));
-      EXPECT_EQ(clipped, row.clipped);
-      EXPECT_EQ(limit(v, 0, row.a, row.b, nullptr), 0);
-      EXPECT_TRUE(exactly(v, row.out));
-    }
+  } rows[] = {{5, -5, {-6, -5, least, 6}, {-5, -5, least, 5}, 1},
+              {-5, 5, {-5, 5}, {-5, 5}, 0},
+              {-1, 1, {0, nan}, {0, -1}, 1},
+              {-inf, inf, {inf, -inf}, {inf, -inf}, 0}};
+  for (const auto& row : rows) {
+    int32_t clipped = 9;
+    const InPlace<T> call = [&](auto* v) { return limit(v, 77, row.a, row.b, &clipped); };
+    check<T>({{"limit", call, kReal, row.in, row.out}, {"limit", call, kComplex, row.in, row.out}});
+    EXPECT_EQ(clipped, row.clipped);
   }
+  Vec<T> v{-6, 0};
+  int32_t clipped = 9;
+  EXPECT_EQ(limit(v, 0, nan, 1, &clipped) + limit(v, 0, 1, nan, &clipped), -2);
+  EXPECT_TRUE(clipped == 9 && exactly(v, {-6, 0}));
+  EXPECT_EQ(limit(v, 0, -5, 5, nullptr), 0);
+  EXPECT_TRUE(exactly(v, {-5, 0}));
 }
 
 }  // namespace

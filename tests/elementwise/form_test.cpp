@@ -37,18 +37,5 @@ TYPED_TEST(FormOf, ExactResults) {
   // clang-format on
 }
 
-TYPED_TEST(FormOf, PolarFormGoesThereAndBackInPlace) {
-  using T = TypeParam;
-  std::vector<std::complex<T>> z;
-  for (int k = 0; k < 100; ++k) z.push_back(std::polar(T(0.01) * static_cast<T>(k * k), T(0.7) * static_cast<T>(k)));
-  Vec<T> v(z);
-  const T* const data = v->data;
-  EXPECT_EQ(TWIN_OF(i, rtop)(v) + TWIN_OF(i, ptor)(v), 0);
-  // half an ulp of pi in the angle, one each of magnitude, cosine and product
-  for (size_t k = 0; k < z.size(); ++k) EXPECT_LE(std::abs(v.at(k) - z[k]), 4 * kEps<T> * std::abs(z[k])) << k;
-  EXPECT_EQ(TWIN_OF(i, mag)(v) + TWIN_OF(i, rtoc)(v), 0);  // what turns real fits when it turns complex again
-  EXPECT_EQ(v->data, data);
-}
-
 }  // namespace
 }  // namespace sigvex_test
