@@ -12,18 +12,20 @@ namespace sigvex_test {
 
 using Wide = std::complex<long double>;
 
+template <class T> Wide wide(const Vec<T>& v, size_t k) { return v->complex ? Wide(v.at(k)) : Wide(v[k]); }
+
 // Of n samples, each bin summed when asked for.
 class ReferenceTransform {
  public:
   template <class T> ReferenceTransform(const Vec<T>& v, bool inverse) : inverse_(inverse) {
     const size_t n = static_cast<size_t>(v->points);
     for (size_t k = 0; k < n; ++k) {
-      samples_.emplace_back(v->complex ? Wide(v.at(k)) : Wide(v[k]));
+      samples_.push_back(wide(v, k));
       const long double angle = 2 * kPi * static_cast<long double>(k) / static_cast<long double>(n);
       roots_.emplace_back(std::cos(angle), inverse ? std::sin(angle) : -std::sin(angle));
     }
   }
-  Wide bin(size_t k) const {
+  Wide operator()(size_t k) const {
     Wide sum = 0;
     for (size_t j = 0; j < samples_.size(); ++j) sum += samples_[j] * roots_[j * k % samples_.size()];
     return inverse_ ? sum : sum / static_cast<long double>(samples_.size());
@@ -34,13 +36,13 @@ class ReferenceTransform {
   std::vector<Wide> samples_, roots_;
 };
 
-// Relative error in the mean square over every step-th bin.
-template <class T> double transform_error(const Vec<T>& bins, const ReferenceTransform& reference, size_t step = 1) {
+// Relative error in the mean square of every step-th point; expected(k) is point k in extended precision.
+template <class T, class E> double transform_error(const Vec<T>& v, const E& expected, size_t step = 1) {
   long double error = 0, power = 0;
-  for (size_t k = 0; k < static_cast<size_t>(bins->points); k += step) {
-    const Wide expected = reference.bin(k);
-    error += std::norm((bins->complex ? Wide(bins.at(k)) : Wide(bins[k])) - expected);
-    power += std::norm(expected);
+  for (size_t k = 0; k < static_cast<size_t>(v->points); k += step) {
+    const Wide point = expected(k);
+    error += std::norm(wide(v, k) - point);
+    power += std::norm(point);
   }
   return static_cast<double>(std::sqrt(error / power));
 }
@@ -55,21 +57,16 @@ template <class T> Vec<T> noise(size_t n, bool complex) {
   std::normal_distribution<double> normal;
   std::vector<T> samples(complex ? 2 * n : n);
   for (T& x : samples) x = static_cast<T>(normal(source));
-  if (!complex) return Vec<T>(samples);
-  std::vector<std::complex<T>> points(n);
-  for (size_t k = 0; k < n; ++k) points[k] = {samples[2 * k], samples[2 * k + 1]};
-  return Vec<T>(points);
+  Vec<T> v(samples);
+  v->points = static_cast<int32_t>(n);
+  v->complex = complex;
+  return v;
 }
 
 // Relative difference of two vectors of one form in the mean square.
 template <class T> double difference(const Vec<T>& a, const Vec<T>& b) {
   EXPECT_EQ(a.size(), b.size());
-  double error = 0, power = 0;
-  for (size_t k = 0; k < std::min(a.size(), b.size()); ++k) {
-    error += std::norm(static_cast<double>(a[k]) - static_cast<double>(b[k]));
-    power += std::norm(static_cast<double>(b[k]));
-  }
-  return std::sqrt(error / power);
+  return transform_error(a, [&](size_t k) { return wide(b, k); });
 }
 
 }  // namespace sigvex_test

@@ -23,26 +23,19 @@ struct Descriptor {
   bool committed = false;
 };
 
-std::vector<Complex> sums(const std::vector<Complex>& x, double turn, double scale) {
-  const size_t n = x.size();
-  std::vector<Complex> y(n);
-  for (size_t k = 0; k < n; ++k) {
-    for (size_t j = 0; j < n; ++j) {
-      y[k] += scale * x[j] * std::polar(1.0, turn * static_cast<double>(j * k % n) / static_cast<double>(n));
-    }
-  }
-  return y;
-}
-
 template <class T> void transform(const Descriptor& d, T* data, bool backward) {
   const bool real = d.domain != kComplexDomain;
-  std::vector<Complex> x(d.length);
-  for (size_t k = 0; k < d.length; ++k) x[k] = real ? Complex(data[k]) : Complex(data[2 * k], data[2 * k + 1]);
-  const double turn = (backward ? 2 : -2) * 3.14159265358979323846;
-  const std::vector<Complex> y = sums(x, turn, backward ? 1 : d.scale);
-  for (size_t k = 0; k < (real ? d.length / 2 + 1 : d.length); ++k) {
-    data[2 * k] = static_cast<T>(y[k].real());
-    data[2 * k + 1] = static_cast<T>(y[k].imag());
+  const size_t n = d.length;
+  std::vector<Complex> x(n);
+  for (size_t k = 0; k < n; ++k) x[k] = real ? Complex(data[k]) : Complex(data[2 * k], data[2 * k + 1]);
+  const double turn = (backward ? 2 : -2) * 3.14159265358979323846 / static_cast<double>(n);
+  for (size_t k = 0; k < (real ? n / 2 + 1 : n); ++k) {
+    Complex sum = 0;
+    for (size_t j = 0; j < n; ++j) {
+      sum += x[j] * std::polar(backward ? 1 : d.scale, turn * static_cast<double>(j * k % n));
+    }
+    data[2 * k] = static_cast<T>(sum.real());
+    data[2 * k + 1] = static_cast<T>(sum.imag());
   }
 }
 

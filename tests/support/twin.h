@@ -42,6 +42,21 @@ template <class Double, class Float> Twin(Double, Float) -> Twin<Double, Float>;
 // TWIN(i, log) makes log stand for dspi_log and dspfi_log.
 #define TWIN(family, op) \
   [[maybe_unused]] constexpr sigvex_test::Twin op { &dsp##family##_##op, &dspf##family##_##op }
+// TWINS(i, log, exp) does so for each of the operations.
+#define TWINS(family, ...)     FOR_EACH(TWIN_ENTRY, family, __VA_ARGS__) static_assert(true)
+#define TWIN_ENTRY(family, op) TWIN(family, op);
+
+// FOR_EACH(entry, common, a, b) becomes entry(common, a) entry(common, b), for up to 64 of them: each step leaves the
+// next one unexpanded, and every level of REPEAT scans the rest four times more.
+#define FOR_EACH(entry, common, ...) REPEAT(FOR_EACH_STEP(entry, common, __VA_ARGS__))
+#define FOR_EACH_STEP(entry, common, first, ...) \
+  entry(common, first) __VA_OPT__(FOR_EACH_NEXT NO_ARGUMENTS(entry, common, __VA_ARGS__))
+#define FOR_EACH_NEXT() FOR_EACH_STEP
+#define NO_ARGUMENTS    ()
+#define REPEAT(...)     REPEAT_16(REPEAT_16(REPEAT_16(REPEAT_16(__VA_ARGS__))))
+#define REPEAT_16(...)  REPEAT_4(REPEAT_4(REPEAT_4(REPEAT_4(__VA_ARGS__))))
+#define REPEAT_4(...)   REPEAT_1(REPEAT_1(REPEAT_1(REPEAT_1(__VA_ARGS__))))
+#define REPEAT_1(...)   __VA_ARGS__
 
 using Precisions = ::testing::Types<double, float>;
 
@@ -55,7 +70,7 @@ constexpr long double kPi = 3.141592653589793238462643383279502884L;
 // A record that owns its samples and releases them; converts to the pointer that the C functions take.
 template <class T> class Vec {
  public:
-  Vec() : v_{} { init(); }
+  Vec() : v_{} { kInit(get()); }
   Vec(std::initializer_list<T> samples) : Vec(std::vector<T>(samples)) {}
   explicit Vec(const std::vector<T>& samples) : Vec() {
     v_.points = static_cast<int32_t>(samples.size());
@@ -81,10 +96,7 @@ template <class T> class Vec {
     std::swap(v_, other.v_);
     return *this;
   }
-  ~Vec() {
-    if constexpr (std::is_same_v<T, double>) dsp_destroy(&v_);
-    else dspf_destroy(&v_);
-  }
+  ~Vec() { kDestroy(get()); }
 
   operator Record<T>*() { return &v_; }
   operator const Record<T>*() const { return &v_; }
@@ -100,13 +112,11 @@ template <class T> class Vec {
   std::vector<T> samples() const { return std::vector<T>(v_.data, v_.data + size()); }
 
  private:
-  void init() {
-    if constexpr (std::is_same_v<T, double>) dsp_init(&v_);
-    else dspf_init(&v_);
-  }
+  static constexpr Twin kInit{&dsp_init, &dspf_init}, kDestroy{&dsp_destroy, &dspf_destroy},
+      kAlloc{&dsp_alloc, &dspf_alloc};
+
   void fill(const T* from, size_t n) {
-    if constexpr (std::is_same_v<T, double>) ASSERT_EQ(dsp_alloc(&v_), 0);
-    else ASSERT_EQ(dspf_alloc(&v_), 0);
+    ASSERT_EQ(kAlloc(get()), 0);
     if (n > 0) std::copy_n(from, n, v_.data);
   }
 
@@ -118,13 +128,13 @@ template <class T> bool identical(T a, T b) {
   return std::isnan(a) ? std::isnan(b) : a == b && std::signbit(a) == std::signbit(b);
 }
 
-// The scalars of a vector equal the expected ones exactly (NaN to NaN, -0.0 apart from 0.0).
-template <class T> AssertionResult exactly(const Vec<T>& v, const std::vector<T>& expected) {
+template <class T, class U, class Agree>
+AssertionResult scalars_agree(const Vec<T>& v, const std::vector<U>& expected, Agree agree) {
   if (v.size() != expected.size()) {
     return ::testing::AssertionFailure() << v.size() << " scalars, expected " << expected.size();
   }
   for (size_t k = 0; k < expected.size(); ++k) {
-    if (!identical<T>(v[k], expected[k])) {
+    if (!agree(v[k], expected[k])) {
       return ::testing::AssertionFailure() << "scalar " << k << " is " << ::testing::PrintToString(v[k])
                                            << ", expected " << ::testing::PrintToString(expected[k]);
     }
@@ -132,20 +142,18 @@ template <class T> AssertionResult exactly(const Vec<T>& v, const std::vector<T>
   return ::testing::AssertionSuccess();
 }
 
+// The scalars of a vector equal the expected ones exactly (NaN to NaN, -0.0 apart from 0.0).
+template <class T> AssertionResult exactly(const Vec<T>& v, const std::vector<T>& expected) {
+  return scalars_agree(v, expected, identical<T>);
+}
+
 // The scalars of a vector are within `tolerance` times the magnitude of the expected ones (at least `floor`).
 template <class T, class U>
 AssertionResult close(const Vec<T>& v, const std::vector<U>& expected, double tolerance, double floor = 0) {
-  if (v.size() != expected.size()) {
-    return ::testing::AssertionFailure() << v.size() << " scalars, expected " << expected.size();
-  }
-  for (size_t k = 0; k < expected.size(); ++k) {
-    const double e = static_cast<double>(expected[k]), x = static_cast<double>(v[k]);
-    if (!(std::abs(x - e) <= tolerance * std::max(std::abs(e), floor))) {
-      return ::testing::AssertionFailure()
-             << "scalar " << k << " is " << ::testing::PrintToString(x) << ", expected " << ::testing::PrintToString(e);
-    }
-  }
-  return ::testing::AssertionSuccess();
+  return scalars_agree(v, expected, [=](T x, U e) {
+    const double wanted = static_cast<double>(e);
+    return std::abs(static_cast<double>(x) - wanted) <= tolerance * std::max(std::abs(wanted), floor);
+  });
 }
 
 }  // namespace sigvex_test
