@@ -10,30 +10,18 @@
 namespace sigvex_test {
 namespace {
 
-TWIN(, dft_get_flags);
-TWIN(, dft_set_flags);
-TWIN(, omp_get_max_threads);
-TWIN(, omp_set_num_threads);
-TWIN(, kmp_get_blocktime);
-TWIN(, kmp_set_blocktime);
+TWINS(, dft_get_flags, dft_set_flags, omp_get_max_threads, omp_set_num_threads, kmp_get_blocktime, kmp_set_blocktime);
 TWIN(, free_internal);
 
-// These take no record to choose the precision by.
-template <class T> uint32_t flags() {
-  uint32_t word = 99;
-  EXPECT_EQ(dft_get_flags.of<T>()(&word), 0);
+// What a getter writes; no record chooses its precision.
+template <class T, class Word> Word got(const auto& getter) {
+  Word word = 99;
+  EXPECT_EQ(getter.template of<T>()(&word), 0);
   return word;
 }
-template <class T> int32_t max_threads() {
-  int32_t count = 99;
-  EXPECT_EQ(omp_get_max_threads.of<T>()(&count), 0);
-  return count;
-}
-template <class T> int32_t blocktime() {
-  int32_t milliseconds = 99;
-  EXPECT_EQ(kmp_get_blocktime.of<T>()(&milliseconds), 0);
-  return milliseconds;
-}
+template <class T> uint32_t flags() { return got<T, uint32_t>(dft_get_flags); }
+template <class T> int32_t max_threads() { return got<T, int32_t>(omp_get_max_threads); }
+template <class T> int32_t blocktime() { return got<T, int32_t>(kmp_get_blocktime); }
 std::string variable(const char* name) {
   const char* const value = getenv(name);
   return value ? value : "(unset)";
@@ -41,18 +29,16 @@ std::string variable(const char* name) {
 
 template <class T> struct Settings : ::testing::Test {
   void SetUp() override {
-    for (const char* name : {"SIGVEX_MKL_LIBRARY", "SIGVEX_OMP_LIBRARY", "KMP_BLOCKTIME", "MKL_DISABLE_FAST_MM"}) {
+    for (const char* name : {"SIGVEX_MKL_LIBRARY", "SIGVEX_OMP_LIBRARY", "KMP_BLOCKTIME", "MKL_DISABLE_FAST_MM"})
       unsetenv(name);
-    }
-    if (dlopen("libmkl_rt.so.2", RTLD_NOW) || dlopen("libmkl_rt.so", RTLD_NOW))
-      GTEST_SKIP() << "needs a machine without";
+    if (dlopen("libmkl_rt.so.2", RTLD_NOW) || dlopen("libmkl_rt.so", RTLD_NOW)) GTEST_SKIP() << "needs none installed";
   }
 };
 TYPED_TEST_SUITE(Settings, Precisions);
 
-TYPED_TEST(Settings, WithoutATransformLibraryItsBitsStayClear) {
+TYPED_TEST(Settings, FlagsAndVariables) {
   using T = TypeParam;
-  IN_FRESH_PROCESS({
+  IN_FRESH_PROCESS({  // without a transform library its bits stay clear
     EXPECT_EQ(omp_get_max_threads.of<T>()(nullptr), 0);
     EXPECT_EQ(kmp_get_blocktime.of<T>()(nullptr), 0);
     EXPECT_EQ(variable("KMP_BLOCKTIME"), "(unset)");  // a null pointer is not even a first use
@@ -69,11 +55,7 @@ TYPED_TEST(Settings, WithoutATransformLibraryItsBitsStayClear) {
     EXPECT_EQ(dft_set_flags.of<T>()(0x8000f123U), 0);
     EXPECT_EQ(flags<T>(), 0x80008123U);
   });
-}
-
-TYPED_TEST(Settings, EveryVariableThatIsSetKeepsItsValue) {
-  using T = TypeParam;
-  IN_FRESH_PROCESS({
+  IN_FRESH_PROCESS({  // a variable that is set keeps its value
     StandIn& library = use_stand_in();
     setenv("KMP_BLOCKTIME", "", 1);
     setenv("MKL_DISABLE_FAST_MM", "a value longer than twenty characters", 1);
@@ -82,12 +64,8 @@ TYPED_TEST(Settings, EveryVariableThatIsSetKeepsItsValue) {
     EXPECT_EQ(variable("MKL_DISABLE_FAST_MM"), "a value longer than twenty characters");
     EXPECT_EQ(library.fast_mm_disabled, 0);
   });
-}
-
-TYPED_TEST(Settings, WithBothLibrariesTheAvailableBitCannotBeCleared) {
-  using T = TypeParam;
   using Other = std::conditional_t<std::is_same_v<T, double>, float, double>;
-  IN_FRESH_PROCESS({
+  IN_FRESH_PROCESS({  // with both libraries, the bit that says available cannot be cleared
     StandIn& library = use_stand_in();
     EXPECT_EQ(dft_set_flags.of<T>()(0x2005), 0);  // a first use, too
     EXPECT_EQ(flags<T>(), 0x3005U);
@@ -115,13 +93,9 @@ TYPED_TEST(Settings, ReachTheOpenMpRuntime) {
     EXPECT_EQ(max_threads<T>(), 3);
     EXPECT_EQ(flags<T>(), 8U);
   });
-}
-
-TYPED_TEST(Settings, OtherBitsWithoutAnyRuntimeDoNothing) {
-  using T = TypeParam;
-  IN_FRESH_PROCESS({
+  IN_FRESH_PROCESS({  // but does nothing where no file opens, so that no runtime loads
     const rlimit none{0, 0};
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);  // no file opens: no library loads
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
     EXPECT_EQ(dft_set_flags.of<T>()(8), 0);
     EXPECT_EQ(omp_set_num_threads.of<T>()(3), 0);
     EXPECT_EQ(kmp_set_blocktime.of<T>()(3), 0);
@@ -130,7 +104,7 @@ TYPED_TEST(Settings, OtherBitsWithoutAnyRuntimeDoNothing) {
   });
 }
 
-TYPED_TEST(Settings, AFileWithoutTheEntryPointsIsPassedOver) {
+TYPED_TEST(Settings, FilesWithoutTheEntryPointsArePassedOver) {
   using T = TypeParam;
   IN_FRESH_PROCESS({
     use_stand_in();
@@ -138,15 +112,7 @@ TYPED_TEST(Settings, AFileWithoutTheEntryPointsIsPassedOver) {
     EXPECT_EQ(flags<T>(), 0x7000U);  // with the runtime next in line
     EXPECT_GE(max_threads<T>(), 1);
   });
-  for (const char* file : {"libm.so.6", "/nowhere/library.so", ""}) {
-    setenv("SIGVEX_MKL_LIBRARY", file, 1);
-    IN_FRESH_PROCESS({ EXPECT_EQ(flags<T>(), 0U); });
-  }
-}
-
-TYPED_TEST(Settings, ARuntimeThatIsLoadedIsPreferredToASecondCopy) {
-  using T = TypeParam;
-  IN_FRESH_PROCESS({
+  IN_FRESH_PROCESS({  // a runtime that is loaded is preferred to a second copy
     use_stand_in();
     void* const runtime = dlopen("libomp.so.5", RTLD_NOW);
     ASSERT_NE(runtime, nullptr);
@@ -159,6 +125,10 @@ TYPED_TEST(Settings, ARuntimeThatIsLoadedIsPreferredToASecondCopy) {
     EXPECT_EQ(dlopen(copy.c_str(), RTLD_NOW | RTLD_NOLOAD), nullptr);
     std::filesystem::remove(copy);
   });
+  for (const char* file : {"libm.so.6", "/nowhere/library.so", ""}) {
+    setenv("SIGVEX_MKL_LIBRARY", file, 1);
+    IN_FRESH_PROCESS({ EXPECT_EQ(flags<T>(), 0U); });
+  }
 }
 
 }  // namespace

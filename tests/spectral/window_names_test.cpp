@@ -1,6 +1,6 @@
-#include <clocale>
 #include <cstring>
-#include <set>
+#include <iterator>
+#include <sstream>
 #include <string>
 
 #include "support/twin.h"
@@ -8,103 +8,25 @@
 namespace sigvex_test {
 namespace {
 
-TWIN(, window_from_str);
-TWIN(, window_to_str);
+TWINS(, window_from_str, window_to_str);
 
-struct Named {
-  uint32_t type;
-  std::vector<const char*> plain;  // the first is the one the type is shown by
-};
-const Named kPlain[] = {
-    {0, {"Uniform", "Rectangular", "None", "P000"}},
-    {1, {"Bartlett", "Triangular"}},
-    {2, {"Hann", "P110"}},
-    {3, {"Hamming", "P100"}},
-    {4, {"Blackman"}},
-    {5, {"BlackmanHarris3", "Blackman_Harris3", "P200"}},
-    {6, {"BlackmanHarris4", "Blackman_Harris4", "P310", "Lowleak"}},
-    {7, {"Gausstop", "P400", "Cheby5"}},
-    {8, {"Flat4", "P301"}},
-    {9, {"FlatTop", "Flattop", "Flat5", "P401"}},
-    {10, {"Flat6", "P511"}},
-    {11, {"Flat7", "P611"}},
-    {12, {"P501"}},
-    {13, {"P601"}},
-    {14, {"Kaiser70"}},
-    {15, {"Kaiser80"}},
-    {16, {"Kaiser90"}},
-    {17, {"Kaiser100"}},
-    {18, {"Kaiser110"}},
-    {19, {"Kaiser120"}},
-    {20, {"Gauss60"}},
-    {21, {"Gauss70"}},
-    {22, {"Gauss80"}},
-    {23, {"Riemann", "Sinc_Lobe"}},
-    {24, {"Tukey25"}},
-    {25, {"CosineLobe", "Cos_Lobe", "RRC", "Sqrt_Hann"}},
-    {26, {"Chebyshev6", "Cheby6"}},
-    {27, {"Chebyshev7", "Cheby7"}},
-    {28, {"Nuttall", "Cheby4", "Blackman_Nuttall"}},
-    {29, {"OriginalBlackmanHarris4", "Orig_Blackman_Harris4"}},
-    {30, {"Kaiser89"}},
-    {31, {"Gauss73"}},
-};
+// The plain names of types 0 to 31; a type is shown by its first.
+constexpr char kPlain[] =
+    "Uniform Rectangular None P000, Bartlett Triangular, Hann P110, Hamming P100, Blackman, "
+    "BlackmanHarris3 Blackman_Harris3 P200, BlackmanHarris4 Blackman_Harris4 P310 Lowleak, Gausstop P400 Cheby5, "
+    "Flat4 P301, FlatTop Flattop Flat5 P401, Flat6 P511, Flat7 P611, P501, P601, Kaiser70, Kaiser80, Kaiser90, "
+    "Kaiser100, "
+    "Kaiser110, Kaiser120, Gauss60, Gauss70, Gauss80, Riemann Sinc_Lobe, Tukey25, CosineLobe Cos_Lobe RRC Sqrt_Hann, "
+    "Chebyshev6 Cheby6, Chebyshev7 Cheby7, Nuttall Cheby4 Blackman_Nuttall, "
+    "OriginalBlackmanHarris4 Orig_Blackman_Harris4, Kaiser89, Gauss73";
 
-#define ENUMERATOR(name) \
-  { #name, name }
-const std::pair<const char*, uint32_t> kEnumerators[] = {ENUMERATOR(DSP_WINDOW_UNIFORM),
-                                                         ENUMERATOR(DSP_WINDOW_RECTANGULAR),
-                                                         ENUMERATOR(DSP_WINDOW_NONE),
-                                                         ENUMERATOR(DSP_WINDOW_P000),
-                                                         ENUMERATOR(DSP_WINDOW_BARTLETT),
-                                                         ENUMERATOR(DSP_WINDOW_TRIANGULAR),
-                                                         ENUMERATOR(DSP_WINDOW_HANN),
-                                                         ENUMERATOR(DSP_WINDOW_P110),
-                                                         ENUMERATOR(DSP_WINDOW_HAMMING),
-                                                         ENUMERATOR(DSP_WINDOW_P100),
-                                                         ENUMERATOR(DSP_WINDOW_BLACKMAN),
-                                                         ENUMERATOR(DSP_WINDOW_BLACKMAN_HARRIS3),
-                                                         ENUMERATOR(DSP_WINDOW_P200),
-                                                         ENUMERATOR(DSP_WINDOW_BLACKMAN_HARRIS4),
-                                                         ENUMERATOR(DSP_WINDOW_P310),
-                                                         ENUMERATOR(DSP_WINDOW_LOWLEAK),
-                                                         ENUMERATOR(DSP_WINDOW_GAUSSTOP),
-                                                         ENUMERATOR(DSP_WINDOW_P400),
-                                                         ENUMERATOR(DSP_WINDOW_CHEBY5),
-                                                         ENUMERATOR(DSP_WINDOW_FLAT4),
-                                                         ENUMERATOR(DSP_WINDOW_P301),
-                                                         ENUMERATOR(DSP_WINDOW_FLATTOP),
-                                                         ENUMERATOR(DSP_WINDOW_FLAT5),
-                                                         ENUMERATOR(DSP_WINDOW_P401),
-                                                         ENUMERATOR(DSP_WINDOW_FLAT6),
-                                                         ENUMERATOR(DSP_WINDOW_P511),
-                                                         ENUMERATOR(DSP_WINDOW_FLAT7),
-                                                         ENUMERATOR(DSP_WINDOW_P611),
-                                                         ENUMERATOR(DSP_WINDOW_P501),
-                                                         ENUMERATOR(DSP_WINDOW_P601),
-                                                         ENUMERATOR(DSP_WINDOW_KAISER70),
-                                                         ENUMERATOR(DSP_WINDOW_KAISER80),
-                                                         ENUMERATOR(DSP_WINDOW_KAISER90),
-                                                         ENUMERATOR(DSP_WINDOW_KAISER100),
-                                                         ENUMERATOR(DSP_WINDOW_KAISER110),
-                                                         ENUMERATOR(DSP_WINDOW_KAISER120),
-                                                         ENUMERATOR(DSP_WINDOW_GAUSS60),
-                                                         ENUMERATOR(DSP_WINDOW_GAUSS70),
-                                                         ENUMERATOR(DSP_WINDOW_GAUSS80),
-                                                         ENUMERATOR(DSP_WINDOW_RIEMANN),
-                                                         ENUMERATOR(DSP_WINDOW_SINC_LOBE),
-                                                         ENUMERATOR(DSP_WINDOW_TUKEY25),
-                                                         ENUMERATOR(DSP_WINDOW_COS_LOBE),
-                                                         ENUMERATOR(DSP_WINDOW_RRC),
-                                                         ENUMERATOR(DSP_WINDOW_SQRT_HANN),
-                                                         ENUMERATOR(DSP_WINDOW_CHEBY6),
-                                                         ENUMERATOR(DSP_WINDOW_CHEBY7),
-                                                         ENUMERATOR(DSP_WINDOW_CHEBY4),
-                                                         ENUMERATOR(DSP_WINDOW_NUTTALL),
-                                                         ENUMERATOR(DSP_WINDOW_BLACKMAN_NUTTALL),
-                                                         ENUMERATOR(DSP_WINDOW_ORIG_BLACKMAN_HARRIS4),
-                                                         ENUMERATOR(DSP_WINDOW_KAISER89),
-                                                         ENUMERATOR(DSP_WINDOW_GAUSS73)};
+#define ENUMERATOR(prefix, name) {#prefix #name, prefix##name},
+constexpr std::pair<const char*, uint32_t> kEnumerators[] = {
+    FOR_EACH(ENUMERATOR, DSP_WINDOW_, UNIFORM, RECTANGULAR, NONE, P000, BARTLETT, TRIANGULAR, HANN, P110, HAMMING, P100,
+             BLACKMAN, BLACKMAN_HARRIS3, P200, BLACKMAN_HARRIS4, P310, LOWLEAK, GAUSSTOP, P400, CHEBY5, FLAT4, P301,
+             FLATTOP, FLAT5, P401, FLAT6, P511, FLAT7, P611, P501, P601, KAISER70, KAISER80, KAISER90, KAISER100,
+             KAISER110, KAISER120, GAUSS60, GAUSS70, GAUSS80, RIEMANN, SINC_LOBE, TUKEY25, COS_LOBE, RRC, SQRT_HANN,
+             CHEBY6, CHEBY7, CHEBY4, NUTTALL, BLACKMAN_NUTTALL, ORIG_BLACKMAN_HARRIS4, KAISER89, GAUSS73)};
 
 template <class T> struct WindowNames : ::testing::Test {};
 TYPED_TEST_SUITE(WindowNames, Precisions);
@@ -126,11 +48,15 @@ template <class T> void expect_type(std::string name, uint32_t type) {
 TYPED_TEST(WindowNames, AllNamesAreFoundInAnyCaseAndOnlyWhole) {
   using T = TypeParam;
   size_t names = 0;
-  for (const Named& row : kPlain) {
-    for (const char* const name : row.plain) ++names, expect_type<T>(name, row.type);
+  std::istringstream rows(kPlain);
+  std::string row;
+  for (uint32_t type = 0; std::getline(rows, row, ','); ++type) {
+    std::istringstream plain(row);
+    const std::vector<std::string> spellings(std::istream_iterator<std::string>(plain), {});
+    for (const std::string& name : spellings) ++names, expect_type<T>(name, type);
     char shown[40];
-    EXPECT_EQ(window_to_str.template of<T>()(row.type, shown, sizeof shown), 0);
-    EXPECT_STREQ(shown, row.plain[0]);
+    EXPECT_EQ(window_to_str.template of<T>()(type, shown, sizeof shown), 0);
+    EXPECT_EQ(shown, spellings[0]);
   }
   for (const auto& [name, type] : kEnumerators) ++names, expect_type<T>(name, type);
   EXPECT_EQ(names, 113U);

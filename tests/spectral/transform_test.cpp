@@ -1,0 +1,219 @@
+// The transforms against their definitions and back again, over lengths, forms and directions.
+#include <bit>
+#include <functional>
+
+#include "support/failing_storage.h"
+#include "support/reference_transform.h"
+
+namespace sigvex_test {
+namespace {
+
+TWINS(i, fft, rfft, irfft, dft, rdft, irdft, dct, hilbert, analytic);
+
+template <class T> struct Transform : ::testing::Test {};
+TYPED_TEST_SUITE(Transform, Precisions);
+
+struct Length {
+  size_t n, step = 1;  // every step-th bin is compared
+  bool power_of_two() const { return std::has_single_bit(n); }
+};
+constexpr Length kLengths[] = {{2},   {3},       {4},       {5},        {6},          {7},           {8},
+                               {9},   {12},      {16},      {31},       {33},         {64},          {99},
+                               {100}, {1009, 7}, {1024, 7}, {4098, 61}, {20011, 997}, {100003, 9973}};
+
+TYPED_TEST(Transform, EveryLengthWithinItsErrorBound) {
+  using T = TypeParam;
+  for (const Length& length : kLengths) {
+    const auto [n, step] = length;
+    for (const bool complex : {false, true}) {
+      const Vec<T> x = noise<T>(n, complex);
+      for (const uint32_t inverse : {0U, 2U, 0U}) {
+        const ReferenceTransform reference(x, inverse);
+        for (const bool fast : {false, true}) {
+          if (fast && !length.power_of_two()) continue;
+          Vec<T> v = x;
+          v->delta = T(0.5);
+          ASSERT_EQ(fast ? fft(v.get(), inverse) : dft(v.get(), inverse), 0);
+          EXPECT_LE(transform_error(v, reference, step), transform_bound<T>(n)) << n << ' ' << inverse;
+          EXPECT_EQ(v->points, static_cast<int32_t>(n));
+          EXPECT_EQ(v->complex, 1);
+          EXPECT_EQ(v->delta, T(1) / (static_cast<T>(n) * T(0.5)));
+        }
+      }
+    }
+  }
+}
+
+TYPED_TEST(Transform, HalfSpectraAndBack) {
+  using T = TypeParam;
+  for (const Length& length : kLengths) {
+    const auto [n, step] = length;
+    const Vec<T> x = noise<T>(n, false);
+    const ReferenceTransform reference(x, false);
+    for (const bool fast : {false, true}) {
+      if (fast && !length.power_of_two()) continue;
+      Vec<T> v = x;
+      v->delta = T(0.5);
+      ASSERT_EQ(fast ? rfft(v.get()) : rdft(v.get()), 0);
+      EXPECT_EQ(v->points, static_cast<int32_t>(n / 2 + 1));
+      EXPECT_EQ(v->delta, T(1) / (static_cast<T>(n) * T(0.5)));
+      EXPECT_LE(transform_error(v, reference, step), transform_bound<T>(n)) << n;
+      ASSERT_EQ(fast ? irfft(v.get()) : irdft(v.get(), n % 2 ? 4U : 0U), 0);  // any nonzero flag means odd
+      EXPECT_EQ(v->complex, 0);
+      EXPECT_LE(difference(v, x), 2 * transform_bound<T>(n)) << n;
+      EXPECT_NEAR(v->delta, 0.5, 2 * kEps<T>);
+    }
+  }
+}
+
+TYPED_TEST(Transform, CosineCoefficientsAndBack) {
+  using T = TypeParam;
+  for (const size_t n : {1, 2, 3, 4, 5, 6, 7, 8, 15, 16, 100, 127, 1000}) {
+    const double bound = transform_bound<T>(n) + 2.0 * kEps<T>;  // one more rounding, for the half angles
+    const Vec<T> x = noise<T>(n, false);
+    const auto mean_of_cosines = [&](size_t k) {
+      long double sum = 0;
+      for (size_t j = 0; j < n; ++j) {
+        const size_t quarter_turns = k * (2 * j + 1) % (4 * n);
+        sum += x[j] * std::cos(kPi * static_cast<long double>(quarter_turns) / static_cast<long double>(2 * n));
+      }
+      return sum / static_cast<long double>(n);
+    };
+    for (const uint32_t orthonormal : {0U, 2U}) {
+      Vec<T> v = x;
+      v->delta = T(0.25);
+      ASSERT_EQ(dct(v.get(), orthonormal), 0);
+      EXPECT_EQ(v->complex, 0);
+      EXPECT_NEAR(v->delta, 2.0 / static_cast<double>(n), 2.0 * kEps<T>);
+      const auto expected = [&](size_t k) {
+        return Wide(mean_of_cosines(k) * (!orthonormal ? 1 : k == 0 ? std::sqrt(2.0L) : 2));
+      };
+      EXPECT_LE(transform_error(v, expected), bound) << n;
+      ASSERT_EQ(dct(v.get(), orthonormal | 1), 0);
+      EXPECT_LE(difference(v, x), 2 * bound) << n;
+      EXPECT_NEAR(v->delta, 0.25, 2.0 * kEps<T>);
+    }
+  }
+}
+
+// A cosine becomes the sine; its offset, and for even n an alternation, have no Hilbert transform.
+TYPED_TEST(Transform, HilbertTurnsACosineIntoTheSine) {
+  using T = TypeParam;
+  for (const size_t n : {7, 8, 12, 15, 64, 100}) {
+    Vec<T> x = noise<T>(n, false), sine = x, z = noise<T>(n, true);
+    for (size_t k = 0; k < n; ++k) {
+      const long double angle = 2 * kPi * 3 * static_cast<long double>(k) / static_cast<long double>(n);
+      sine[k] = static_cast<T>(std::sin(angle));
+      z[2 * k] = 0;
+      z[2 * k + 1] = x[k] = static_cast<T>(std::cos(angle)) + (n % 2 == 0 && k % 2 ? T(-0.5) : T(0.5));
+    }
+    const auto check = [n](auto operation, Vec<T> v, int32_t complex, auto expected) {
+      v->delta = T(0.25);
+      EXPECT_EQ(operation(v.get()), 0);
+      EXPECT_EQ(v->complex, complex);
+      EXPECT_EQ(v->points, static_cast<int32_t>(n));
+      EXPECT_NEAR(v->delta, 0.25, kEps<T>);
+      EXPECT_LE(transform_error(v, expected), 2 * transform_bound<T>(n)) << n;
+    };
+    check(hilbert, x, 0, [&](size_t k) { return Wide(sine[k]); });
+    check(hilbert, z, 1, [&](size_t k) { return Wide(0, sine[k]); });
+    check(analytic, x, 1, [&](size_t k) { return Wide(x[k], sine[k]); });
+  }
+}
+
+// What has nothing to transform, or is refused, keeps everything but the spacing.
+TYPED_TEST(Transform, ShortVectorsAndRefusals) {
+  using T = TypeParam;
+  using R = Record<T>;
+  const struct {
+    std::function<int32_t(R*)> call;
+    std::vector<int32_t> points;
+    bool complex;
+    int32_t status;
+    T delta;  // afterwards, when it was 0.25
+  } rows[] = {
+      {[](R* v) { return dft(v, 0U); }, {1, 0, -3}, false, 0, 4},
+      {[](R* v) { return rdft(v); }, {1, 0}, false, 0, 4},
+      {[](R* v) { return fft(v, 0U); }, {1}, false, 0, 4},
+      {[](R* v) { return fft(v, 1U); }, {1}, true, 0, 4},
+      {[](R* v) { return rfft(v); }, {1}, false, 0, 4},
+      {[](R* v) { return dct(v, 0U); }, {0, -2}, false, 0, 2},
+      {[](R* v) { return dct(v, 3U); }, {0, -2}, false, 0, 2},
+      {[](R* v) { return hilbert(v); }, {0, -5}, false, 0, T(0.25)},
+      {[](R* v) { return analytic(v); }, {0, -5}, false, 0, T(0.25)},
+      {[](R* v) { return fft(v, 0U); }, {0, -1, -8, INT32_MIN, 3, 6}, false, -1, T(0.25)},
+      {[](R* v) { return rfft(v); }, {0, -1, -8, INT32_MIN, 3, 6}, false, -1, T(0.25)},
+      {[](R* v) { return rfft(v); }, {4}, true, -1, T(0.25)},
+      {[](R* v) { return rdft(v); }, {3}, true, -1, T(0.25)},
+      {[](R* v) { return dct(v, 0U); }, {3}, true, -1, T(0.25)},
+  };
+  for (const auto& row : rows) {
+    for (const int32_t points : row.points) {
+      for (const T delta : {T(0.25), T(0), T(-0.0)}) {
+        SCOPED_TRACE(::testing::Message() << "row " << &row - rows << ", " << points << " points");
+        Vec<T> v{1, 2, 3, 4, 5, 6, 7, 8};
+        v->points = points;
+        v->complex = row.complex;
+        v->delta = delta;
+        EXPECT_EQ(row.call(v), row.status);
+        EXPECT_EQ(v->delta, delta != 0 ? row.delta : row.delta == T(0.25) ? 0 : kHuge<T>);
+        EXPECT_EQ(v->points, points);
+        EXPECT_EQ(v->complex, row.complex);
+        v->points = 8;
+        v->complex = 0;
+        EXPECT_TRUE(exactly(v, {1, 2, 3, 4, 5, 6, 7, 8}));
+      }
+    }
+  }
+  Vec<T> one{7}, pair{1, 5}, point = Vec<T>::pairs({{7, 8}}), nothing{1};
+  EXPECT_EQ(irfft(nothing.get()), -1);  // the half spectrum of no sample
+  EXPECT_EQ(analytic(one.get()), 0);
+  EXPECT_TRUE(exactly(one, {7}));
+  for (Vec<T>* const v : {&one, &pair, &point}) {
+    EXPECT_EQ(hilbert(v->get()), 0);
+    EXPECT_TRUE(exactly(*v, std::vector<T>(v->size())));
+  }
+  for (const uint32_t n : {3, 4}) {  // a spacing of zero; the cosine transform goes by twice the points
+    for (const auto& [huge, call] : std::initializer_list<std::pair<T, std::function<int32_t(R*)>>>{
+             {kHuge<T>, [n](R* v) { return n == 4 ? rfft(v) : irfft(v); }},
+             {kHuge<T>, [](R* v) { return rdft(v); }},
+             {kHuge<T> / 2, [](R* v) { return dct(v, DSP_DCT_INVERSE); }},
+             {kHuge<T> / 2, [](R* v) { return dct(v, 0U); }}}) {
+      Vec<T> v = noise<T>(n, false);
+      v->delta = T(-0.0);
+      EXPECT_EQ(call(v), 0);
+      EXPECT_EQ(v->delta, huge);
+    }
+  }
+}
+
+TYPED_TEST(Transform, StorageGrowsToTheConvolutionLengthOnce) {
+  using T = TypeParam;
+  for (const uint32_t n : {3, 5, 6, 9, 10, 17, 18, 1000, 1025, 1026}) {
+    const Vec<T> x = noise<T>(n, true);
+    Vec<T> v = x, view;
+    ASSERT_EQ(dft(v.get(), 0U), 0);
+    EXPECT_EQ(v->allocated, static_cast<int32_t>(2 * std::bit_ceil(2 * n - 2))) << n;
+    const std::vector<T> first = v.samples();
+    view->data = x->data;  // of a view, the storage is left
+    view->points = x->points;
+    view->complex = 1;
+    EXPECT_EQ(dft(view.get(), 0U), 0);
+    EXPECT_EQ(view->allocated, v->allocated) << n;
+    EXPECT_TRUE(exactly(view, first) && exactly(x, noise<T>(n, true).samples())) << n;
+
+    const FailingStorage<T> counter(0);  // changing the direction rebuilds nothing and loses nothing
+    for (const uint32_t inverse : {1U, 0U, 1U, 0U}) {
+      std::copy_n(x->data, 2 * n, v->data);
+      ASSERT_EQ(dft(v.get(), inverse), 0);
+    }
+    EXPECT_EQ(counter.growths, 0);
+    EXPECT_TRUE(exactly(v, first)) << n;
+    v->points = (1 << 28) + 2;  // 2^30 points for the convolution are beyond the record
+    EXPECT_EQ(dft(v.get(), 0U), -1);
+    EXPECT_EQ(counter.growths, 0);
+  }
+}
+
+}  // namespace
+}  // namespace sigvex_test
