@@ -8,5 +8,9 @@ namespace sigvex_tool {
 void add_spectrum(CLI::App& program);
 void add_info(CLI::App& program);
 void add_convert(CLI::App& program);
+void add_generate(CLI::App& program);
+void add_filter(CLI::App& program);
+void add_resample(CLI::App& program);
+void add_decimate(CLI::App& program);
 
 }  // namespace sigvex_tool

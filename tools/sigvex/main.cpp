@@ -63,6 +63,10 @@ int run(int argc, char** argv) {
   sigvex_tool::add_spectrum(program);
   sigvex_tool::add_info(program);
   sigvex_tool::add_convert(program);
+  sigvex_tool::add_generate(program);
+  sigvex_tool::add_filter(program);
+  sigvex_tool::add_resample(program);
+  sigvex_tool::add_decimate(program);
   try {
     program.parse(arguments(argc, argv));
   } catch (const CLI::Success& request) {  // --help, --version

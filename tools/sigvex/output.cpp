@@ -106,14 +106,21 @@ bool is_vector_format(const std::string& name) {
   return false;
 }
 
-void write_vector(OutputFile& out, const Vector<double>& vector, const std::string& format, bool single) {
+void write_vector(OutputFile& out, const Vector<double>& vector, const std::string& format, bool single,
+                  uint32_t parts) {
   uint32_t flags = 0;
   for (const VectorFormat& known : kVectorFormats)
-    if (format == known.name) flags = known.flags;
+    if (format == known.name) flags = known.flags | parts;
   int32_t status = 0;
   if (single) {
     Vector<float> narrow;
-    check(dspu_tof(&vector, &narrow), "the conversion to single precision");
+    if (parts & DSP_FILE_NO_DATA) {
+      narrow.points = vector.points;
+      narrow.complex = vector.complex;
+      narrow.delta = static_cast<float>(vector.delta);
+    } else {
+      check(dspu_tof(&vector, &narrow), "the conversion to single precision");
+    }
     status = dspff_fwrite2(&narrow, out.stream(), flags);
   } else {
     status = dspf_fwrite2(&vector, out.stream(), flags);

@@ -21,6 +21,8 @@ class OutputFile {
 
   FILE* stream() { return stream_; }
   const std::string& name() const { return name_; }
+  // Whether what is written may be written again.
+  bool is_regular() const { return !temporary_.empty(); }
   // Where another program may write instead of stream().
   const std::string& path() const { return temporary_.empty() ? target_ : temporary_; }
   void write(const std::string& text);
@@ -35,7 +37,9 @@ class OutputFile {
 // The renderings of a vector that the library writes, by name: dsp, binary, gnuplot, trace, summary.
 bool is_vector_format(const std::string& name);
 
-// Writes the vector in such a format; single narrows it first.
-void write_vector(OutputFile& out, const Vector<double>& vector, const std::string& format, bool single);
+// Writes the vector in such a format, with DSP_FILE_NO_HEADER or DSP_FILE_NO_DATA a part of it; single narrows it
+// first.
+void write_vector(OutputFile& out, const Vector<double>& vector, const std::string& format, bool single,
+                  uint32_t parts = 0);
 
 }  // namespace sigvex_tool

@@ -1,9 +1,9 @@
 // sigvex spectrum: the lines in a recording, their levels, and the noise between them.
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <memory>
 
+#include "choices.h"
 #include "commands.h"
 #include "errors.h"
 #include "levels.h"
@@ -16,20 +16,6 @@
 namespace sigvex_tool {
 namespace {
 
-constexpr uint32_t kWindowTypes = 32;
-
-std::string window_name(uint32_t type) {
-  std::array<char, 64> name{};
-  dsp_window_to_str(type, name.data(), static_cast<int32_t>(name.size()));
-  return name.data();
-}
-
-std::string window_names() {
-  std::string names;
-  for (uint32_t type = 0; type < kWindowTypes; ++type) names += (type ? ", " : "") + window_name(type);
-  return names;
-}
-
 struct Options {
   InputOptions input;
   Analysis analysis;
@@ -41,18 +27,9 @@ struct Options {
   std::string format = "table", output, plot;
 };
 
-uint64_t whole_number(const std::string& text, const char* option, double least) {
-  const std::optional<double> number = to_number(text);
-  if (!number || *number < least || *number > 2147483647 || *number != std::floor(*number))
-    throw UsageError(std::string(option) + " " + in_quotes(text) +
-                     sigvex_tool::format(": must be a whole number from %g on", least));
-  return static_cast<uint64_t>(*number);
-}
-
 Analysis analysis_of(const Options& o) {
   Analysis a = o.analysis;
-  if (dsp_window_from_str(o.window.c_str(), &a.window) < 0)
-    throw UsageError("--window " + in_quotes(o.window) + ": unknown; the windows are " + window_names());
+  a.window = window_type(o.window, "--window");
   if (!o.points.empty()) a.points = whole_number(o.points, "--points", 2);
   a.average = o.average == "all" ? 0 : whole_number(o.average, "--average", 1);
   std::string_view overlap = o.overlap;
@@ -204,14 +181,7 @@ void add_spectrum(CLI::App& program) {
   command->add_option("--output", o->output, "File for the result instead of the standard output")
       ->type_name("FILE")
       ->group(result);
-  command
-      ->add_option("--plot", o->plot, "Draw the spectrum: FILE.png or FILE.svg (needs gnuplot), or - in the terminal")
-      ->type_name("FILE|-")
-      ->group(result)
-      ->check([](const std::string& name) {
-        return name == "-" || name.ends_with(".png") || name.ends_with(".svg") ? std::string()
-                                                                               : "must end in .png or .svg, or be -";
-      });
+  add_plot_option(*command, "--plot", o->plot, "Draw the spectrum")->group(result);
   command->footer(
       "A peak marked ? may be a maximum of the noise. Levels and frequencies are refined between the bins with the "
       "window's\n"
