@@ -2,12 +2,10 @@
 #pragma once
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <spawn.h>
 #include <stdlib.h>
 #include <sys/wait.h>
 
-#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -15,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "sigvex.h"
+#include "support/twin.h"
 
 extern char** environ;
 
@@ -30,6 +28,14 @@ struct Outcome {
 inline std::string contents(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
   return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+inline Vec<double> read_record(const std::string& file) {
+  Vec<double> v;
+  FILE* const stream = std::fopen(file.c_str(), "rb");
+  EXPECT_EQ(dspf_fread(v, stream), 1) << file;
+  std::fclose(stream);
+  return v;
 }
 
 // A directory of its own for every test, removed with all that is in it.
@@ -55,14 +61,14 @@ class Tool : public ::testing::Test {
   }
 
   // A binary record of real samples, or of pairs.
-  std::string record(const std::string& name, std::vector<double> samples, double delta, bool pairs = false) const {
-    dsp_vector v{};
-    v.delta = delta;
-    v.data = samples.data();
-    v.points = static_cast<int32_t>(samples.size() / (pairs ? 2 : 1));
-    v.complex = pairs;
+  std::string record(const std::string& name, const std::vector<double>& samples, double delta,
+                     bool pairs = false) const {
+    Vec<double> v(samples);
+    v->delta = delta;
+    v->complex = pairs;
+    v->points /= pairs ? 2 : 1;
     FILE* file = std::fopen(path(name).c_str(), "wb");
-    EXPECT_EQ(dspf_fwrite(&v, file), 0);
+    EXPECT_EQ(dspf_fwrite(v, file), 0);
     std::fclose(file);
     return path(name);
   }
