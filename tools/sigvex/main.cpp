@@ -57,6 +57,8 @@ int run(int argc, char** argv) {
       "  sigvex spectrum recording.wav                 its strongest lines and the noise floor\n"
       "  sigvex spectrum --plot - recording.wav        the same with a picture in the terminal\n"
       "  sigvex convert recording.wav recording.csv    another file format\n"
+      "  sigvex filter in.wav out.wav --design low-pass --cutoff 3000\n"
+      "  sigvex resample in.wav out.wav --to-rate 16000\n"
       "\n"
       "A recording is a WAV, FLAC, OGG or CSV file, a vector record or \"#DSP\" text; '-' reads the standard input.\n"
       "Exit status: 0 success, 1 the data are at fault, 2 the command line is.");
