@@ -1,5 +1,3 @@
-
-
 #include "support/twin.h"
 
 namespace sigvex_test {

@@ -66,17 +66,5 @@ TYPED_TEST(Copies, GetTheInPlaceResultWhereverTheResultLies) {
   }
 }
 
-TYPED_TEST(Copies, PromotionThatCannotGrowLeavesNoStorage) {
-  using T = TypeParam;
-  T sample = 1;
-  Vec<T> source, destination{1, 2};
-  source->data = &sample;
-  source->points = INT32_MAX;  // twice as many scalars as fit
-  EXPECT_EQ(TWIN_OF(u, cscale)(source, destination, 1, 1), -1);
-  EXPECT_EQ(TWIN_OF(i, cscale)(source, 1, 1), -1);
-  for (const Vec<T>* v : {&source, &destination}) EXPECT_TRUE(!(*v)->data && !(*v)->points && !(*v)->allocated);
-  EXPECT_EQ(sample, 1);
-}
-
 }  // namespace
 }  // namespace sigvex_test

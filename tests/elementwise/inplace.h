@@ -8,14 +8,6 @@
 
 namespace sigvex_test {
 
-template <class T, class Double, class Float> auto chosen(Double in_double, Float in_float) {
-  return Twin<Double, Float>{in_double, in_float}.template of<T>();
-}
-
-// The C function of an operation for the precision T, and with it its name for a row of a table.
-#define TWIN_OF(family, op)  sigvex_test::chosen<T>(&dsp##family##_##op, &dspf##family##_##op)
-#define TWIN_ROW(family, op) #op, TWIN_OF(family, op)
-
 template <class T> using InPlace = std::function<int32_t(Record<T>*)>;
 
 // What an operation takes and leaves. Real only: it refuses complex vectors and leaves them alone.

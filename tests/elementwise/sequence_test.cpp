@@ -28,36 +28,29 @@ TYPED_TEST(Sequence, EachRuleAtItsEdges) {
     bool refused = false;
   } rows[] = {
       {d, {1, 3, 6}, {2, 4, 6}, T(0.5)},
-      {d, {3, 3}, {T(-1.5), least}, -2},
       {d, {1, 3, 3}, {huge, 2 * huge, 0}, 0},
       {d, {1, nan, 3, 4}, {1, nan, nan, 1}, 1},
       {d, z({1, 2, 4, 8}), z({2, 4, 6, 12}), T(0.5)},
       {i, {1, 1, 1}, {2, 4, 6}, 2},
       {i, {big, 1, 1, -big}, {big, big, big, 0}, 1},  // summed one by one in the precision of the samples
-      {i, {1, 2}, {0, 0}, 0},
       {i, z({1, 2, 3, 5}), z({2, 4, 8, 14}), 2},
       {u, {0, 6}, {0, 6 - turn}},
       {u, {pi, 0, -pi}, {pi, 0, -pi}},  // half a turn stays
       {u, {beyond}, {beyond - turn}},
-      {u, {-beyond}, {turn - beyond}},
       {u, {3, -3, 4}, {3, 3 + (-6 + turn), 4}},  // 4 is measured against the corrected -3
       {u, {100}, {std::fmod(T(100), turn) - turn}},
       {u, {1, nan, 1}, {1, nan, nan}},
-      {u, {1, inf, 1}, {1, nan, nan}},
       {u, z({9, 9}), z({9, 9}), 1, true},
       {recon, z({1, 2, 3, 4, 5, 6}), z({1, 2, 3, 4, 5, 6, 3, -4})},
       {odd(0), z({1, 2, 3, 4, 5, 6}), z({1, 2, 3, 4, 5, 6, 3, -4})},
       {odd(8), z({1, 2, 3, 4, 5, 6}), z({1, 2, 3, 4, 5, 6, 5, -6, 3, -4})},
       {odd(0), {1, 3, 5}, z({1, 0, 3, 0, 5, 0, 3, least})},
-      {odd(1), {7}, z({7, 0})},
       {odd(0), {7}, z({})},
       {odd(1), {}, z({})},
-      {pad(2), {1, 2, 3}, {1, 2, 3}},
       {pad(5), {1, 2, 3}, {1, 2, 3, 0, 0}},
       {pad(3), z({1, 2}), z({1, 2, 0, 0, 0, 0})},
       {pad(-7), {1, 2, 3}, {1, 2, 3}},
       {zero, z({1, 2}), z({0, 0})},
-      {drop(-1), {1, 2, 3}, {1, 2, 3}},
       {drop(1), z({1, 2, 3, 4}), z({3, 4})},
       {drop(INT32_MAX), {1, 2, 3}, {}},
       {drop(INT32_MIN), {1, 2, 3}, {1, 2, 3}},
@@ -84,15 +77,23 @@ TYPED_TEST(Sequence, EachRuleAtItsEdges) {
 
 TYPED_TEST(Sequence, CountsThatAreNegativeOrDoNotFit) {
   using T = TypeParam;
-  Vec<T> v{1, 2, 3}, view, none;
+  Vec<T> v{1, 2, 3}, view, none, source, copied{1, 2};
   v->points = 1;  // the capacity behind it suffices, its contents do not count
   EXPECT_EQ(TWIN_OF(i, zpad)(v, 3), 0);
   EXPECT_TRUE(exactly(v, {1, 0, 0}));
-  view->data = v->data;
+  v->complex = 1;
+  EXPECT_EQ(TWIN_OF(i, zpad)(v, INT32_MAX), -1);
+  T sample[] = {1, 2};
+  source->data = view->data = sample;  // more scalars than a record holds
+  source->points = INT32_MAX;
   view->points = 1 << 30;
-  view->complex = v->complex = 1;  // more scalars than a record holds
-  EXPECT_EQ(TWIN_OF(i, orecon)(view, 0) + TWIN_OF(i, zpad)(v, INT32_MAX), -2);
-  for (Vec<T>* refused : {&view, &v}) EXPECT_TRUE(!(*refused)->data && !(*refused)->allocated && !(*refused)->points);
+  view->complex = 1;
+  EXPECT_EQ(TWIN_OF(u, cscale)(source, copied, 1, 1), -1);
+  EXPECT_EQ(TWIN_OF(i, cscale)(source, 1, 1), -1);
+  EXPECT_EQ(TWIN_OF(i, orecon)(view, 0), -1);
+  for (const Vec<T>* refused : {&v, &view, &source, &copied}) {
+    EXPECT_TRUE(!(*refused)->data && !(*refused)->allocated && !(*refused)->points);
+  }
   none->points = -4;
   EXPECT_EQ(TWIN_OF(i, bitrev_scale)(none, T(2)), -1);
   EXPECT_EQ(TWIN_OF(i, orecon)(none, 1), 0);

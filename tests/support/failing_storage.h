@@ -8,25 +8,28 @@
 namespace sigvex_test {
 
 TWIN(, lib_alloc);
+TWIN(, lib_free);
 TWIN(, lib_realloc);
 
 // While it lives, growth number `failing` (from 0 on) and those after it find no memory.
 template <class T> class FailingStorage {
  public:
   explicit FailingStorage(int failing) {
-    growths = 0;
+    growths = frees = kept = 0;
     allowed = failing;
     lib_alloc.of<T>()(alloc, nullptr);
     lib_realloc.of<T>()(realloc, nullptr);
+    lib_free.of<T>()(free, nullptr);
   }
   ~FailingStorage() {
     lib_alloc.of<T>()(nullptr, nullptr);
     lib_realloc.of<T>()(nullptr, nullptr);
+    lib_free.of<T>()(nullptr, nullptr);
   }
   FailingStorage(const FailingStorage&) = delete;
   FailingStorage& operator=(const FailingStorage&) = delete;
 
-  static inline int growths;
+  static inline int growths, frees, kept;  // what was to be kept by the last reallocation: 10 points + complex
 
  private:
   static inline int allowed;
@@ -36,7 +39,9 @@ template <class T> class FailingStorage {
     v->data = growths++ < allowed ? static_cast<T*>(std::malloc(bytes(v))) : nullptr;
     return 0;
   }
-  static int32_t realloc(Record<T>* v, int32_t, int32_t) {
+  static int32_t free(Record<T>* v) { return ++frees, std::free(v->data), 77; }  // ignored, like every hook's status
+  static int32_t realloc(Record<T>* v, int32_t points, int32_t complex) {
+    kept = 10 * points + complex;
     if (growths++ < allowed) {
       v->data = static_cast<T*>(std::realloc(v->data, bytes(v)));
     } else {

@@ -67,6 +67,10 @@ template <class T> constexpr T kInf = std::numeric_limits<T>::infinity();
 template <class T> constexpr T kNaN = std::numeric_limits<T>::quiet_NaN();
 constexpr long double kPi = 3.141592653589793238462643383279502884L;
 
+// The C function of an operation for the precision T, and with it its name for a row of a table.
+#define TWIN_OF(family, op)  (sigvex_test::Twin{&dsp##family##_##op, &dspf##family##_##op}.template of<T>())
+#define TWIN_ROW(family, op) #op, TWIN_OF(family, op)
+
 // A record that owns its samples and releases them; converts to the pointer that the C functions take.
 template <class T> class Vec {
  public:

@@ -1,0 +1,237 @@
+// The statistics of one result: the block rule to the last bit, accuracy, edges, empty inputs, aliases.
+#include <algorithm>
+#include <array>
+#include <random>
+#include <string_view>
+
+#include "support/twin.h"
+
+namespace sigvex_test {
+namespace {
+
+template <class T> struct Statistic {
+  const char* name;
+  int32_t (*of)(const Record<T>*, Record<T>*);
+  bool takes_complex = true, keeps_form = false;
+  T of_nothing = 0;
+};
+
+template <class T> const std::vector<Statistic<T>>& statistics() {
+  static const std::vector<Statistic<T>> all = {{TWIN_ROW(s, sum), true, true},
+                                                {TWIN_ROW(s, mean), true, true},
+                                                {TWIN_ROW(s, gmean), true, true},
+                                                {TWIN_ROW(s, hmean), true, true},
+                                                {TWIN_ROW(s, max), true, true},
+                                                {TWIN_ROW(s, min), true, true},
+                                                {TWIN_ROW(s, median), true, true},
+                                                {TWIN_ROW(s, magsq_sum)},
+                                                {TWIN_ROW(s, rms)},
+                                                {TWIN_ROW(s, pop_var)},
+                                                {TWIN_ROW(s, pop_stddev)},
+                                                {TWIN_ROW(s, samp_var)},
+                                                {TWIN_ROW(s, samp_stddev)},
+                                                {TWIN_ROW(s, skew), false},
+                                                {TWIN_ROW(s, excess), false, false, -3}};
+  return all;
+}
+
+// What the statistic of that name gives.
+template <class T> Vec<T> result_of(std::string_view name, const Vec<T>& input) {
+  Vec<T> result;
+  for (const Statistic<T>& statistic : statistics<T>()) {
+    if (statistic.name != name) continue;
+    EXPECT_EQ(statistic.of(input, result), 0) << name;
+  }
+  EXPECT_GT(result.size(), 0U) << name;
+  return result;
+}
+
+template <class T> struct Statistics : ::testing::Test {};
+TYPED_TEST_SUITE(Statistics, Precisions);
+
+template <class T> Vec<T> noise(size_t n, bool complex) {
+  std::minstd_rand random(static_cast<unsigned>(n) + 1);
+  std::uniform_real_distribution<T> uniform(T(-1), T(3));
+  std::vector<std::complex<T>> samples(n);
+  for (auto& z : samples) z = {uniform(random), uniform(random)};
+  Vec<T> v(samples);
+  v->complex = complex;
+  return v;
+}
+
+// The rule itself, one block after the other.
+template <class T, class Term> T sum_of_blocks(size_t n, Term term) {
+  T total = 0;
+  for (size_t first = 0; first < n; first += 2048) {
+    T block = 0;
+    for (size_t k = first; k < std::min(n, first + 2048); ++k) block += term(k);
+    total += block;
+  }
+  return total;
+}
+
+TYPED_TEST(Statistics, SumsRunInBlocksToTheLastBit) {
+  using T = TypeParam;
+  for (size_t n : {1, 2, 3, 4, 5, 2047, 2048, 2049, 4095, 4096, 4097, 16 * 2048 + 17, 27 * 2048 - 1}) {
+    const Vec<T> x = noise<T>(n, false), z = noise<T>(n, true);
+    const auto blocks = [n](auto term) { return sum_of_blocks<T>(n, term); };
+    const T count = static_cast<T>(n), weight = 1 / count,
+            center = (x[n / 2] + x[0] + x[n - 1]) * T(0.3333333333333333);
+    const T re = blocks([&](size_t k) { return z[2 * k]; }), im = blocks([&](size_t k) { return z[2 * k + 1]; });
+    const T squares = blocks([&](size_t k) { return z[2 * k] * z[2 * k] + z[2 * k + 1] * z[2 * k + 1]; });
+    const T m1 = weight * blocks([&](size_t k) { return x[k] - center; });
+    const T m2 = weight * blocks([&](size_t k) { return (x[k] - center) * (x[k] - center); });
+    EXPECT_TRUE(exactly(result_of<T>("sum", x), {blocks([&](size_t k) { return x[k]; })})) << n;
+    EXPECT_TRUE(exactly(result_of<T>("sum", z), {re, im})) << n;
+    EXPECT_TRUE(exactly(result_of<T>("mean", z), {re * weight, im * weight})) << n;
+    EXPECT_TRUE(exactly(result_of<T>("hmean", x), {count / blocks([&](size_t k) { return 1 / x[k]; })})) << n;
+    EXPECT_TRUE(exactly(result_of<T>("magsq_sum", z), {squares})) << n;
+    EXPECT_TRUE(exactly(result_of<T>("rms", z), {std::sqrt(squares / count)})) << n;
+    EXPECT_TRUE(exactly(result_of<T>("pop_var", x), {m2 - m1 * m1})) << n;
+  }
+}
+
+// Against the central moments in long double. With deviations of at most R from the shift point, the mean of their p-th
+// powers is off by at most g R^p, g being epsilon times the longest chain of additions and some products; the factors
+// count the means that enter. An offset costs nothing where it cancels before anything is squared. The excess is
+// measured without one, as its deviations are from a rounded mean; R^2 / var bounds a kurtosis.
+TYPED_TEST(Statistics, AgreeWithExtendedPrecisionWhateverTheOffset) {
+  using T = TypeParam;
+  constexpr size_t n = 5000;
+  for (T offset : {T(0), T(4096), T(-4096)}) {
+    std::minstd_rand random(1);
+    std::vector<T> x(2 * n);
+    for (T& sample : x) sample = offset + std::exp2(static_cast<T>(random() % 1024) / 512);
+    const auto moments = [&x](size_t first, size_t step) {
+      long double mean = 0;
+      std::array<long double, 5> m{};
+      for (size_t k = 0; k < n; ++k) mean += x[first + step * k] / static_cast<long double>(n);
+      for (size_t k = 0; k < n; ++k) {
+        for (size_t p = 2; p <= 4; ++p) m[p] += std::pow(x[first + step * k] - mean, static_cast<int>(p)) / n;
+      }
+      return m;
+    };
+    const Vec<T> v(std::vector<T>(x.begin(), x.begin() + n));
+    Vec<T> z(x);
+    z->complex = 1;
+    z->points = n;
+    const double g = (2048 + 3 + 8) * double{kEps<T>}, R = 3, sample = n / (n - 1.0);
+    const auto m = moments(0, 1);
+    const double var = static_cast<double>(m[2]), var_z = static_cast<double>(moments(0, 2)[2] + moments(1, 2)[2]);
+    const double sigma = std::sqrt(var), skew = static_cast<double>(m[3]) / (var * sigma);
+    EXPECT_NEAR(result_of("pop_var", v)[0], var, 3 * g * R * R);
+    EXPECT_NEAR(result_of("pop_var", z)[0], var_z, 6 * g * R * R);
+    EXPECT_NEAR(result_of("samp_var", v)[0], var * sample, 4 * g * R * R);
+    EXPECT_NEAR(result_of("pop_stddev", v)[0], sigma, 3 * g * R * R / sigma);
+    EXPECT_NEAR(result_of("samp_stddev", v)[0], sigma * std::sqrt(sample), 4 * g * R * R / sigma);
+    EXPECT_NEAR(result_of("skew", v)[0], skew, g * (13 * R * R * R / (var * sigma) + 5 * R * R / var));
+    if (offset != 0) continue;
+    EXPECT_NEAR(result_of("excess", v)[0], static_cast<double>(m[4]) / (var * var) - 3, 16 * g * R * R / var);
+  }
+}
+
+TYPED_TEST(Statistics, AtTheEdges) {
+  using T = TypeParam;
+  constexpr T huge = kHuge<T>, inf = kInf<T>, nan = kNaN<T>, most = std::numeric_limits<T>::max();
+  // Alone among 16 zeros its fourth power survives in the mean of fourth powers, but not in the squared variance.
+  const T faint = std::ldexp(T(1), sizeof(T) == 8 ? -267 : -36);
+  const T root4 = std::exp(std::log(T(1)) / 4), eighth = std::atan2(T(1), T(0)) / 2;
+  const auto z = [](std::initializer_list<std::complex<T>> points) { return Vec<T>::pairs(points); };
+  const struct {
+    const char* name;
+    Vec<T> input;
+    std::vector<T> expected;
+  } rows[] = {
+      {"sum", {inf, 1}, {inf}},
+      {"sum", z({{nan, 1}, {1, 2}}), {nan, 3}},
+      {"magsq_sum", {nan, 2}, {huge * huge + 4}},
+      {"magsq_sum", z({{1, inf}, {-2 * huge, 0}}), {1 + huge * huge + huge * huge}},
+      {"rms", {-inf}, {std::sqrt(huge * huge)}},
+      {"gmean", {2, -2}, {0}},
+      {"gmean", {kTiny<T> / 2}, {0}},
+      {"gmean", {most, most, 1 / most}, {inf}},  // the product, not a sum of logarithms
+      {"gmean", {nan}, {0}},
+      {"gmean", z({{0, 2}, {0, 0}}), {0, 0}},
+      {"gmean", z({{nan, 2}, {0, 1}}), {0, 0}},
+      {"gmean", z({{2, 0}, {0, 0.5}}), {root4 * std::cos(eighth), root4 * std::sin(eighth)}},
+      {"hmean", {1, 0, 2}, {0}},
+      {"hmean", {nan, T(-0.0)}, {0}},
+      {"hmean", {1, -1}, {huge}},
+      {"hmean", z({{0, 1}, {0, -1}}), {0, T(-0.0)}},
+      {"hmean", z({{0, 0.5}, {0, 0.25}, {0, 0.5}}), {0, T(3) / 8}},
+      {"median", {3, 1, 2, 4}, {2.5}},
+      {"median", {3, -1, 2}, {2}},
+      {"median", z({{3, 4}, {1, 0}, {0, 2}}), {0, 2}},
+      {"median", z({{3, 4}, {1, 0}}), {2, 2}},
+      {"max", {-2 * huge, -3 * huge}, {-huge}},
+      {"max", {nan, -5, nan}, {-5}},
+      {"max", {nan}, {-huge}},
+      {"max", {T(-0.0), 0}, {T(-0.0)}},
+      {"max", z({{3, 0}, {nan, 7}, {inf, 8}}), {nan, 7}},
+      {"max", z({{inf, 0}, {huge, 0}}), {huge, 0}},  // rated huge^2 and only huge
+      {"min", {2 * huge, inf}, {huge}},
+      {"min", {nan, 5, -inf}, {-inf}},
+      {"min", z({{nan, 1}, {inf, 2}}), {nan, 1}},
+      {"min", z({{3, 0}, {0, -1}, {1, 0}}), {0, -1}},
+      {"pop_var", {0, inf, 0, 0}, {huge * huge / 4 - huge / 4 * (huge / 4)}},
+      {"pop_var", z({{nan, 1}, {0, 1}}), {0}},  // a shift point that is no number: all equally far
+      {"samp_var", {T(0.1)}, {0}},
+      {"skew", {0, 1, 0, 0}, {T(0.25 - 3.0 / 16 + 2.0 / 64) / (T(0.1875) * std::sqrt(T(0.1875)))}},
+      {"skew", Vec<T>(std::vector<T>(49, T(0.1))), {0}},
+      {"excess", Vec<T>(std::vector<T>(10, T(0.1))), {-3}},  // whose mean is not exactly 0.1
+      {"excess", {1, -1, -1, 1}, {-2}},
+      {"excess", {inf, -inf, huge, -huge}, {nan}},
+      {"excess", {kTiny<T>, 0}, {-3}},
+      {"excess", {0, 0, 0, 0, 0, faint, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, {huge}},
+  };
+  for (const auto& row : rows) {
+    EXPECT_TRUE(exactly(result_of(row.name, row.input), row.expected)) << row.name << ", row " << &row - rows;
+  }
+}
+
+TYPED_TEST(Statistics, TheFirstOfEqualsWinsAcrossBlocks) {
+  using T = TypeParam;
+  for (size_t first : {0, 2047, 2048, 9000}) {
+    Vec<T> v(std::vector<std::complex<T>>(17 * 2048 + 6));
+    v[2 * first + 1] = v[2 * 9001] = v[2 * (11 * 2048 - 1)] = v[2 * (17 * 2048 + 5)] = 3;
+    EXPECT_TRUE(exactly(result_of("max", v), {0, 3})) << first;
+  }
+}
+
+TYPED_TEST(Statistics, OfNothingTheResultIsStated) {
+  using T = TypeParam;
+  for (const Statistic<T>& row : statistics<T>()) {
+    Vec<T> none, complex = Vec<T>::pairs({}), result{7, 7, 7};
+    EXPECT_EQ(row.of(complex, result), row.takes_complex ? 0 : -1) << row.name;
+    const std::vector<T> kept = {7, 7, 7}, pair = {0, 0}, one = {row.of_nothing};
+    EXPECT_TRUE(exactly(result, !row.takes_complex ? kept : row.keeps_form ? pair : one)) << row.name;
+    none->points = -3;  // counts as none
+    EXPECT_EQ(row.of(none, result), 0) << row.name;
+    EXPECT_TRUE(exactly(result, one)) << row.name;
+  }
+}
+
+TYPED_TEST(Statistics, OfOneRecordOrSharedStorageEqualTheSeparateResult) {
+  using T = TypeParam;
+  for (const Statistic<T>& row : statistics<T>()) {
+    for (const bool complex : {false, true}) {
+      if (complex && !row.takes_complex) continue;
+      const Vec<T> input = noise<T>(5, complex);
+      Vec<T> storage(input), result, itself(input), owner(input), reader, view;
+      *reader.get() = *owner.get();
+      *view.get() = *storage.get();
+      reader->allocated = view->allocated = 0;
+      result->delta = itself->delta = view->delta = owner->delta = T(0.25);
+      EXPECT_EQ(row.of(input, result) + row.of(itself, itself) + row.of(view, view) + row.of(reader, owner), 0);
+      EXPECT_TRUE(exactly(input, storage.samples())) << row.name;
+      EXPECT_TRUE(exactly(input, noise<T>(5, complex).samples())) << row.name;
+      for (const Vec<T>* v : {&result, &itself, &view, &owner}) {
+        EXPECT_TRUE(exactly(*v, result.samples())) << row.name;
+        EXPECT_TRUE((*v)->complex == (complex && row.keeps_form) && (*v)->delta == T(0.25)) << row.name;
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace sigvex_test
