@@ -507,7 +507,8 @@ DSP_API int32_t dspfi_ptor(dspf_vector *v);
  *   alias    the result may be a, b or both, or another record over storage of theirs. Such another record that has to
  *            grow gets a block of its own; the shared block is left as it was to a (the host's to release, if a only
  *            viewed it), or to b where b owns it.
- *   fails    unequal point counts (everything untouched), storage (the result is then empty)
+ *   fails    unequal point counts (everything untouched); storage (the result is then empty, or as it was where a copy of
+ *            an input that shares its storage failed)
  * ------------------------------------------------------------------------------------------------------------------ */
 
 /**

@@ -21,27 +21,41 @@ template <class T> Range cut(const Vector<T>& v, int32_t start, int32_t n) {
 // Writes points over those of a destination that has room for them, real points into a complex one as (x, 0). Points of
 // one form may overlap their destination.
 template <class T>
-void write_points(Vector<T>& destination, size_t position, const T* data, int32_t complex, Range range) {
+void write_points(Vector<T>& destination, size_t position, const T* data, size_t n, int32_t complex) {
   if (destination.complex && !complex) {
-    for (size_t k = 0; k < range.count; ++k) set_point<T>(destination, position + k, {data[range.start + k], T(0)});
-  } else if (range.count > 0) {
+    for (size_t k = 0; k < n; ++k) set_point<T>(destination, position + k, {data[k], T(0)});
+  } else if (n > 0) {
     const size_t width = complex ? 2 : 1;
-    std::memmove(destination.data + position * width, data + range.start * width, range.count * width * sizeof(T));
+    std::memmove(destination.data + position * width, data, n * width * sizeof(T));
   }
 }
 
-// The source of an operation that resizes or converts its destination: where another record shares the destination's
-// storage, its samples are read from a copy, since that storage may move.
+// The points that an operation reads while it sizes or converts its destination. They are read from a copy where
+// another record has them in storage that the destination is about to move or to rewrite in another form; a size that
+// is refused moves nothing.
 template <class T> class StableSource {
  public:
-  StableSource(const Vector<T>& source, const Vector<T>& destination)
-      : source_(source), shares_(&source != &destination && overlap<T>(source, destination)) {}
-  Status prepare() { return shares_ ? dsp::copy<T>(copy_, source_) : kSuccess; }
-  const Vector<T>& operator*() const { return shares_ ? copy_ : source_; }
+  StableSource(const Vector<T>& source, Range range)
+      : source_(source), range_(range), offset_(range.start * (source.complex ? 2 : 1)) {}
+
+  Status prepare(Vector<T>& destination, size_t need) {
+    const bool stays = need <= count(destination.allocated) && !source_.complex == !destination.complex;
+    if (&source_ == &destination || stays || !fits(need)) return kSuccess;
+    Vector<T> read{};
+    read.data = source_.data + offset_;
+    read.points = static_cast<int32_t>(range_.count);
+    read.complex = source_.complex;
+    copied_ = overlap<T>(read, destination);
+    return copied_ && dsp::copy<T>(copy_, read) < 0 ? exhausted<T>(destination) : kSuccess;
+  }
+
+  const T* data() const { return copied_ ? copy_.data : source_.data + offset_; }
 
  private:
   const Vector<T>& source_;
-  bool shares_;
+  Range range_;
+  size_t offset_;
+  bool copied_ = false;
   Scratch<T> copy_;
 };
 
@@ -50,14 +64,14 @@ template <class T> class StableSource {
 namespace dspu {
 
 template <class T> Status subvec(const Vector<T>& source, Vector<T>& destination, int32_t start, int32_t n) {
-  StableSource<T> stable(source, destination);
-  SIGVEX_TRY(stable.prepare());
   const Range range = cut<T>(source, start, n);
   const int32_t complex = source.complex;
-  const T* const data = (*stable).data;  // a view that is its own destination gets a new block and leaves this one
+  StableSource<T> stable(source, range);
+  SIGVEX_TRY(stable.prepare(destination, range.count * (complex ? 2 : 1)));
+  const T* const data = stable.data();  // a view that is its own destination gets a new block and leaves this one
   destination.delta = source.delta;
   SIGVEX_TRY(shape<T>(destination, range.count, complex));
-  write_points<T>(destination, 0, data, complex, range);
+  write_points<T>(destination, 0, data, range.count, complex);
   return kSuccess;
 }
 
@@ -82,22 +96,23 @@ template <class T> Status copy(Vector<T>& destination, const Vector<T>& source) 
 }
 
 template <class T> Status append(Vector<T>& destination, const Vector<T>& source) {
-  StableSource<T> stable(source, destination);
-  SIGVEX_TRY(stable.prepare());
-  if (source.complex && !destination.complex) SIGVEX_TRY(dspi::rtoc<T>(destination));
   const Range range{0, points<T>(source)};  // before the destination grows: it may be the source
   const size_t end = points<T>(destination);
+  StableSource<T> stable(source, range);
+  SIGVEX_TRY(stable.prepare(destination, (end + range.count) * (source.complex || destination.complex ? 2 : 1)));
+  if (source.complex && !destination.complex) SIGVEX_TRY(dspi::rtoc<T>(destination));
   SIGVEX_TRY(reshape<T>(destination, end + range.count, destination.complex));
-  write_points<T>(destination, end, (*stable).data, source.complex, range);
+  write_points<T>(destination, end, stable.data(), range.count, source.complex);
   return kSuccess;
 }
 
 template <class T>
 Status insert_subvec(const Vector<T>& source, Vector<T>& destination, int32_t start, int32_t n, int32_t position) {
-  StableSource<T> stable(source, destination);
-  SIGVEX_TRY(stable.prepare());
   const Range range = cut<T>(source, start, n);
   const size_t at = std::min(count(position), points<T>(destination));
+  const size_t total = std::max(at + range.count, points<T>(destination));
+  StableSource<T> stable(source, range);
+  SIGVEX_TRY(stable.prepare(destination, total * (source.complex || destination.complex ? 2 : 1)));
   if (source.complex && !destination.complex) {
     if (at > 0 || range.count < points<T>(destination)) {
       SIGVEX_TRY(dspi::rtoc<T>(destination));
@@ -106,11 +121,9 @@ Status insert_subvec(const Vector<T>& source, Vector<T>& destination, int32_t st
       destination.points = 0;
     }
   }
-  if (points<T>(destination) < at + range.count) {
-    SIGVEX_TRY(reshape<T>(destination, at + range.count, destination.complex));
-  }
+  if (points<T>(destination) < total) SIGVEX_TRY(reshape<T>(destination, total, destination.complex));
   destination.delta = source.delta;
-  write_points<T>(destination, at, (*stable).data, source.complex, range);
+  write_points<T>(destination, at, stable.data(), range.count, source.complex);
   return kSuccess;
 }
 

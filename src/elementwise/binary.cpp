@@ -12,12 +12,13 @@ namespace {
 // the first, so that a result which grows over a real input never overwrites samples not yet read.
 template <class T, class F> Status combine(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, F f) {
   const int32_t complex = a.complex || b.complex;
-  if (endangered<T>(a, result, 0)) {  // the result leaves a block that a shares rather than moving it
+  const size_t need = scalars(a.points, complex);
+  if (fits(need) && endangered<T>(a, result, 0)) {  // the result leaves a block that a shares rather than moving it
     Scratch<T> copy;
     SIGVEX_TRY(dsp::copy<T>(copy, a));
     return combine<T>(copy, b, result, f);
   }
-  if (endangered<T>(b, result, scalars(a.points, complex))) {
+  if (endangered<T>(b, result, need)) {
     Scratch<T> copy;
     SIGVEX_TRY(dsp::copy<T>(copy, b));
     return combine<T>(a, copy, result, f);

@@ -41,8 +41,8 @@ template <class T> Status prepare_result(const Vector<T>& a, const Vector<T>& b,
 }
 
 template <class T> bool endangered(const Vector<T>& input, const Vector<T>& result, size_t need) {
-  // A result that views is not written over: it gets a block of its own.
-  if (&input == &result || result.allocated <= 0 || !overlap<T>(input, result)) return false;
+  // A result that views is not written over: it gets a block of its own. A size that is refused moves nothing.
+  if (&input == &result || result.allocated <= 0 || !fits(need) || !overlap<T>(input, result)) return false;
   if (!starts_with<T>(result, input)) return true;
   return input.allocated <= 0 && count(result.allocated) < need;  // viewed, and about to move
 }

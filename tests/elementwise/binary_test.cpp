@@ -178,12 +178,14 @@ TYPED_TEST(Binary, EachRuleAtItsEdges) {
     for (Record<T>* const to : {result.get(), a.get()}) EXPECT_EQ(row.call(a, row.b, to), 0);  // the shorter one, too
     EXPECT_TRUE(exactly(result, row.expected) && exactly(a, row.expected)) << &row - rows;
   }
-  T storage[] = {1};
-  Vec<T> many, result{7};  // two of them have more products than a record can hold
-  many->data = storage;
-  many->points = INT32_MAX;
-  EXPECT_EQ(product(many, many, result), -1);
-  EXPECT_TRUE(result->data == nullptr && result->points == 0);
+  for (const Call<T> call : {TWIN_OF(b, add), TWIN_OF(b, mul), TWIN_OF(b, pmul)}) {
+    Vec<T> result{7, 8}, many;  // claims more than fits, from the result's own block on: refused before it is read
+    many->data = result->data + 1;
+    many->points = 1 << 30;
+    many->complex = 1;
+    EXPECT_EQ(call(many, many, result), -1);
+    EXPECT_TRUE(result->data == nullptr && result->points == 0);
+  }
 }
 
 }  // namespace

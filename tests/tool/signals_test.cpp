@@ -1,0 +1,56 @@
+#include "run.h"
+
+namespace sigvex_test {
+namespace {
+
+class Signals : public Tool {
+ protected:
+  void succeed(const std::vector<std::string>& arguments) const {
+    const Outcome outcome = run(arguments);
+    ASSERT_EQ(outcome.status, 0) << outcome.err;
+  }
+  void expect_tone(const std::string& file, double frequency, double level, double tolerance) const {
+    const nlohmann::json peak = measure({path(file), "--peaks", "1"})["peaks"][0];
+    EXPECT_NEAR(peak["frequency"], frequency, 1e-3) << file;
+    EXPECT_NEAR(peak["level"], level, tolerance) << file;
+  }
+};
+
+// More than one block, so that a step where blocks join would show.
+TEST_F(Signals, AToneKeepsFrequencyAndLevelThroughEveryRate) {
+  succeed({"generate", "cosine", path("a.wav"), "--rate", "1000", "--seconds", "140", "--frequency", "50.5",
+           "--amplitude", "0.5"});
+  succeed({"resample", path("a.wav"), path("b.wav"), "--to-rate", "441"});
+  succeed({"decimate", path("a.wav"), path("c.csv"), "--factor", "4", "--filter"});
+  expect_tone("a.wav", 50.5, 0.5, 1e-6);
+  expect_tone("b.wav", 50.5, 0.5, 0.5 * 0.03);  // the kernel is flat within 0.26 dB
+  expect_tone("c.csv", 50.5, 0.5, 1e-4);
+}
+
+TEST_F(Signals, AFilterRemovesOneOfTwoTonesAndKeepsThePlaceOfTheOther) {
+  std::vector<double> low = sine(1000, 0.01, 1), both = low;
+  const std::vector<double> high = sine(1000, 0.3, 1);
+  for (size_t k = 0; k < both.size(); ++k) both[k] += high[k];
+  const std::string from = record("in.dsp", both, 0.001);
+  const Outcome outcome =
+      run({"filter", from, "-", "--format", "json", "--design", "low-pass", "--cutoff", "100", "--taps", "201"});
+  const nlohmann::json samples = outcome.json()["samples"];
+  ASSERT_EQ(samples.size(), low.size());
+  for (size_t k = 100; k < 900; ++k) ASSERT_NEAR(samples[k], low[k], 1e-3) << k;  // the window's side lobes: -74 dB
+}
+
+TEST_F(Signals, RefusalsNameTheArgumentAndLeaveNothing) {
+  const std::string from = record("in.dsp", sine(100, 0.1, 1), 0.001);
+  const auto refused = [&](std::vector<std::string> arguments, const char* message) {
+    const Outcome outcome = run(arguments);
+    EXPECT_EQ(outcome.status, 2) << message;
+    EXPECT_NE(outcome.err.find(message), std::string::npos) << outcome.err;
+  };
+  refused({"filter", from, path("o.dsp"), "--design", "low-pass", "--cutoff", "501"}, "must be above 0 to 500 Hz");
+  refused({"resample", from, path("o.dsp"), "--ratio", "0"}, "--ratio '0': must be 0.001 to 1000");
+  refused({"generate", "cosine", path("o.dsp"), "--rate", "9", "--points", "9"}, "--frequency is required");
+  EXPECT_EQ(files().size(), 1u);
+}
+
+}  // namespace
+}  // namespace sigvex_test
