@@ -17,7 +17,7 @@ template <class T> struct EngineKernels {
   void (*inverse)(int bits, const T* table, T* data, T* work);
 
   // The h = 2^bits points that come of transforming h pairs of neighbouring real samples as complex points, scaled by
-  // a quarter of what the result is to be: turned into bins 0 .. h of the real transform.
+  // half of what the result is to be: turned into bins 0 .. h of the real transform.
   size_t (*split_size)(int bits);
   void (*fill_split)(int bits, const TripleTable<T>& roots, T* table);
   void (*split)(int bits, const T* table, T* data);
