@@ -72,7 +72,7 @@ def export_faults(declared, exported):
 
 
 def test_faults(declared):
-    tests = "\n".join(path.read_text() for path in sorted((ROOT / "tests").glob("*/*.cpp")))
+    tests = "\n".join(path.read_text() for path in sorted((ROOT / "tests").glob("*/*.[ch]*")))
     for name, _ in pairs(declared):
         family, operation = re.match(r"dsp(\w*?)_(\w+)", name).groups()
         rows = rf"\b{name}\b|\bTWIN\w*\(\s*{family}\s*,[^)]*\b{operation}\b"
