@@ -25,6 +25,12 @@ TYPED_TEST(Contents, AppendTurnsComplexWhereEitherIs) {
   view->points = 2;
   EXPECT_EQ(append(v.get(), view.get()), 0);
   EXPECT_TRUE(exactly(v, {1, 0, 2, 0, 3, 4, 7, 0, 2, 0, 0, 0}));
+  view->data = v->data + 2;
+  view->points = INT32_MAX;  // of which only what is copied may be read
+  EXPECT_EQ(subvec(view.get(), v.get(), 2, 2), 0);
+  EXPECT_TRUE(exactly(v, {3, 4}));
+  EXPECT_EQ(append(v.get(), view.get()), -1);
+  EXPECT_TRUE(v->data == nullptr && v->points == 0);
 }
 
 TYPED_TEST(Contents, SubvecClampsStartAndCount) {
