@@ -42,10 +42,10 @@ template <class V> HWY_INLINE Complex<V> minus_i(Complex<V> a, Complex<V> b) {  
 #if HWY_TARGET != HWY_SCALAR
 // Lanes 0 2 (1 3) of each block of a, then those of b.
 HWY_INLINE hn::Vec128<float> even_in_blocks(hn::Vec128<float> a, hn::Vec128<float> b) {
-  return hn::Vec128<float>{_mm_shuffle_ps(a.raw, b.raw, 0x88)};
+  return hn::ConcatEven(hn::Full128<float>(), b, a);
 }
 HWY_INLINE hn::Vec128<float> odd_in_blocks(hn::Vec128<float> a, hn::Vec128<float> b) {
-  return hn::Vec128<float>{_mm_shuffle_ps(a.raw, b.raw, 0xDD)};
+  return hn::ConcatOdd(hn::Full128<float>(), b, a);
 }
 #if HWY_TARGET <= HWY_AVX2
 HWY_INLINE hn::Vec256<float> even_in_blocks(hn::Vec256<float> a, hn::Vec256<float> b) {
