@@ -96,6 +96,55 @@ TEST_F(Spectrum, NoiseDensityIsRightWithinItsConfidence) {
       EXPECT_NEAR(double(result["noise_floor"]["density"]) / std::sqrt(kDensity), 1, allowed);
       for (const Json& peak : result["peaks"]) EXPECT_FALSE(peak["clear"]) << window << ' ' << points << ' ' << peak;
     }
+  // Whatever the averaging shows, the density is that of the noise, and noise alone makes no clear line. A mean is as
+  // sure as its frames, a hold as one of them; the closed forms of the medians are right within 2 %.
+  for (const auto& [mode, sure] : {std::pair{"exponential", true},
+                                   {"magnitude", true},
+                                   {"geometric", true},
+                                   {"harmonic", false},
+                                   {"max", false},
+                                   {"min", false},
+                                   {"last", false},
+                                   {"vector", false},
+                                   {"synchronous", false}}) {
+    std::vector<std::string> arguments = {file, "--points", "512", "--peaks", "1", "--averaging", mode};
+    if (mode == std::string("synchronous")) arguments.insert(arguments.end(), {"--reference", "1000"});
+    const Json result = measure(arguments);
+    const double frames = sure ? double(result["frames"]["independent"]) : 1;
+    EXPECT_NEAR(double(result["noise_floor"]["density"]) / std::sqrt(kDensity), 1,
+                0.01 + 2 * 1.5 / std::sqrt(frames * 256 / 1.5))
+        << mode;
+    EXPECT_FALSE(result["peaks"][0]["clear"]) << mode << result;
+  }
+}
+
+// Three frames that hold a line of amplitude 1, -2 and 3: each mean has its closed form.
+TEST_F(Spectrum, EveryAveragingIsTheMeanItSays) {
+  std::vector<double> x;
+  for (double amplitude : {1, -2, 3})
+    for (double v : sine(400, 0.1, amplitude)) x.push_back(v);
+  const std::string file = record("three.dsp", x, 1);
+  const std::tuple<const char*, std::vector<std::string>, double> rows[] = {
+      {"mean", {}, std::sqrt(14 / 3.0)},
+      {"exponential", {"--average-length", "2"}, std::sqrt(5.75)},
+      {"magnitude", {}, 2},
+      {"magnitude", {"--average-length", "2"}, 2.25},
+      {"geometric", {}, std::cbrt(6)},
+      {"harmonic", {}, std::sqrt(3 / (1 + 1 / 4.0 + 1 / 9.0))},
+      {"max", {}, 3},
+      {"min", {}, 1},
+      {"last", {}, 3},
+      {"vector", {}, 2 / 3.0},
+      {"synchronous", {"--reference", "0.1"}, 2}};
+  for (const auto& [name, options, level] : rows)
+    for (bool single : {false, true}) {
+      std::vector<std::string> arguments = {file, "--points", "400", "--overlap", "0", "--averaging", name};
+      arguments.insert(arguments.end(), options.begin(), options.end());
+      if (single) arguments.emplace_back("--single");
+      const Json result = measure(arguments);
+      EXPECT_EQ(result["frames"]["count"], 3);
+      EXPECT_NEAR(result["peaks"][0]["level"], level, single ? 1e-5 : 1e-9) << name;  // some 50 roundings of float
+    }
 }
 
 // Uncorrelated frames average as many as they are; a Hann window at 75 % overlap correlates by 0.659 with its

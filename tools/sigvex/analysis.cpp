@@ -95,14 +95,13 @@ template <class T> class Trend {
   T square_ = 0;
 };
 
-// |X|^2 of the samples in `frame`, in place: afterwards real, in rising order of frequency.
-template <class T> void power_spectrum(Vector<T>& frame, Vector<T>& window) {
+// The spectrum of the samples in `frame`, in place and in rising order of frequency.
+template <class T> void transform(Vector<T>& frame, Vector<T>& window) {
   using L = Library<T>;
   const bool two_sided = frame.complex;
   window.delta = frame.delta;
   check(L::mul(&frame, &window, &frame), "the windowed frame");
   check(two_sided ? L::dft(&frame, 0) : L::rdft(&frame), "the transform");
-  check(L::magsq(&frame), "the power");
   if (two_sided) check(L::swap_halves(&frame), "the spectrum");
 }
 
@@ -139,41 +138,63 @@ Plan plan_frames(const Analysis& a, std::optional<uint64_t> total, const std::st
   return {points, std::max<size_t>(1, static_cast<size_t>(std::llround(static_cast<double>(points) * step)))};
 }
 
+// The weights that the frames end up with in an exponential average: the first ones share what the later ones leave.
+// Frames further back than counts in double precision are left out.
+std::vector<double> exponential_weights(uint64_t frames, double length) {
+  std::vector<double> weights;
+  double left = 1;
+  uint64_t n = frames;
+  for (; static_cast<double>(n) >= length && n > 1 && left > 1e-9; --n) {
+    weights.push_back(left / length);
+    left *= 1 - 1 / length;
+  }
+  if (left > 1e-9) weights.insert(weights.end(), static_cast<size_t>(n), left / static_cast<double>(n));
+  return weights;
+}
+
 // How many independent frames average as well as these: Welch's variance of overlapping frames, from the correlation of
-// the window with itself.
-double independent_frames(const std::vector<double>& w, size_t hop, uint64_t frames) {
+// the window with itself. The mean of complex spectra counts its frames as they are.
+double independent_frames(const std::vector<double>& w, size_t hop, uint64_t frames, const Analysis& a) {
+  if (a.averaging.kind == Averaging::Last) return 1;
+  const std::vector<double> weights = a.length > 0 ? exponential_weights(frames, a.length) : std::vector<double>();
+  // The sum of the products of weights m frames apart.
+  const auto products = [&](uint64_t m) {
+    if (weights.empty()) return static_cast<double>(frames - m) / std::pow(static_cast<double>(frames), 2);
+    const size_t shift = static_cast<size_t>(std::min<uint64_t>(m, weights.size()));
+    return std::inner_product(weights.begin() + static_cast<ptrdiff_t>(shift), weights.end(), weights.begin(), 0.0);
+  };
   const auto correlation = [&](size_t shift) {
     return std::inner_product(w.begin() + static_cast<ptrdiff_t>(shift), w.end(), w.begin(), 0.0);
   };
-  const double whole = correlation(0), count = static_cast<double>(frames);
-  double excess = 0;
-  for (uint64_t m = 1; m < frames && m * hop < w.size(); ++m) {
+  const double whole = correlation(0);
+  double variance = products(0);
+  for (uint64_t m = 1; m < frames && m * hop < w.size() && a.averaging.kind != Averaging::Coherent; ++m) {
     const double c = correlation(static_cast<size_t>(m * hop)) / whole;
-    excess += 2 * (1 - static_cast<double>(m) / count) * c * c;
+    variance += 2 * products(m) * c * c;
   }
-  return count / (1 + excess);
+  return 1 / variance;
 }
 
-template <class T> Spectrum average_frames(Source& source, const Analysis& a, const Plan& plan) {
+template <class T> void average_frames(Source& source, const Analysis& a, const Plan& plan, Spectrum& result) {
   const SourceInfo& info = source.info();
-  Spectrum result;
-  Vector<T> frame, mean, window;
+  Vector<T> frame, mean, work, window;
   make_window(window, a, plan.points);
   Trend<T> trend(a.detrend, plan.points);
   Frames frames(source, plan.points, plan.hop);
+  const uint32_t flags = a.averaging.flags | (a.length > 0 ? DSP_AVG_EXPONENTIAL : 0);
+  const int32_t reference = result.reference ? static_cast<int32_t>(*result.reference) : -1;
   Progress progress("analysing");
   while (const double* samples = a.average && result.frames == a.average ? nullptr : frames.next()) {
     frame.resize(plan.points, info.complex);
     frame.delta = static_cast<T>(info.delta);
     for (size_t k = 0; k < frame.scalars(); ++k) frame.data[k] = static_cast<T>(samples[k]);
     trend.remove(frame);
-    power_spectrum(frame, window);
+    transform(frame, window);
     ++result.frames;
     result.used = frames.position();
-    if (result.frames == 1) frame.swap(mean);
-    else
-      check(Library<T>::avg_add(&frame, &mean, &mean, static_cast<T>(1.0 / static_cast<double>(result.frames))),
-            "the average");
+    const int32_t count = static_cast<int32_t>(std::min<uint64_t>(result.frames, INT32_MAX));
+    check(Library<T>::avg(&frame, &mean, &work, flags, count, reference, T(-1), static_cast<T>(a.length)),
+          "the average");
     progress.at(frames.position(), info.frames);
   }
   if (result.frames == 0 || result.frames < a.average) {
@@ -182,9 +203,18 @@ template <class T> Spectrum average_frames(Source& source, const Analysis& a, co
     if (a.average > 1) need += format("%llu frames of ", static_cast<unsigned long long>(a.average));
     throw DataError(need + format("%zu points", plan.points));
   }
+  if (!(flags & DSP_AVG_POWER)) check(Library<T>::magsq(&mean), "the power");
   result.power.assign(mean.data, mean.data + mean.points);
   result.window.assign(window.data, window.data + window.points);
-  return result;
+}
+
+size_t bin_at(const Spectrum& s, double frequency) {
+  const double bin = std::round(frequency / s.spacing) + static_cast<double>(s.origin());
+  const size_t bins = s.complex ? s.points : s.points / 2 + 1;
+  if (!(bin >= 0 && bin < static_cast<double>(bins)))
+    throw DataError(format("--reference %g: the spectrum reaches from %g to %g", frequency, s.frequency(0),
+                           s.frequency(static_cast<double>(bins - 1))));
+  return static_cast<size_t>(bin);
 }
 
 }  // namespace
@@ -199,12 +229,16 @@ Spectrum analyse(Source& source, const Analysis& a) {
   if (!info.frames && a.points > kLongestFrame) ahead = buffered(source, a.points + 1);
   Source& input = ahead ? *ahead : source;
   const Plan plan = plan_frames(a, input.info().frames, info.name);
-  Spectrum result = a.single ? average_frames<float>(input, a, plan) : average_frames<double>(input, a, plan);
+  Spectrum result;
   result.points = plan.points;
   result.complex = info.complex;
   result.single = a.single;
   result.spacing = 1 / (static_cast<double>(plan.points) * info.delta);
-  result.independent = independent_frames(result.window, plan.hop, result.frames);
+  result.averaging = a.averaging.kind;
+  if (a.reference) result.reference = bin_at(result, *a.reference);
+  if (a.single) average_frames<float>(input, a, plan, result);
+  else average_frames<double>(input, a, plan, result);
+  result.independent = independent_frames(result.window, plan.hop, result.frames, a);
   const int32_t n = static_cast<int32_t>(plan.points);
   if ((a.parameter ? dsp_window2_enbw(&result.enbw, a.window, n, *a.parameter)
                    : dsp_window_enbw(&result.enbw, a.window, n)) < 0)

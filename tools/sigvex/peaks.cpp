@@ -78,12 +78,17 @@ double rounding(const Spectrum& s) {
   return 64 * (s.single ? std::numeric_limits<float>::epsilon() : std::numeric_limits<double>::epsilon());
 }
 
-// The power of a bin of noise, averaged over K independent frames, is distributed as the mean of K exponentials; its
-// median is (3K - 0.8)/(3K + 0.2) of its mean within 0.1 % from K = 2 on, and ln 2 for K = 1.
-double mean_of_noise(std::vector<double>& power, double k) {
+// The mean level of noise in the average, from the median of its bins.
+double mean_of_noise(std::vector<double>& power, const Spectrum& s) {
   const auto middle = power.begin() + static_cast<ptrdiff_t>(power.size() / 2);
   std::nth_element(power.begin(), middle, power.end());
-  return *middle / (k < 1.01 ? std::log(2.0) : (3 * k - 0.8) / (3 * k + 0.2));
+  const NoiseShown shown = noise_shown(s.averaging, s.independent);
+  return *middle / shown.median * shown.mean;
+}
+
+// The bin whose phase the others follow adds up its noise too, as do its neighbours under the window.
+bool is_followed(const Spectrum& s, size_t bin) {
+  return s.reference && std::fabs(static_cast<double>(bin) - static_cast<double>(*s.reference)) <= half_width(s);
 }
 
 }  // namespace
@@ -102,7 +107,7 @@ Band band_of(const Spectrum& s, std::optional<double> from, std::optional<double
 double noise_floor(const Spectrum& s, const Band& band) {
   std::vector<double> power(s.power.begin() + static_cast<ptrdiff_t>(band.first),
                             s.power.begin() + static_cast<ptrdiff_t>(band.last) + 1);
-  return mean_of_noise(power, s.independent);
+  return mean_of_noise(power, s);
 }
 
 // Near an end of the spectrum the hundred bins lie to one side.
@@ -114,15 +119,9 @@ LocalFloor::LocalFloor(const Spectrum& s) {
   }
 }
 
-// Chernoff's bound of that distribution: P(power > t * mean) <= exp(-K (t - 1 - ln t)).
-double detection_ratio(const Spectrum& s, const Band& band) {
-  const double wanted = std::log(static_cast<double>(band.size()) / 0.01) / s.independent;
-  double low = 1, high = 2 + 2 * wanted;
-  for (int step = 0; step < 60; ++step) {
-    const double t = 0.5 * (low + high);
-    (t - 1 - std::log(t) < wanted ? low : high) = t;
-  }
-  return high;
+double detection_ratio(const Spectrum& s, const Band& band, bool followed) {
+  const double rarity = std::log(static_cast<double>(band.size()) / 0.01);
+  return noise_limit(followed ? Averaging::Magnitude : s.averaging, s.independent, rarity) / s.noise_bias();
 }
 
 std::vector<Line> find_lines(const Spectrum& s, const Lobe& lobe, const Band& band, const Wanted& wanted,
@@ -133,13 +132,13 @@ std::vector<Line> find_lines(const Spectrum& s, const Lobe& lobe, const Band& ba
   std::sort(maxima.begin(), maxima.end(), [&](size_t a, size_t b) { return s.power[a] > s.power[b]; });
 
   const LocalFloor floor(s);
-  const double detection = detection_ratio(s, band);
+  const double detection = detection_ratio(s, band), at_reference = detection_ratio(s, band, true);
   std::vector<Line> clear, doubtful;
   for (size_t k : maxima) {
     if (clear.size() == wanted.clear) break;
     const double amplitude = std::sqrt(s.power[k]);
     if (!(amplitude > rounding(s) * std::sqrt(s.power[maxima[0]]))) break;
-    const bool is_clear = s.power[k] > detection * floor.at(k);
+    const bool is_clear = s.power[k] > (is_followed(s, k) ? at_reference : detection) * floor.at(k);
     if (!is_clear && doubtful.size() == wanted.at_least) continue;
     // Noise under a side lobe can lift it: 2 dB of doubt.
     if (amplitude <= 1.26 * (leaked_amplitude(s, lobe, clear, k) + leaked_amplitude(s, lobe, doubtful, k))) continue;
@@ -168,7 +167,7 @@ std::vector<Line> find_harmonics(const Spectrum& s, const Lobe& lobe, const Line
     Line line = line_at(s, lobe, static_cast<size_t>(std::max_element(begin, end) - s.power.begin()));
     line.harmonic = h;
     line.over_noise = line.power / floor.at(line.bin);
-    line.clear = line.over_noise > detection_ratio(s, {0, static_cast<size_t>(last - first)});
+    line.clear = line.over_noise > detection_ratio(s, {0, static_cast<size_t>(last - first)}, is_followed(s, line.bin));
     harmonics.push_back(line);
   }
   return harmonics;

@@ -41,8 +41,9 @@ class LocalFloor {
 };
 
 // How far, as a power ratio, a maximum must rise over the noise around it so that noise alone does so anywhere in the
-// band with a probability of 1 % at most.
-double detection_ratio(const Spectrum& spectrum, const Band& band);
+// band with a probability of 1 % at most. `followed`: at the bin that synchronous averaging takes the phase from, where
+// noise adds up by its magnitude.
+double detection_ratio(const Spectrum& spectrum, const Band& band, bool followed = false);
 
 struct Wanted {
   size_t clear = 10;    // lines at most

@@ -29,6 +29,15 @@ const char* detrend_name(Detrend kind) {
   return kind == Detrend::None ? "nothing removed" : kind == Detrend::Mean ? "mean removed" : "linear trend removed";
 }
 
+std::string averaging_text(const Measurement& m) {
+  std::string text = std::string(", ") + m.analysis.averaging.words;
+  if (m.analysis.length > 0) text += format(" over %g", m.analysis.length);
+  if (m.spectrum.reference)
+    text += format(" with %.6g ", m.spectrum.frequency(static_cast<double>(*m.spectrum.reference))) +
+            m.source.frequency_unit();
+  return text;
+}
+
 std::string heading(const Measurement& m) {
   const Spectrum& s = m.spectrum;
   const SourceInfo& info = m.source;
@@ -44,6 +53,7 @@ std::string heading(const Measurement& m) {
                    static_cast<double>(s.points) * info.delta) +
             info.time_unit +
             format("), overlap %.3g %%, as good as %.1f independent ones", 100 * m.analysis.overlap, s.independent);
+  if (s.averaging != Averaging::Power || m.analysis.length > 0) text += averaging_text(m);
   text += ", window " + m.window;
   if (m.analysis.parameter) text += format(" (parameter %g)", *m.analysis.parameter);
   return text + ", " + detrend_name(m.analysis.detrend) + (s.single ? ", single precision\n\n" : "\n\n");
@@ -122,10 +132,13 @@ std::string table(const Measurement& m, const Levels& levels) {
     text += format("?  may be noise: a peak stands out clearly from %.1f dB over the noise around it\n",
                    decibels(m.detection));
   text += format("\nnoise floor      %.4g ", levels.of_noise(m.floor)) + levels.description() +
-          format(" a bin, %.4g ", levels.amplitude_density(m.floor)) + levels.density_unit() +
+          format(" a bin, %.4g ", levels.amplitude_density(m.floor / s.noise_bias())) + levels.density_unit() +
           format(" (median of %.6g to %.6g ", s.frequency(static_cast<double>(m.band.first)),
                  s.frequency(static_cast<double>(m.band.last))) +
           hz + ")\n";
+  if (s.averaging != Averaging::Power)
+    text += format("averaging        %s: shows noise %+.1f dB off its mean power; the density is corrected for that\n",
+                   m.analysis.averaging.words, decibels(s.noise_bias()));
   text += format("bin spacing      %.6g ", s.spacing) + hz + "\n";
   text += format("noise bandwidth  %.6g ", s.enbw * s.spacing) + hz + format(" (%.6g bins)\n", s.enbw);
   return text;
@@ -151,6 +164,9 @@ std::string json(const Measurement& m, const Levels& levels) {
   out["complex"] = s.complex;
   out["frames"] = {
       {"count", s.frames}, {"points", s.points}, {"overlap", m.analysis.overlap}, {"independent", s.independent}};
+  out["averaging"] = {{"name", m.analysis.averaging.name}, {"noise_bias_db", decibels(s.noise_bias())}};
+  if (m.analysis.length > 0) out["averaging"]["length"] = m.analysis.length;
+  if (s.reference) out["averaging"]["reference"] = s.frequency(static_cast<double>(*s.reference));
   out["window"] = {{"name", m.window}, {"enbw_bins", s.enbw}, {"enbw", s.enbw * s.spacing}};
   if (m.analysis.parameter) out["window"]["parameter"] = *m.analysis.parameter;
   out["scale"] = m.scale;
@@ -159,7 +175,7 @@ std::string json(const Measurement& m, const Levels& levels) {
   out["bin_spacing"] = s.spacing;
   out["noise_floor"] = {{"level", number(levels.of_noise(m.floor))},
                         {"unit", levels.unit()},
-                        {"density", number(levels.amplitude_density(m.floor))},
+                        {"density", number(levels.amplitude_density(m.floor / s.noise_bias()))},
                         {"density_unit", levels.density_unit()},
                         {"from", s.frequency(static_cast<double>(m.band.first))},
                         {"to", s.frequency(static_cast<double>(m.band.last))}};

@@ -19,10 +19,11 @@ namespace {
 struct Options {
   InputOptions input;
   Analysis analysis;
-  std::string window = "Hann", average = "all", scale = "peak", detrend = "mean", overlap = "50", points;
+  std::string window = "Hann", average = "all", scale = "peak", detrend = "mean", averaging = "mean", overlap, points;
   bool db = false;
   std::optional<int> peaks;
   int harmonics = 0;
+  std::optional<double> length;
   std::optional<double> from_hz, to_hz;
   std::string format = "table", output, plot;
 };
@@ -32,7 +33,14 @@ Analysis analysis_of(const Options& o) {
   a.window = window_type(o.window, "--window");
   if (!o.points.empty()) a.points = whole_number(o.points, "--points", 2);
   a.average = o.average == "all" ? 0 : whole_number(o.average, "--average", 1);
-  std::string_view overlap = o.overlap;
+  a.averaging = averaging_named(o.averaging);
+  if (o.length && !a.averaging.weighted()) throw UsageError("--average-length is not for --averaging " + o.averaging);
+  if (o.length || o.averaging == "exponential") a.length = o.length.value_or(10);
+  if (a.reference && o.averaging != "synchronous") throw UsageError("--reference is for --averaging synchronous");
+  if (!a.reference && o.averaging == "synchronous")
+    throw UsageError("--averaging synchronous needs --reference, the frequency of a line");
+  // Noise averages out of complex spectra alike at every frequency where the frames have no sample in common.
+  std::string_view overlap = !o.overlap.empty() ? o.overlap : a.averaging.kind == Averaging::Coherent ? "0" : "50";
   if (overlap.ends_with('%')) overlap.remove_suffix(1);
   const std::optional<double> percent = to_number(overlap);
   if (!percent || !(*percent >= 0 && *percent <= 99))
@@ -133,13 +141,33 @@ void add_spectrum(CLI::App& program) {
                    "gives the frames of --average")
       ->type_name("N")
       ->group(analysis);
-  command
-      ->add_option("--average", o->average, "Frames whose power is averaged: a number from the start, or all that fit")
+  command->add_option("--average", o->average, "Frames that are averaged: a number from the start, or all that fit")
       ->capture_default_str()
       ->type_name("K|all")
       ->group(analysis);
-  command->add_option("--overlap", o->overlap, "Overlap of the frames in per cent")
+  command
+      ->add_option(
+          "--averaging", o->averaging,
+          "How frames become one spectrum: mean, exponential, magnitude, geometric or harmonic (of their powers), "
+          "max or min (hold), last, vector (complex mean, for triggered frames), synchronous (complex mean, "
+          "frames turned to one phase at --reference)")
+      ->check(CLI::IsMember(averaging_names()))
       ->capture_default_str()
+      ->type_name("NAME")
+      ->group(analysis);
+  command
+      ->add_option(
+          "--average-length", o->length,
+          "Frames after which a mean forgets: from that frame on a new one has the weight 1/L (exponential: 10)")
+      ->check(CLI::Range(1.0, 1e6))
+      ->type_name("L")
+      ->group(analysis);
+  command
+      ->add_option("--reference", o->analysis.reference,
+                   "Frequency of the line whose phase synchronous averaging follows")
+      ->type_name("F")
+      ->group(analysis);
+  command->add_option("--overlap", o->overlap, "Overlap of the frames in per cent (default 50; vector, synchronous: 0)")
       ->type_name("PERCENT")
       ->group(analysis);
   command->add_option("--detrend", o->detrend, "Removed from each frame: none, mean, linear (mean and slope)")
@@ -191,6 +219,7 @@ void add_spectrum(CLI::App& program) {
       "  sigvex spectrum voice.wav --points 4096 --to-hz 4000\n"
       "  sigvex spectrum ecg.dsp --unit mV --from-hz 50 --peaks 3 --harmonics\n"
       "  sigvex spectrum noise.wav --points 8192 --scale density --db --plot noise.png\n"
+      "  sigvex spectrum engine.wav --points 8192 --averaging max\n"
       "  sigvex spectrum temperature.csv --column indoor --rate 24 --time-unit day --detrend linear\n"
       "  cat sensor.csv | sigvex spectrum - --delta 0.001 --format json --output lines.json");
   command->callback([o] { run_spectrum(*o); });

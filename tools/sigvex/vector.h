@@ -20,7 +20,7 @@ template <> struct Library<double> {
   static constexpr auto dft = dspi_dft;
   static constexpr auto magsq = dspi_magsq;
   static constexpr auto swap_halves = dspi_swap_halves;
-  static constexpr auto avg_add = dspb_avg_add;
+  static constexpr auto avg = dsph_avg;
   static constexpr auto sub = dspb_sub;
   static constexpr auto mul = dspb_mul;
   static constexpr auto dot = dspbs_dot;
@@ -38,7 +38,7 @@ template <> struct Library<float> {
   static constexpr auto dft = dspfi_dft;
   static constexpr auto magsq = dspfi_magsq;
   static constexpr auto swap_halves = dspfi_swap_halves;
-  static constexpr auto avg_add = dspfb_avg_add;
+  static constexpr auto avg = dspfh_avg;
   static constexpr auto sub = dspfb_sub;
   static constexpr auto mul = dspfb_mul;
   static constexpr auto dot = dspfbs_dot;
