@@ -92,22 +92,24 @@ const std::vector<Form> kReal{Form::kReal}, kBoth{Form::kReal, Form::kComplex};
 void elementwise() {
   EACH(kReal, i, abs)
   EACH(kReal, i, acos)
-  EACH(kReal, i, asin) EACH(kReal, i, atan) EACH(kReal, i, cos) EACH(kReal, i, sin) EACH(kReal, i, tan)
-      EACH(kReal, i, cosh) EACH(kReal, i, sinh) EACH(kReal, i, tanh) EACH(kReal, i, sinc) EACH(kReal, i, besi0)
-          EACH(kReal, i, besj0) EACH(kReal, i, besj1) EACH(kReal, i, besy0) EACH(kReal, i, besy1) EACH(kBoth, i, exp)
-              EACH(kBoth, i, exp10) EACH(kBoth, i, log) EACH(kBoth, i, log10) EACH(kBoth, i, db, 10)
-                  EACH(kBoth, i, sqrt) EACH(kBoth, i, square) EACH(kBoth, i, recip) EACH(kBoth, i, neg)
-                      EACH(kBoth, i, scale, 3) EACH(kBoth, i, offset, 3) EACH(kBoth, i, cscale, 3, 4)
-                          EACH(kBoth, i, timesi) EACH(kBoth, i, conj) EACH(kBoth, i, real) EACH(kBoth, i, imag)
-                              EACH(kBoth, i, mag) EACH(kBoth, i, magsq) EACH(kBoth, i, phase) EACH(kBoth, i, rtop)
-                                  EACH(kBoth, i, ptor) EACH(kReal, i, rtoc) EACH(kBoth, i, limit, 0, 0, 1, nullptr)
+  EACH(kReal, i, asin)
+  EACH(kReal, i, atan) EACH(kReal, i, cos) EACH(kReal, i, sin) EACH(kReal, i, tan) EACH(kReal, i, cosh)
+      EACH(kReal, i, sinh) EACH(kReal, i, tanh) EACH(kReal, i, sinc) EACH(kReal, i, besi0) EACH(kReal, i, besj0)
+          EACH(kReal, i, besj1) EACH(kReal, i, besy0) EACH(kReal, i, besy1) EACH(kBoth, i, exp) EACH(kBoth, i, exp10)
+              EACH(kBoth, i, log) EACH(kBoth, i, log10) EACH(kBoth, i, db, 10) EACH(kBoth, i, sqrt)
+                  EACH(kBoth, i, square) EACH(kBoth, i, recip) EACH(kBoth, i, neg) EACH(kBoth, i, scale, 3)
+                      EACH(kBoth, i, offset, 3) EACH(kBoth, i, cscale, 3, 4) EACH(kBoth, i, timesi) EACH(kBoth, i, conj)
+                          EACH(kBoth, i, real) EACH(kBoth, i, imag) EACH(kBoth, i, mag) EACH(kBoth, i, magsq)
+                              EACH(kBoth, i, phase) EACH(kBoth, i, rtop) EACH(kBoth, i, ptor) EACH(kReal, i, rtoc)
+                                  EACH(kBoth, i, limit, 0, 0, 1, nullptr)
 }
 
 void two_vectors() {
   EACH(kBoth, b, add, b, a)
   EACH(kBoth, b, sub, b, a)
-  EACH(kBoth, b, mul, b, a) EACH(kBoth, b, conj_mul, b, a) EACH(kBoth, b, div, b, a) EACH(kBoth, b, avg_add, b, a, 1)
-      EACH(kBoth, b, max, b, a) EACH(kBoth, b, min, b, a) EACH(kReal, b, ritoc, b, a) EACH(kBoth, bs, dot, a, b)
+  EACH(kBoth, b, mul, b, a)
+  EACH(kBoth, b, conj_mul, b, a) EACH(kBoth, b, div, b, a) EACH(kBoth, b, avg_add, b, a, 1) EACH(kBoth, b, max, b, a)
+      EACH(kBoth, b, min, b, a) EACH(kReal, b, ritoc, b, a) EACH(kBoth, b, inter, b, a) EACH(kBoth, bs, dot, a, b)
           EACH(kBoth, u, scale, b, 3) EACH(kBoth, u, cscale, b, 3, 4) EACH(kBoth, u, sqrt, b) EACH(kBoth, u, mag, b)
               EACH(kBoth, u, magsq, b)
 }
@@ -115,18 +117,22 @@ void two_vectors() {
 void sequence() {
   EACH(kBoth, i, zero)
   EACH(kBoth, i, swap_halves)
-  EACH(kBoth, i, swap_halves2) EACH(kBoth, i, rev) EACH(kBoth, i, sort) EACH(kBoth, i, shuffle) EACH(kBoth, i, differ)
-      EACH(kBoth, i, integ) EACH(kReal, i, unwrap) EACH(kBoth, i, bitrev) EACH(kBoth, i, bitrev_scale, 3)
-          EACH(kBoth, i, window, 2, 0)
+  EACH(kBoth, i, swap_halves2)
+  EACH(kBoth, i, rev) EACH(kBoth, i, sort) EACH(kBoth, i, shuffle) EACH(kBoth, i, differ) EACH(kBoth, i, integ)
+      EACH(kReal, i, unwrap) EACH(kReal, i, unwrap_wnd, 1) EACH(kReal, i, pdiffer) EACH(kReal, i, edge, 0.6, 0.1, 3)
+          EACH(kBoth, i, bitrev) EACH(kBoth, i, bitrev_scale, 3) EACH(kBoth, i, window, 2, 0)
+              EACH(kReal, i, zpad2, 2 * a->points) EACH(kReal, i, unzpad, a->points / 2) EACH(kReal, i, zinter, 2)
+                  EACH(kReal, u, zinter, b, 2)
 }
 
 void statistics() {
   EACH(kBoth, s, sum, b)
   EACH(kBoth, s, mean, b)
-  EACH(kBoth, s, gmean, b) EACH(kBoth, s, hmean, b) EACH(kBoth, s, median, b) EACH(kBoth, s, max, b)
-      EACH(kBoth, s, min, b) EACH(kBoth, s, magsq_sum, b) EACH(kBoth, s, rms, b) EACH(kBoth, s, pop_var, b)
-          EACH(kBoth, s, samp_stddev, b) EACH(kReal, s, skew, b) EACH(kReal, s, excess, b)
-              EACH(kBoth, s, hist, b, 0, 0.01, 100) EACH(kBoth, s, peak, b, 0, 0)
+  EACH(kBoth, s, gmean, b)
+  EACH(kBoth, s, hmean, b) EACH(kBoth, s, median, b) EACH(kBoth, s, max, b) EACH(kBoth, s, min, b)
+      EACH(kBoth, s, magsq_sum, b) EACH(kBoth, s, rms, b) EACH(kBoth, s, pop_var, b) EACH(kBoth, s, samp_stddev, b)
+          EACH(kReal, s, skew, b) EACH(kReal, s, excess, b) EACH(kBoth, s, hist, b, 0, 0.01, 100)
+              EACH(kBoth, s, peak, b, 0, 0)
 }
 
 }  // namespace

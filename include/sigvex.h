@@ -575,6 +575,16 @@ DSP_API int32_t dspb_ritoc (const dsp_vector  *a, const dsp_vector  *b, dsp_vect
 DSP_API int32_t dspfb_ritoc(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
 
 /**
+ * Interleaves two vectors point by point: a[0], b[0], a[1], b[1] ...
+ *   sizes    twice the points of the inputs; complex if either input is, a real sample then counting as (x, 0)
+ *   delta    half of a's
+ *   alias    the result may be an input or share storage with one; a block that another input owns is left to it
+ *   fails    unequal point counts (everything untouched); storage
+ */
+DSP_API int32_t dspb_inter (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
+DSP_API int32_t dspfb_inter(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);
+
+/**
  * Product of two polynomials whose coefficients are the points, which is their full linear convolution:
  * result[i + j] += a[i] * b[j] over all pairs.
  *   sizes    points of a + points of b - 1, none if either input is empty; complex if either input is
@@ -655,6 +665,28 @@ DSP_API int32_t dspi_zpad (dsp_vector  *v, int32_t n);
 DSP_API int32_t dspfi_zpad(dspf_vector *v, int32_t n);
 
 /**
+ * Inserts points 0 in the middle until there are n: the first (N + 1) / 2 points (integer division) stay in front, the
+ * other N / 2 move to the end, so that a frame whose centre lies at index 0 keeps it there. For a spectrum of N bins, N
+ * odd or bin N/2 empty, it interpolates the signal to n points within its band (times n / N). Never shortens.
+ *   params   n: the new point count; one that is not above the present count changes nothing
+ *   keeps    form, delta, the samples
+ *   alias    a view gets a block of its own, and the viewed storage stays as it was
+ *   fails    storage
+ */
+DSP_API int32_t dspi_zpad2 (dsp_vector  *v, int32_t n);
+DSP_API int32_t dspfi_zpad2(dspf_vector *v, int32_t n);
+
+/**
+ * Removes points from the middle until there are n: the first (n + 1) / 2 and the last n / 2 remain. The inverse of
+ * dspi_zpad2; of a spectrum it keeps the bins around 0. Never lengthens.
+ *   params   n: the new point count, a negative one counts as 0; one that is not below the present count changes nothing
+ *   keeps    form, delta; a view stays one
+ *   returns  0
+ */
+DSP_API int32_t dspi_unzpad (dsp_vector  *v, int32_t n);
+DSP_API int32_t dspfi_unzpad(dspf_vector *v, int32_t n);
+
+/**
  * Drops the first `count` points and moves the rest to the front. A count beyond the length leaves an empty vector, a
  * negative one changes nothing.
  *   keeps    form, delta
@@ -663,6 +695,29 @@ DSP_API int32_t dspfi_zpad(dspf_vector *v, int32_t n);
  */
 DSP_API int32_t dspi_shift (dsp_vector  *v, int32_t count);
 DSP_API int32_t dspfi_shift(dspf_vector *v, int32_t count);
+
+/**
+ * Stuffs zeros: every point is followed by factor - 1 points 0, the first half of an interpolation (a low-pass of gain
+ * `factor` is the second).
+ *   params   factor: 1, which changes nothing, or more
+ *   sizes    points * factor
+ *   keeps    form
+ *   delta    divided by factor
+ *   alias    a view gets a block of its own, and the viewed storage stays as it was
+ *   fails    factor below 1 (untouched); storage
+ */
+DSP_API int32_t dspi_zinter (dsp_vector  *v, int32_t factor);
+DSP_API int32_t dspfi_zinter(dspf_vector *v, int32_t factor);
+
+/**
+ * dspi_zinter into another vector. A destination that owns enough storage keeps it; one that is a view gets a fresh block.
+ *   sizes    the source's points * factor, in its form
+ *   delta    the source's divided by factor
+ *   alias    source and destination may be one record or share storage; a block that the source owns is left to it
+ *   fails    factor below 1 (everything untouched); storage (no value is written)
+ */
+DSP_API int32_t dspu_zinter (const dsp_vector  *source, dsp_vector  *destination, int32_t factor);
+DSP_API int32_t dspfu_zinter(const dspf_vector *source, dspf_vector *destination, int32_t factor);
 
 /**
  * Moves the second half in front of the first: new[k] = old[(k + (n + 1) / 2) mod n], so that index 0 lands at n / 2
@@ -733,6 +788,17 @@ DSP_API int32_t dspi_differ (dsp_vector  *v);
 DSP_API int32_t dspfi_differ(dspf_vector *v);
 
 /**
+ * Difference of a phase sequence in radians divided by delta: each step, brought into -pi..pi by the multiple of 2 pi
+ * that dspi_unwrap would take off, times (1 / delta). This is the angular frequency in radians per unit of delta, without
+ * unwrapping first. The first point is measured against 0; a delta of 0 multiplies by huge.
+ *   real     a step into or out of a NaN or an infinity gives NaN, the steps beyond do not
+ *   keeps    points, delta
+ *   fails    a complex vector (untouched)
+ */
+DSP_API int32_t dspi_pdiffer (dsp_vector  *v);
+DSP_API int32_t dspfi_pdiffer(dspf_vector *v);
+
+/**
  * Running sum times delta: delta * (x[0] + ... + x[k]), summed one by one in the precision of the samples. Both parts
  * of complex points alike.
  *   keeps    points, form, delta
@@ -750,6 +816,38 @@ DSP_API int32_t dspfi_integ(dspf_vector *v);
  */
 DSP_API int32_t dspi_unwrap (dsp_vector  *v);
 DSP_API int32_t dspfi_unwrap(dspf_vector *v);
+
+/**
+ * As dspi_unwrap for a quantity of any period (degrees, encoder counts): half of it stands for pi.
+ *   params   period: above 0; an infinite one leaves every finite sample as it is
+ *   keeps    points, delta
+ *   fails    a complex vector, a period that is not above 0 or NaN (untouched)
+ */
+DSP_API int32_t dspi_unwrap_wnd (dsp_vector  *v, double period);
+DSP_API int32_t dspfi_unwrap_wnd(dspf_vector *v, float  period);
+
+/** Which crossings dspi_edge looks for. */
+enum {
+  DSP_EDGE_UP = 1,    /**< from below the level to it or above */
+  DSP_EDGE_DOWN = 2,  /**< from above the level to it or below */
+  DSP_EDGE_EITHER = 3 /**< both, each armed for itself */
+};
+
+/**
+ * Replaces a waveform by the positions where it crosses a level: the triggers of an instrument, in order. The crossing
+ * upward is armed by a sample below level - hysteresis, and completed by the first sample after it that is not below the
+ * level; it then has to be armed anew, so that noise within the band around the level fires once. Downward likewise,
+ * armed above level + hysteresis. A waveform that begins within the band is not armed yet.
+ *   real     position: (j + (level - x[j]) / (x[j+1] - x[j])) * delta, on the straight line between the last sample before
+ *            the level and the first at or beyond it, computed in double. Samples are brought into +-huge; a NaN is a
+ *            gap: nothing is armed across it
+ *   params   level: within +-huge; hysteresis: at least 0; direction: DSP_EDGE_...
+ *   sizes    a point for each crossing, at most points - 1; a view stays one
+ *   delta    1
+ *   fails    a complex vector, a parameter out of range or NaN (untouched)
+ */
+DSP_API int32_t dspi_edge (dsp_vector  *v, double level, double hysteresis, uint32_t direction);
+DSP_API int32_t dspfi_edge(dspf_vector *v, float  level, float  hysteresis, uint32_t direction);
 
 /* ------------------------------------------------------------------------------------------------------------------
  * Bit-reversed order

@@ -1,4 +1,4 @@
-// dspb_add dspb_sub dspb_mul dspb_conj_mul dspb_div dspb_avg_add dspb_max dspb_min dspb_ritoc
+// dspb_add dspb_sub dspb_mul dspb_conj_mul dspb_div dspb_avg_add dspb_max dspb_min
 #include "core/exports.h"
 #include "core/limits.h"
 #include "core/scratch.h"
@@ -140,23 +140,6 @@ template <class T> Status min(const Vector<T>& a, const Vector<T>& b, Vector<T>&
   return combine<T>(a, b, result, Choice<T, less<T>>{});
 }
 
-template <class T> Status ritoc(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
-  if (a.complex || b.complex || points<T>(a) != points<T>(b)) return kFailure;
-  const size_t n = points<T>(a);
-  if (endangered<T>(a, result, 2 * n) || endangered<T>(b, result, 2 * n)) {
-    Scratch<T> re, im;
-    SIGVEX_TRY(dsp::copy<T>(re, a));
-    SIGVEX_TRY(dsp::copy<T>(im, b));
-    return ritoc<T>(re, im, result);
-  }
-  const T delta = a.delta * T(0.5);
-  const bool shared = result.data == a.data || result.data == b.data;
-  SIGVEX_TRY(shared ? size_result<T>(a, b, n, 1, result) : reshape<T>(result, n, 1));
-  result.delta = delta;
-  for (size_t k = n; k-- > 0;) set_point<T>(result, k, {a.data[k], b.data[k]});
-  return kSuccess;
-}
-
 }  // namespace sigvex::dspb
 
 SIGVEX_EXPORT(b, add, 3)
@@ -167,4 +150,3 @@ SIGVEX_EXPORT(b, div, 3)
 SIGVEX_EXPORT(b, avg_add, 4)
 SIGVEX_EXPORT(b, max, 3)
 SIGVEX_EXPORT(b, min, 3)
-SIGVEX_EXPORT(b, ritoc, 3)

@@ -1,4 +1,5 @@
-// dspi_zero dspi_zpad dspi_shift dspi_swap_halves dspi_swap_halves2 dspi_rev dspi_sort dspi_shuffle
+// dspi_zero dspi_zpad dspi_zpad2 dspi_unzpad dspi_shift dspi_swap_halves dspi_swap_halves2 dspi_rev dspi_sort
+// dspi_shuffle
 #include <hwy/contrib/sort/vqsort.h>
 
 #include <algorithm>
@@ -12,20 +13,11 @@
 #include "core/locks.h"
 #include "core/scratch.h"
 #include "elementwise/operations.h"
+#include "elementwise/rules.h"
 #include "generate/random_source.h"
 
 namespace sigvex::dspi {
 namespace {
-
-// Calls f with the elements that move as one: samples, or whole points.
-template <class T, class F> Status rearrange(Vector<T>& v, F f) {
-  if (v.complex) {
-    f(reinterpret_cast<Point<T>*>(v.data), points<T>(v));
-  } else {
-    f(v.data, points<T>(v));
-  }
-  return kSuccess;
-}
 
 // An integer that orders as the numbers do, with -0.0 before 0.0 and every NaN before the numbers.
 template <class T> struct SortKey {
@@ -63,6 +55,25 @@ template <class T> Status zpad(Vector<T>& v, int32_t n) {
   const size_t end = size<T>(v);
   SIGVEX_TRY(reshape<T>(v, count(n), v.complex));
   std::fill(v.data + end, v.data + size<T>(v), T(0));
+  return kSuccess;
+}
+
+template <class T> Status zpad2(Vector<T>& v, int32_t n) {
+  const size_t given = points<T>(v), front = given - given / 2;
+  if (count(n) <= given) return kSuccess;
+  SIGVEX_TRY(reshape<T>(v, count(n), v.complex));
+  return rearrange<T>(v, [given, front](auto* x, size_t end) {
+    auto* const back = std::move_backward(x + front, x + given, x + end);
+    std::fill(x + front, back, std::remove_reference_t<decltype(*x)>{});
+  });
+}
+
+template <class T> Status unzpad(Vector<T>& v, int32_t n) {
+  const size_t left = count(n), front = left - left / 2;
+  if (left >= points<T>(v)) return kSuccess;
+  SIGVEX_TRY(
+      rearrange<T>(v, [left, front](auto* x, size_t end) { std::move(x + end - left / 2, x + end, x + front); }));
+  v.points = static_cast<int32_t>(left);
   return kSuccess;
 }
 
@@ -162,6 +173,8 @@ template <class T> Status shuffle(Vector<T>& v) {
 
 SIGVEX_EXPORT(i, zero, 1)
 SIGVEX_EXPORT(i, zpad, 2)
+SIGVEX_EXPORT(i, zpad2, 2)
+SIGVEX_EXPORT(i, unzpad, 2)
 SIGVEX_EXPORT(i, shift, 2)
 SIGVEX_EXPORT(i, swap_halves, 1)
 SIGVEX_EXPORT(i, swap_halves2, 1)

@@ -1,5 +1,5 @@
-// The rules of single samples that an operation in place and its form into another vector share, and the loop that
-// turns real samples into points.
+// The rules of single samples that an operation in place and its form into another vector share, the loop that turns
+// real samples into points, and the choice of what moves as one.
 #pragma once
 
 #include <cmath>
@@ -57,6 +57,16 @@ template <class T> void store(T* points, size_t k, Point<T> z) {
 // that no second buffer is needed.
 template <class T, class F> void spread(const T* samples, T* points, size_t n, F f) {
   while (n-- > 0) store<T>(points, n, f(samples[n]));
+}
+
+// Calls f with the elements that move as one: samples, or whole points.
+template <class T, class F> Status rearrange(Vector<T>& v, F f) {
+  if (v.complex) {
+    f(reinterpret_cast<Point<T>*>(v.data), points<T>(v));
+  } else {
+    f(v.data, points<T>(v));
+  }
+  return kSuccess;
 }
 
 }  // namespace sigvex

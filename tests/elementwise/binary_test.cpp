@@ -30,6 +30,7 @@ template <class T> std::vector<Operation<T>> operations() {
           {"avg_add", averaged, {{q}, {q, h}, {q, -3}, {q, -q}}},
           {TWIN_ROW(b, conj_mul), {{3}, {3, 6}, {3, 4}, {-5, 10}}},
           {TWIN_ROW(b, ritoc), {{1, 3}, {}, {}, {}}, h, false, false},
+          {TWIN_ROW(b, inter), {{1, 3}, {1, 2, 3, 0}, {1, 0, 3, -4}, {1, 2, 3, -4}}, h, false, false},
           {TWIN_ROW(bs, dot), {{3}, {3, 6}, {3, -4}, {11, 2}}, 9},
           {TWIN_ROW(b, pmul), {{3}, {3, 6}, {3, -4}, {11, 2}}, 1, true, false}};
 }
@@ -172,6 +173,8 @@ TYPED_TEST(Binary, EachRuleAtItsEdges) {
               {product, {1, 1}, {1, -1}, {1, 0, -1}},
               {product, {1, 2, 3}, z({1, 1, 0, 2}), {1, 1, 2, 4, 3, 7, 0, 6}},
               {product, {}, {1, 2}, {}},
+              {TWIN_OF(b, inter), {1, nan, 3}, {least, 5, inf}, {1, least, nan, 5, 3, inf}},
+              {TWIN_OF(b, inter), z({1, 2, 3, 4}), {5, 6}, {1, 2, 5, 0, 3, 4, 6, 0}},
               {dot, z({1, 2, 3, 4}), z({5, 6, 7, 8}), {-18, 68}}};
   for (const auto& row : rows) {
     Vec<T> a = row.a, result;

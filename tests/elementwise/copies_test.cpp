@@ -14,6 +14,8 @@ template <class T> std::vector<Copy<T>> copies() {
            [](auto* v) { return TWIN_OF(i, scale)(v, T(-2.5)); }},
           {"cscale", [](auto* s, auto* d) { return TWIN_OF(u, cscale)(s, d, 2, -3); },
            [](auto* v) { return TWIN_OF(i, cscale)(v, 2, -3); }},
+          {"zinter", [](auto* s, auto* d) { return TWIN_OF(u, zinter)(s, d, 3); },
+           [](auto* v) { return TWIN_OF(i, zinter)(v, 3); }},
           {TWIN_ROW(u, sqrt), TWIN_OF(i, sqrt)},
           {TWIN_ROW(u, mag), TWIN_OF(i, mag)},
           {TWIN_ROW(u, magsq), TWIN_OF(i, magsq)}};

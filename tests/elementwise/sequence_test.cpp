@@ -20,6 +20,10 @@ TYPED_TEST(Sequence, EachRuleAtItsEdges) {
   const auto odd = [](uint32_t flags) { return [flags](Record<T>* v) { return TWIN_OF(i, orecon)(v, flags); }; };
   const auto pad = [](int32_t n) { return [n](Record<T>* v) { return TWIN_OF(i, zpad)(v, n); }; };
   const auto drop = [](int32_t n) { return [n](Record<T>* v) { return TWIN_OF(i, shift)(v, n); }; };
+  const InPlace<T> p = TWIN_OF(i, pdiffer);
+  const auto pad2 = [](int32_t n) { return [n](Record<T>* v) { return TWIN_OF(i, zpad2)(v, n); }; };
+  const auto unpad = [](int32_t n) { return [n](Record<T>* v) { return TWIN_OF(i, unzpad)(v, n); }; };
+  const auto around = [](T period) { return [period](Record<T>* v) { return TWIN_OF(i, unwrap_wnd)(v, period); }; };
   const auto z = [](const std::vector<T>& scalars) { return make<T>(scalars, true); };
   const struct {
     InPlace<T> call;
@@ -41,6 +45,17 @@ TYPED_TEST(Sequence, EachRuleAtItsEdges) {
       {u, {100}, {std::fmod(T(100), turn) - turn}},
       {u, {1, nan, 1}, {1, nan, nan}},
       {u, z({9, 9}), z({9, 9}), 1, true},
+      {p, {0, 3, -3, beyond}, {0, 6, 2 * (-6 + turn), 2 * (beyond + 3 - turn)}, T(0.5)},
+      {p, {4, nan, 1, 2}, {4 - turn, nan, nan, 1}, 1},
+      {p, {-pi, -pi, inf}, {-pi * huge, 0, nan}, 0},
+      {p, z({9, 9}), z({9, 9}), 1, true},
+      {around(360), {350, 10, 190, 370, -inf, 0}, {-10, 10, 190, 370, nan, nan}},
+      {around(4096), {0, 4095, 4094, 0, -8193}, {0, -1, -2, 0, -1}},
+      {around(inf), {9, -9, most}, {9, -9, most}},
+      {around(0), {9}, {9}, 1, true},
+      {around(-1), {9}, {9}, 1, true},
+      {around(nan), {9}, {9}, 1, true},
+      {around(1), z({9, 9}), z({9, 9}), 1, true},
       {recon, z({1, 2, 3, 4, 5, 6}), z({1, 2, 3, 4, 5, 6, 3, -4})},
       {odd(0), z({1, 2, 3, 4, 5, 6}), z({1, 2, 3, 4, 5, 6, 3, -4})},
       {odd(8), z({1, 2, 3, 4, 5, 6}), z({1, 2, 3, 4, 5, 6, 5, -6, 3, -4})},
@@ -50,6 +65,18 @@ TYPED_TEST(Sequence, EachRuleAtItsEdges) {
       {pad(5), {1, 2, 3}, {1, 2, 3, 0, 0}},
       {pad(3), z({1, 2}), z({1, 2, 0, 0, 0, 0})},
       {pad(-7), {1, 2, 3}, {1, 2, 3}},
+      {pad2(7), {1, 2, 3, 4, 5}, {1, 2, 3, 0, 0, 4, 5}},
+      {pad2(9), {1, 2, 3, 4}, {1, 2, 0, 0, 0, 0, 0, 3, 4}},
+      {pad2(3), z({1, 2, 3, 4}), z({1, 2, 0, 0, 3, 4})},
+      {pad2(3), {7}, {7, 0, 0}},
+      {pad2(2), {}, {0, 0}},
+      {pad2(2), {1, 2, 3}, {1, 2, 3}},
+      {unpad(5), {1, 2, 3, 0, 9, 4, 5}, {1, 2, 3, 4, 5}},
+      {unpad(4), {1, 2, 0, 0, 0, 0, 3, 4}, {1, 2, 3, 4}},
+      {unpad(2), z({1, 2, 0, 0, 3, 4}), z({1, 2, 3, 4})},
+      {unpad(1), {7, 8}, {7}},
+      {unpad(-3), {7, 8}, {}},
+      {unpad(5), {1, 2, 3}, {1, 2, 3}},
       {zero, z({1, 2}), z({0, 0})},
       {drop(1), z({1, 2, 3, 4}), z({3, 4})},
       {drop(INT32_MAX), {1, 2, 3}, {}},
@@ -75,6 +102,67 @@ TYPED_TEST(Sequence, EachRuleAtItsEdges) {
   }
 }
 
+TYPED_TEST(Sequence, ZerosAreStuffedBetweenPoints) {
+  using T = TypeParam;
+  const T z = 0;
+  Vec<T> v{1, 2, T(-0.0)}, copied, complex = Vec<T>::pairs({{1, 2}, {3, 4}});
+  v->delta = 6;
+  for (const int32_t factor : {0, -3, INT32_MIN}) {
+    EXPECT_EQ(TWIN_OF(i, zinter)(v, factor), -1);
+    EXPECT_EQ(TWIN_OF(u, zinter)(v, copied, factor), -1);
+  }
+  EXPECT_TRUE(exactly(v, {1, 2, T(-0.0)}) && v->delta == 6 && copied->delta == 1 && !copied->data);
+  EXPECT_EQ(TWIN_OF(i, zinter)(v, 1), 0);
+  EXPECT_TRUE(exactly(v, {1, 2, T(-0.0)}) && v->delta == 6);
+  EXPECT_EQ(TWIN_OF(i, zinter)(v, 3), 0);
+  EXPECT_TRUE(exactly(v, {1, z, z, 2, z, z, T(-0.0), z, z}) && v->delta == 2);
+  EXPECT_EQ(TWIN_OF(u, zinter)(complex, copied, 2), 0);
+  EXPECT_TRUE(exactly(copied, {1, 2, z, z, 3, 4, z, z}) && copied->complex == 1 && copied->delta == T(0.5));
+}
+
+TYPED_TEST(Sequence, EdgesArmAndFire) {
+  using T = TypeParam;
+  constexpr T nan = kNaN<T>, inf = kInf<T>, huge = kHuge<T>;
+  constexpr uint32_t up = DSP_EDGE_UP, down = DSP_EDGE_DOWN, either = DSP_EDGE_EITHER;
+  const struct {
+    uint32_t direction;
+    T level, hysteresis;
+    Vec<T> in, out;
+    T delta = 1;
+    bool refused = false;
+  } rows[] = {
+      {up, 0, 0, {-1, 1, -3, 1, 1}, {1, 5.5}, 2},  // positions times delta: 0.5 and 2.75
+      {down, 0, 0, {-1, 1, -3, 1, 1}, {1.25}},
+      {either, 0, 0, {-1, 1, -3, 1, 1}, {0.5, 1.25, 2.75}},
+      {either, 0, 0, {1, 0, -1, 0, 0, 1}, {1, 3}},  // the level itself completes a crossing, and arms none
+      {up, 1, 1, {0, 2, -1, 0.5, 0, 1.5, 0.5, 1.5}, {4 + T(2) / 3}},  // 0 lies on the band, 0.5 within
+      {either, 0, 2, {-3, 1, -1, 1, -1, 3, -3}, {0.75, 5.5}},         // noise fires once; down had to be armed by 3
+      {up, 0, 0, {0, 1, 2, 3}, {}},
+      {up, 0, 0, {-1, nan, 1, -1, 3}, {3.25}},
+      {up, 0, 0, {-inf, inf, -1, inf}, {0.5, 2}},
+      {up, huge, 0, {-1, inf, -1, 1}, {1}},
+      {up, 0, inf, {-1, 1}, {}},
+      {up, 0, 0, {}, {}},
+      {up, 0, 0, {3}, {}},
+      {0, 0, 0, {-1, 1}, {-1, 1}, 1, true},
+      {4, 0, 0, {-1, 1}, {-1, 1}, 1, true},
+      {up, nan, 0, {-1, 1}, {-1, 1}, 1, true},
+      {up, inf, 0, {-1, 1}, {-1, 1}, 1, true},
+      {up, 0, -1, {-1, 1}, {-1, 1}, 1, true},
+      {up, 0, nan, {-1, 1}, {-1, 1}, 1, true},
+      {up, 0, 0, make<T>({-1, 1}, true), make<T>({-1, 1}, true), 3, true},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(&row - rows);
+    Vec<T> v = row.in;
+    v->delta = row.delta;
+    EXPECT_EQ(TWIN_OF(i, edge)(v, row.level, row.hysteresis, row.direction), row.refused ? -1 : 0);
+    EXPECT_TRUE(exactly(v, row.out.samples()));
+    EXPECT_EQ(v->delta, row.refused ? row.delta : 1);
+    EXPECT_EQ(v->complex, row.out->complex);
+  }
+}
+
 TYPED_TEST(Sequence, CountsThatAreNegativeOrDoNotFit) {
   using T = TypeParam;
   Vec<T> v{1, 2, 3}, view, none, source, copied{1, 2};
@@ -91,7 +179,13 @@ TYPED_TEST(Sequence, CountsThatAreNegativeOrDoNotFit) {
   EXPECT_EQ(TWIN_OF(u, cscale)(source, copied, 1, 1), -1);
   EXPECT_EQ(TWIN_OF(i, cscale)(source, 1, 1), -1);
   EXPECT_EQ(TWIN_OF(i, orecon)(view, 0), -1);
-  for (const Vec<T>* refused : {&v, &view, &source, &copied}) {
+  Vec<T> wide, narrow{1, 2}, woven{1, 2}, spaced{1, 2};
+  wide->data = sample;
+  wide->points = 1 << 30;
+  EXPECT_EQ(TWIN_OF(b, inter)(wide, wide, woven), -1);
+  EXPECT_EQ(TWIN_OF(u, zinter)(narrow, spaced, 1 << 30), -1);
+  EXPECT_EQ(TWIN_OF(i, zinter)(narrow, INT32_MAX), -1);
+  for (const Vec<T>* refused : {&v, &view, &source, &copied, &woven, &spaced, &narrow}) {
     EXPECT_TRUE(!(*refused)->data && !(*refused)->allocated && !(*refused)->points);
   }
   none->points = -4;

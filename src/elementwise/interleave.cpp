@@ -1,0 +1,119 @@
+// dspb_ritoc dspb_inter dspi_zinter dspu_zinter
+#include <algorithm>
+#include <type_traits>
+
+#include "core/exports.h"
+#include "core/scratch.h"
+#include "elementwise/operations.h"
+#include "elementwise/rules.h"
+
+namespace sigvex {
+namespace dspb {
+namespace {
+
+// Sizes the result for n points of a form and calls put(k, a, b) for each point k of the inputs, from the last to the
+// first: what is written may lie over samples already read. delta is half of a's.
+template <class T, class F>
+Status weave(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t complex, Vector<T>& result, F put) {
+  const size_t need = n * (complex ? 2 : 1);
+  if (endangered<T>(a, result, need) || endangered<T>(b, result, need)) {
+    Scratch<T> x, y;
+    SIGVEX_TRY(dsp::copy<T>(x, a));
+    SIGVEX_TRY(dsp::copy<T>(y, b));
+    return weave<T>(x, y, n, complex, result, put);
+  }
+  const T delta = a.delta * T(0.5);
+  const size_t given = points<T>(a);  // the result may be an input
+  leave_to_owner<T>(a, result, need);
+  leave_to_owner<T>(b, result, need);
+  if (!fits(need)) return exhausted<T>(result);
+  const bool shared = result.data == a.data || result.data == b.data;
+  SIGVEX_TRY(shared ? size_result<T>(a, b, n, complex, result) : reshape<T>(result, n, complex));
+  result.delta = delta;
+  for (size_t k = given; k-- > 0;) put(k, a.data, b.data);
+  return kSuccess;
+}
+
+}  // namespace
+
+template <class T> Status ritoc(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+  if (a.complex || b.complex || points<T>(a) != points<T>(b)) return kFailure;
+  return weave<T>(a, b, points<T>(a), 1, result, [&result](size_t k, const T* x, const T* y) {
+    set_point<T>(result, k, {x[k], y[k]});
+  });
+}
+
+template <class T> Status inter(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
+  if (points<T>(a) != points<T>(b)) return kFailure;
+  const size_t n = 2 * points<T>(a);
+  if (!a.complex && !b.complex) {
+    return weave<T>(a, b, n, 0, result, [&result](size_t k, const T* x, const T* y) {
+      const Point<T> pair{x[k], y[k]};
+      set_point<T>(result, k, pair);
+    });
+  }
+  const bool complex_a = a.complex,
+             complex_b = b.complex;  // before the result, which may be one of them, gets its form
+  return weave<T>(a, b, n, 1, result, [=, &result](size_t k, const T* x, const T* y) {
+    const Point<T> first = complex_a ? Point<T>{x[2 * k], x[2 * k + 1]} : Point<T>{x[k], 0};
+    const Point<T> second = complex_b ? Point<T>{y[2 * k], y[2 * k + 1]} : Point<T>{y[k], 0};
+    set_point<T>(result, 2 * k, first);
+    set_point<T>(result, 2 * k + 1, second);
+  });
+}
+
+}  // namespace dspb
+
+namespace {
+
+// Spreads n elements by zeros, from the last to the first: they may come to lie over themselves.
+template <class E> void stuff(const E* x, E* y, size_t n, size_t factor) {
+  while (n-- > 0) {
+    const E element = x[n];
+    std::fill_n(y + n * factor, factor, E{});
+    y[n * factor] = element;
+  }
+}
+
+}  // namespace
+
+namespace dspi {
+
+template <class T> Status zinter(Vector<T>& v, int32_t factor) {
+  if (factor < 1) return kFailure;
+  if (factor == 1) return kSuccess;
+  const size_t n = points<T>(v), times = count(factor);
+  SIGVEX_TRY(reshape<T>(v, n * times, v.complex));
+  v.delta /= static_cast<T>(factor);
+  return rearrange<T>(v, [n, times](auto* x, size_t) { stuff(x, x, n, times); });
+}
+
+}  // namespace dspi
+
+namespace dspu {
+
+template <class T> Status zinter(const Vector<T>& source, Vector<T>& destination, int32_t factor) {
+  if (&source == &destination) return dspi::zinter<T>(destination, factor);
+  if (factor < 1) return kFailure;
+  const size_t n = points<T>(source), times = count(factor), need = size<T>(source) * times;
+  if (endangered<T>(source, destination, need)) {
+    Scratch<T> copy;
+    SIGVEX_TRY(dsp::copy<T>(copy, source));
+    return zinter<T>(copy, destination, factor);
+  }
+  leave_to_owner<T>(source, destination, need);
+  if (!fits(need)) return exhausted<T>(destination);
+  SIGVEX_TRY(size_result<T>(source, source, n * times, source.complex, destination));
+  destination.delta = source.delta / static_cast<T>(factor);
+  return rearrange<T>(destination, [&source, n, times](auto* y, size_t) {
+    stuff(reinterpret_cast<std::add_const_t<std::remove_pointer_t<decltype(y)>>*>(source.data), y, n, times);
+  });
+}
+
+}  // namespace dspu
+}  // namespace sigvex
+
+SIGVEX_EXPORT(b, ritoc, 3)
+SIGVEX_EXPORT(b, inter, 3)
+SIGVEX_EXPORT(i, zinter, 2)
+SIGVEX_EXPORT(u, zinter, 3)
