@@ -8,6 +8,7 @@
 
 #include <hwy/highway.h>
 
+#include <algorithm>
 #include <cstddef>
 
 HWY_BEFORE_NAMESPACE();
@@ -19,6 +20,25 @@ namespace hn = hwy::HWY_NAMESPACE;
 template <class V> struct Complex { V re, im; };
 template <class D> using ComplexOf = Complex<hn::VFromD<D>>;
 template <class D> constexpr size_t kLanes = hn::MaxLanes(D());
+
+template <class T, size_t count> using Lanes = hn::CappedTag<T, count>;
+template <class T> constexpr size_t kMaxLanes = kLanes<hn::ScalableTag<T>>;
+
+// Calls f with vectors of `count` lanes, a power of two, or of as many as there are.
+template <class T, class F> HWY_INLINE void with_lanes(size_t count, F f) {
+  switch (std::min(count, kMaxLanes<T>)) {
+    case 1:
+      return f(Lanes<T, 1>());
+    case 2:
+      return f(Lanes<T, 2>());
+    case 4:
+      return f(Lanes<T, 4>());
+    case 8:
+      return f(Lanes<T, 8>());
+    default:
+      return f(Lanes<T, 16>());
+  }
+}
 
 template <class V> HWY_INLINE Complex<V> operator+(Complex<V> a, Complex<V> b) {
   return {hn::Add(a.re, b.re), hn::Add(a.im, b.im)};
@@ -65,8 +85,17 @@ HWY_INLINE hn::Vec512<float> odd_in_blocks(hn::Vec512<float> a, hn::Vec512<float
 #endif
 #endif
 
-// The forward transform of 4 points, in place, in natural order.
-template <class V> HWY_INLINE void transform4(Complex<V>& x0, Complex<V>& x1, Complex<V>& x2, Complex<V>& x3) {
+// The forward transform of 4 points, in place, in natural order. Of half: the last two are zero and not read.
+template <bool kHalf = false, class V>
+HWY_INLINE void transform4(Complex<V>& x0, Complex<V>& x1, Complex<V>& x2, Complex<V>& x3) {
+  if constexpr (kHalf) {
+    const Complex<V> a = x0, b = x1;
+    x0 = a + b;
+    x1 = minus_i(a, b);
+    x2 = a - b;
+    x3 = plus_i(a, b);
+    return;
+  }
   const Complex<V> s02 = x0 + x2, d02 = x0 - x2, s13 = x1 + x3, d13 = x1 - x3;
   x0 = s02 + s13;
   x1 = minus_i(d02, d13);
@@ -74,20 +103,23 @@ template <class V> HWY_INLINE void transform4(Complex<V>& x0, Complex<V>& x1, Co
   x3 = plus_i(d02, d13);
 }
 
-// The forward transform of R points per lane, in place, in natural order.
+// The forward transform of R points per lane, in place, in natural order. Of half: the second half of them is zero and
+// not read.
 template <class D> HWY_INLINE void transform(D, ComplexOf<D> (&x)[2]) {
   const ComplexOf<D> a = x[0];
   x[0] = a + x[1];
   x[1] = a - x[1];
 }
 
-template <class D> HWY_INLINE void transform(D, ComplexOf<D> (&x)[4]) { transform4(x[0], x[1], x[2], x[3]); }
+template <bool kHalf = false, class D> HWY_INLINE void transform(D, ComplexOf<D> (&x)[4]) {
+  transform4<kHalf>(x[0], x[1], x[2], x[3]);
+}
 
 // Even and odd points apart. The eighth turns are one factor, which joins the additions behind it.
-template <class D> HWY_INLINE void transform(D d, ComplexOf<D> (&x)[8]) {
+template <bool kHalf = false, class D> HWY_INLINE void transform(D d, ComplexOf<D> (&x)[8]) {
   using C = ComplexOf<D>;
-  transform4(x[0], x[2], x[4], x[6]);
-  transform4(x[1], x[3], x[5], x[7]);
+  transform4<kHalf>(x[0], x[2], x[4], x[6]);
+  transform4<kHalf>(x[1], x[3], x[5], x[7]);
   const auto r = hn::Set(d, static_cast<hn::TFromD<D>>(0.70710678118654752440L));
   const C e0 = x[0], e1 = x[2], e2 = x[4], e3 = x[6], o0 = x[1], o1 = x[3], o2 = x[5], o3 = x[7];
   x[0] = e0 + o0;
@@ -102,10 +134,10 @@ template <class D> HWY_INLINE void transform(D d, ComplexOf<D> (&x)[8]) {
 }
 
 // Four times four.
-template <class D> HWY_INLINE void transform(D d, ComplexOf<D> (&x)[16]) {
+template <bool kHalf = false, class D> HWY_INLINE void transform(D d, ComplexOf<D> (&x)[16]) {
   using C = ComplexOf<D>;
   using T = hn::TFromD<D>;
-  for (size_t j = 0; j < 4; ++j) transform4(x[j], x[j + 4], x[j + 8], x[j + 12]);
+  for (size_t j = 0; j < 4; ++j) transform4<kHalf>(x[j], x[j + 4], x[j + 8], x[j + 12]);
   const auto c = hn::Set(d, static_cast<T>(0.92387953251128675613L)),
              s = hn::Set(d, static_cast<T>(0.38268343236508977173L));
   const auto r = hn::Set(d, static_cast<T>(0.70710678118654752440L));

@@ -77,15 +77,16 @@ template <class F> HWY_INLINE void with_radix(size_t radix, F f) {
   }
 }
 
-// One pass over a block of `rows` rows. load(row) and store(row, z) reach a vector of columns.
-template <size_t R, class D, class Load, class Store>
+// One pass over a block of `rows` rows. load(row) and store(row, z) reach a vector of columns. Of half: the second half
+// of the rows is zero and not loaded.
+template <bool kHalf = false, size_t R, class D, class Load, class Store>
 HWY_INLINE void column_pass(Radix<R>, D d, size_t rows, const hn::TFromD<D>* HWY_RESTRICT roots, Load load,
                             Store store) {
   const size_t apart = rows / R;
   for (size_t p = 0; p < apart; ++p, roots += 2 * (R - 1)) {
     ComplexOf<D> x[R];
-    for (size_t k = 0; k < R; ++k) x[k] = load(p + apart * k);
-    transform(d, x);
+    for (size_t k = 0; k < (kHalf ? R / 2 : R); ++k) x[k] = load(p + apart * k);
+    transform<kHalf>(d, x);
     if (apart > 1) {
       for (size_t k = 1; k < R; ++k) x[k] = x[k] * broadcast(d, roots + 2 * (k - 1));
     }
@@ -93,33 +94,104 @@ HWY_INLINE void column_pass(Radix<R>, D d, size_t rows, const hn::TFromD<D>* HWY
   }
 }
 
-// The passes from `pass` to before `end` on neighbouring blocks of a strip.
-template <class D, class T = hn::TFromD<D>>
-void column_passes(D d, const Radices& r, int pass, int end, size_t blocks, size_t rows, const T* roots, T* x) {
-  for (; pass < end; ++pass) {
-    const size_t radix = r.radix[pass];
-    with_radix(radix, [&](auto constant) HWY_ATTR {
-      for (size_t block = 0; block < blocks; ++block) {
-        T* const from = x + 2 * kLanes<D> * rows * block;
-        column_pass(
-            constant, d, rows, roots, [&](size_t k) HWY_ATTR { return load_block(d, from, k); },
-            [&](size_t k, ComplexOf<D> z) HWY_ATTR { store_block(d, z, from, k); });
-      }
-    });
-    blocks *= radix;
-    rows /= radix;
-    roots += 2 * (radix - 1) * rows;
+// The same pass on the way back, from its results to its inputs: of points whose parts are exchanged, the conjugate
+// roots and the inverse transform are the roots and the forward transform. Of half: only the first rows are stored.
+template <bool kHalf = false, size_t R, class D, class Load, class Store>
+HWY_INLINE void column_pass_back(Radix<R>, D d, size_t rows, const hn::TFromD<D>* HWY_RESTRICT roots, Load load,
+                                 Store store) {
+  const size_t apart = rows / R;
+  for (size_t p = 0; p < apart; ++p, roots += 2 * (R - 1)) {
+    ComplexOf<D> x[R];
+    for (size_t k = 0; k < R; ++k) x[k] = load(p + apart * k);
+    if (apart > 1) {
+      for (size_t k = 1; k < R; ++k) x[k] = x[k] * broadcast(d, roots + 2 * (k - 1));
+    }
+    transform(d, x);
+    for (size_t k = 0; k < (kHalf ? R / 2 : R); ++k) store(p + apart * k, x[k]);
   }
 }
 
-// All passes before `end` but the first, whose blocks are taken one by one where all together exceed the nearest cache.
-template <class D, class T = hn::TFromD<D>>
+// The last pass, the product with a spectrum that stands in the same order, and the first pass back.
+template <size_t R, class D, class T = hn::TFromD<D>>
+HWY_INLINE void column_turn(Radix<R>, D d, const T* HWY_RESTRICT spectrum, T* HWY_RESTRICT block, hn::VFromD<D> sign) {
+  ComplexOf<D> x[R];
+  for (size_t k = 0; k < R; ++k) x[k] = load_block(d, block, k);
+  transform(d, x);
+  for (size_t k = 0; k < R; ++k) {
+    ComplexOf<D> w = load_block(d, spectrum, k);
+    w.im = hn::Mul(w.im, sign);
+    const ComplexOf<D> y = x[k] * w;
+    x[k] = {y.im, y.re};
+  }
+  transform(d, x);
+  for (size_t k = 0; k < R; ++k) store_block(d, x[k], block, k);
+}
+
+enum class Way { kThere, kBack, kThereAndBack };
+
+// What a strip is multiplied with where it turns: a spectrum in the strip's own order, its imaginary parts times sign.
+template <class T> struct Turn {
+  const T* spectrum = nullptr;
+  T sign = 1;
+};
+
+// The passes from `pass` to before `end` on neighbouring blocks of a strip, there, back, or both. Where more than two
+// are left, the blocks that a pass leaves are taken one by one, because all together may exceed the nearest cache.
+template <Way way, class D, class T = hn::TFromD<D>>
+void column_passes(D d, const Radices& r, int pass, int end, size_t blocks, size_t rows, const T* roots, T* x,
+                   Turn<T> turn = {}) {
+  if (pass >= end) return;
+  const bool last = pass + 1 == end;
+  const size_t radix = r.radix[pass], apart = rows / radix;
+  const auto each_block = [&](auto pass_of) HWY_ATTR {
+    with_radix(radix, [&](auto constant) HWY_ATTR {
+      for (size_t block = 0; block < blocks; ++block) pass_of(constant, 2 * kLanes<D> * rows * block);
+    });
+  };
+  if (way == Way::kThereAndBack && last) {
+    const auto sign = hn::Set(d, turn.sign);
+    return each_block([&](auto constant, size_t at)
+                          HWY_ATTR { column_turn(constant, d, turn.spectrum + at, x + at, sign); });
+  }
+  if (way != Way::kBack) {
+    each_block([&](auto constant, size_t at) HWY_ATTR {
+      column_pass(
+          constant, d, rows, roots, [&](size_t k) HWY_ATTR { return load_block(d, x + at, k); },
+          [&](size_t k, ComplexOf<D> z) HWY_ATTR { store_block(d, z, x + at, k); });
+    });
+  }
+  const T* const next = roots + 2 * (radix - 1) * apart;
+  if (end - pass <= 2) {
+    column_passes<way>(d, r, pass + 1, end, blocks * radix, apart, next, x, turn);
+  } else {
+    for (size_t at = 0; at < 2 * kLanes<D> * rows * blocks; at += 2 * kLanes<D> * apart) {
+      Turn<T> there = turn;
+      if (way == Way::kThereAndBack) there.spectrum += at;
+      column_passes<way>(d, r, pass + 1, end, 1, apart, next, x + at, there);
+    }
+  }
+  if (way != Way::kThere) {
+    each_block([&](auto constant, size_t at) HWY_ATTR {
+      column_pass_back(
+          constant, d, rows, roots, [&](size_t k) HWY_ATTR { return load_block(d, x + at, k); },
+          [&](size_t k, ComplexOf<D> z) HWY_ATTR { store_block(d, z, x + at, k); });
+    });
+  }
+}
+
+// All passes before `end` but the first.
+template <Way way, class D, class T = hn::TFromD<D>>
 HWY_INLINE void inner_passes(D d, const Radices& r, int end, size_t rows, const T* roots, T* x) {
   const size_t radix = r.radix[0], apart = rows / radix;
   roots += 2 * (radix - 1) * apart;
-  if (r.count < 3) return column_passes(d, r, 1, end, radix, apart, roots, x);
-  for (size_t k = 0; k < radix; ++k) column_passes(d, r, 1, end, 1, apart, roots, x + 2 * kLanes<D> * apart * k);
+  if (r.count < 3) return column_passes<way>(d, r, 1, end, radix, apart, roots, x);
+  for (size_t k = 0; k < radix; ++k) {
+    column_passes<way>(d, r, 1, end, 1, apart, roots, x + 2 * kLanes<D> * apart * k);
+  }
 }
+
+// Up to 32 KiB of points stay in the nearest cache, where other ways are shorter.
+template <class T> constexpr int kLong = sizeof(T) == 8 ? 12 : 13;
 
 template <class T> class Columns {
  public:
@@ -148,10 +220,33 @@ template <class T> class Columns {
   }
 
   template <bool kInverse> void run(const T* table, T* data, T* work, T factor) const {
-    T* const strip = work + 2 * n1_ * n2_;
-    const T* const row_roots = table + column_roots_size<T>(n1_);
-    columns<kInverse>(table, row_roots + column_roots_size<T>(n2_), data, work, strip);
-    rows<kInverse>(row_roots, work, data, strip, factor);
+    const Tables t = tables(table, work);
+    columns<false>(t, n1_ * n2_, [&](size_t k) HWY_ATTR { return load_points<kInverse>(d, data + 2 * k); });
+    rows<kInverse>(t, data, factor);
+  }
+
+  // The spectrum of data, scaled, left in the order of the tiles.
+  void spectrum(const T* table, T* data, T* work, T factor) const {
+    const Tables t = tables(table, work);
+    columns<false>(t, n1_ * n2_, [&](size_t k) HWY_ATTR { return load_points<false>(d, data + 2 * k); });
+    for (size_t at = 0; at < 2 * n1_ * n2_; at += 2 * L * n2_) {
+      column_passes<Way::kThere>(d, r2_, 0, r2_.count, 1, n2_, t.rows, work + at);
+    }
+    const auto scale = hn::Set(d, factor);
+    for (size_t k = 0; k < n1_ * n2_ / L; ++k) store_block(d, load_block(d, work, k) * scale, data, k);
+  }
+
+  // The transform of load(k), vectors of points from k on, the first `given` of which are not zero, times a spectrum in
+  // the order of the tiles, transformed back: to store(k, z), the first `wanted` points, their parts exchanged.
+  template <class Load, class Store>
+  void convolve(const T* table, T* work, size_t given, Load load, Turn<T> turn, size_t wanted, Store store) const {
+    const Tables t = tables(table, work);
+    columns<true>(t, given, load);
+    for (size_t at = 0; at < 2 * n1_ * n2_; at += 2 * L * n2_) {
+      column_passes<Way::kThereAndBack>(d, r2_, 0, r2_.count, 1, n2_, t.rows, work + at,
+                                        Turn<T>{turn.spectrum + at, turn.sign});
+    }
+    columns_back(t, wanted, store);
   }
 
  private:
@@ -170,23 +265,57 @@ template <class T> class Columns {
     return std::clamp(kStrip / (rows * 2 * L * sizeof(T)), size_t{1}, std::min(most, points / rows / L));
   }
 
-  template <bool kInverse> void columns(const T* roots, const T* joining, const T* data, T* tiles, T* strip) const {
+  struct Tables {
+    const T *columns, *rows, *joining;
+    T *tiles, *strip;
+  };
+  Tables tables(const T* table, T* work) const {
+    const T* const rows = table + column_roots_size<T>(n1_);
+    return {table, rows, rows + column_roots_size<T>(n2_), work, work + 2 * n1_ * n2_};
+  }
+
+  // Whether of the points before `end` none is in the second half of the rows of a group of columns.
+  bool in_first_half(size_t end, size_t group) const { return end <= n1_ / 2 * n2_ + L * group; }
+
+  template <bool kPadded, class Load> void columns(const Tables& t, size_t given, Load load) const {
     const size_t groups = width(n1_), group_size = 2 * L * n1_;
+    const T* joining = t.joining;
     for (size_t j = 0; j < n2_ / L; j += groups) {
       with_radix(r1_.radix[0], [&](auto radix) HWY_ATTR {
         for (size_t g = 0; g < groups; ++g) {
-          const T* const from = data + 2 * L * (j + g);
-          T* const x = strip + g * group_size;
-          column_pass(
-              radix, d, n1_, roots, [&](size_t k) HWY_ATTR { return load_points<kInverse>(d, from + 2 * n2_ * k); },
-              [&](size_t k, C z) HWY_ATTR { store_block(d, z, x, k); });
+          T* const x = t.strip + g * group_size;
+          const auto from = [&](size_t k) HWY_ATTR { return load(n2_ * k + L * (j + g)); };
+          const auto to = [&](size_t k, C z) HWY_ATTR { store_block(d, z, x, k); };
+          if (kPadded && in_first_half(given, j + g)) {
+            column_pass<kPadded>(radix, d, n1_, t.columns, from, to);
+          } else {
+            column_pass(radix, d, n1_, t.columns, from, to);
+          }
         }
       });
       for (size_t g = 0; g < groups; ++g, joining += joining_size()) {
-        T* const x = strip + g * group_size;
-        inner_passes(d, r1_, r1_.count, n1_, roots, x);
-        join(x, joining, tiles + 2 * L * L * (j + g));
+        T* const x = t.strip + g * group_size;
+        inner_passes<Way::kThere>(d, r1_, r1_.count, n1_, t.columns, x);
+        join(x, joining, t.tiles + 2 * L * L * (j + g));
       }
+    }
+  }
+
+  template <class Store> void columns_back(const Tables& t, size_t wanted, Store store) const {
+    const T* joining = t.joining;
+    for (size_t j = 0; j < n2_ / L; ++j, joining += joining_size()) {
+      T* const x = t.strip;
+      part(t.tiles + 2 * L * L * j, joining, x);
+      inner_passes<Way::kBack>(d, r1_, r1_.count, n1_, t.columns, x);
+      with_radix(r1_.radix[0], [&](auto radix) HWY_ATTR {
+        const auto from = [&](size_t k) HWY_ATTR { return load_block(d, x, k); };
+        const auto to = [&](size_t k, C z) HWY_ATTR { store(n2_ * k + L * j, z); };
+        if (in_first_half(wanted, j)) {
+          column_pass_back<true>(radix, d, n1_, t.columns, from, to);
+        } else {
+          column_pass_back(radix, d, n1_, t.columns, from, to);
+        }
+      });
     }
   }
 
@@ -204,20 +333,34 @@ template <class T> class Columns {
     }
   }
 
-  template <bool kInverse> void rows(const T* roots, const T* tiles, T* data, T* strip, T factor) const {
+  // The way back of join.
+  HWY_INLINE void part(const T* from, const T* joining, T* x) const {
+    size_t row[L];
+    for (size_t l = 0; l < L; ++l) row[l] = r1_.row_of(l, n1_);
+    for (size_t k = 0; k < n1_; k += L, from += 2 * L * n2_) {
+      const C w = load_block(d, joining, L + k / L);
+      T* const first = x + 2 * L * r1_.row_of(k, n1_);
+      C z[L], y[L];
+      for (size_t l = 0; l < L; ++l) y[l] = load_block(d, from, l);
+      transpose_points(d, y, z);
+      for (size_t l = 0; l < L; ++l) store_block(d, z[l] * (w * load_block(d, joining, l)), first, row[l]);
+    }
+  }
+
+  template <bool kInverse> void rows(const Tables& t, T* data, T factor) const {
     const size_t groups = width(n2_), group_size = 2 * L * n2_;
     for (size_t k1 = 0; k1 < n1_ / L; k1 += groups) {
       for (size_t g = 0; g < groups; ++g) {
-        const T* const from = tiles + (k1 + g) * group_size;
-        T* const x = strip + g * group_size;
+        const T* const from = t.tiles + (k1 + g) * group_size;
+        T* const x = t.strip + g * group_size;
         with_radix(r2_.radix[0], [&](auto radix) HWY_ATTR {
           column_pass(
-              radix, d, n2_, roots, [&](size_t k) HWY_ATTR { return load_block(d, from, k); },
+              radix, d, n2_, t.rows, [&](size_t k) HWY_ATTR { return load_block(d, from, k); },
               [&](size_t k, C z) HWY_ATTR { store_block(d, z, x, k); });
         });
-        inner_passes(d, r2_, r2_.count - 1, n2_, roots, x);
+        inner_passes<Way::kThere>(d, r2_, r2_.count - 1, n2_, t.rows, x);
       }
-      last_rows<kInverse>(strip, groups, data + 2 * L * k1, factor);
+      last_rows<kInverse>(t.strip, groups, data + 2 * L * k1, factor);
     }
   }
 

@@ -19,7 +19,7 @@ namespace {
 // even and so is its spectrum. Guarded by the work lock.
 template <class T> struct Bluestein {
   Vector<T> chirp;   // e^(-i pi k^2/N), N points
-  Vector<T> kernel;  // inverse transform of the conjugate chirp, mirrored, M points
+  Vector<T> kernel;  // spectrum of the conjugate chirp, mirrored, M points
   int32_t length;    // N, 0 while the two vectors are not built
 };
 template <class T> constinit Bluestein<T> bluestein{};
@@ -49,7 +49,7 @@ template <class T> Status build_kernel(Vector<T>& kernel, const Vector<T>& chirp
     set_point<T>(kernel, k, {z.re, -z.im});
     set_point<T>(kernel, m - k, {z.re, -z.im});
   }
-  return dspi::fft<T>(kernel, 1);
+  return kernel_spectrum<T>(kernel);
 }
 
 template <class T> Status prepare(Bluestein<T>& work, int32_t length) {
@@ -62,28 +62,19 @@ template <class T> Status prepare(Bluestein<T>& work, int32_t length) {
   return kSuccess;
 }
 
-// z[k] *= factor * w[k], or by the conjugate.
-template <class T> void multiply(Vector<T>& z, const Vector<T>& w, bool conjugate, T factor) {
-  const T im_factor = conjugate ? -factor : factor;
-  for (size_t k = 0, n = points<T>(z); k < n; ++k) {
-    const Point<T> a = point<T>(z, k), b{w.data[2 * k] * factor, w.data[2 * k + 1] * im_factor};
-    set_point<T>(z, k, {a.re * b.re - a.im * b.im, a.im * b.re + a.re * b.im});
-  }
-}
-
-template <class T> Status chirp_transform(Vector<T>& v, bool inverse) {
+// The first `bins` points of the transform of v.
+template <class T> Status chirp_transform(Vector<T>& v, bool inverse, size_t bins) {
   const WorkLock lock;
   Bluestein<T>& work = bluestein<T>;
-  SIGVEX_TRY(prepare<T>(work, v.points));
-  work.chirp.delta = v.delta;
-  SIGVEX_TRY((inverse ? dspb::conj_mul<T> : dspb::mul<T>)(v, work.chirp, v));
-  SIGVEX_TRY(dspi::zpad<T>(v, work.kernel.points));
-  SIGVEX_TRY(dspi::fft<T>(v, 1));
-  multiply<T>(v, work.kernel, inverse, inverse ? T(1) : T(1) / static_cast<T>(work.length));
-  SIGVEX_TRY(dspi::fft<T>(v, 0));
-  v.points = work.length;
-  multiply<T>(v, work.chirp, inverse, T(1));
-  return kSuccess;
+  const int32_t n = v.points, complex = v.complex;
+  SIGVEX_TRY(prepare<T>(work, n));
+  SIGVEX_TRY(reshape<T>(v, points<T>(work.kernel), 1));
+  const T factor = inverse ? T(1) : T(1) / static_cast<T>(n);
+  const Status status =
+      convolve<T>(work.kernel, {v.data, count(n), !complex, work.chirp.data, inverse, v.data, bins, factor});
+  v.points = status < 0 ? n : static_cast<int32_t>(bins);
+  if (status < 0) v.complex = complex;
+  return status;
 }
 
 }  // namespace
@@ -107,7 +98,7 @@ template <class T> Status dft(Vector<T>& v, uint32_t inverse) {
     return kSuccess;
   }
   if (power_of_two(v.points)) return fft<T>(v, inverse);
-  SIGVEX_TRY(chirp_transform<T>(v, inverse != 0));
+  SIGVEX_TRY(chirp_transform<T>(v, inverse != 0, points<T>(v)));
   v.delta = bin_spacing<T>(delta, points<T>(v));
   return kSuccess;
 }
@@ -116,8 +107,9 @@ template <class T> Status rdft(Vector<T>& v) {
   if (v.complex) return kFailure;
   const int32_t n = v.points;
   if (power_of_two(n)) return rfft<T>(v);
-  SIGVEX_TRY(dft<T>(v, 0));
-  if (n > 0) v.points = n / 2 + 1;
+  if (n < 2) return dft<T>(v, 0);
+  SIGVEX_TRY(chirp_transform<T>(v, false, count(n) / 2 + 1));
+  v.delta = bin_spacing<T>(v.delta, count(n));
   return kSuccess;
 }
 

@@ -31,6 +31,16 @@ template <class T> Status run_real(Vector<T>& v, size_t n) {
   return kSuccess;
 }
 
+// Calls f with the tables for convolutions of n points and the work space they need.
+template <class T, class F> Status with_work(size_t n, F f) {
+  const Lease<ComplexTables<T>> tables = complex_tables<T>(std::countr_zero(n));
+  if (!tables) return kFailure;
+  Workspace work(tables->pool, convolution_kernels<T>().work_size(tables->bits, *tables->kernels) * sizeof(T));
+  if (!work) return kFailure;
+  f(*tables, work.as<T>());
+  return kSuccess;
+}
+
 }  // namespace
 
 bool power_of_two(int32_t n) { return std::has_single_bit(count(n)); }
@@ -54,9 +64,23 @@ template <class T> Status real_transform(Vector<T>& v) {
   return kSuccess;
 }
 
+template <class T> Status kernel_spectrum(Vector<T>& kernel) {
+  return with_work<T>(points<T>(kernel), [&](const ComplexTables<T>& tables, T* work) {
+    convolution_kernels<T>().spectrum(tables.bits, *tables.kernels, tables.roots, kernel.data, work);
+  });
+}
+
+template <class T> Status convolve(const Vector<T>& spectrum, const Convolution<T>& c) {
+  return with_work<T>(points<T>(spectrum), [&](const ComplexTables<T>& tables, T* work) {
+    convolution_kernels<T>().convolve(tables.bits, *tables.kernels, tables.roots, spectrum.data, c, work);
+  });
+}
+
 #define SIGVEX_INSTANTIATE(T)                             \
   template Status complex_transform<T>(Vector<T>&, bool); \
-  template Status real_transform<T>(Vector<T>&);
+  template Status real_transform<T>(Vector<T>&);          \
+  template Status kernel_spectrum<T>(Vector<T>&);         \
+  template Status convolve<T>(const Vector<T>&, const Convolution<T>&);
 SIGVEX_INSTANTIATE(double)
 SIGVEX_INSTANTIATE(float)
 #undef SIGVEX_INSTANTIATE

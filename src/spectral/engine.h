@@ -3,6 +3,7 @@
 #pragma once
 
 #include "core/vector.h"
+#include "spectral/convolution.h"
 
 namespace sigvex {
 
@@ -13,5 +14,16 @@ template <class T> Status complex_transform(Vector<T>& v, bool inverse);
 
 // Of a real v: leaves bins 0 .. n/2, complex, in storage for n complex points. n is a power of two above 2.
 template <class T> Status real_transform(Vector<T>& v);
+
+// Circular convolutions with a kernel that is kept as its spectrum, which stands in an order of the engine's own: no
+// transform is put in natural order, and nothing is done for zeros behind the input or points nobody wants.
+//
+// Turns the complex kernel, a power of two above 2 points, into its spectrum, in place. It serves until the caches are
+// released.
+template <class T> Status kernel_spectrum(Vector<T>& kernel);
+
+// As many points as the spectrum has; the result is scaled by nothing but c.factor. With a real kernel, real and
+// imaginary parts of the points are convolved independently: two real sequences go through one call.
+template <class T> Status convolve(const Vector<T>& spectrum, const Convolution<T>& c);
 
 }  // namespace sigvex

@@ -15,9 +15,6 @@ HWY_BEFORE_NAMESPACE();
 namespace sigvex {
 namespace HWY_NAMESPACE {
 
-template <class T, size_t count> using Lanes = hn::CappedTag<T, count>;
-template <class T> constexpr size_t kMaxLanes = kLanes<hn::ScalableTag<T>>;
-
 // A transform of n = R1 * R2 * ... points, each radix one pass over vectors of all lanes. From the first buffer to the
 // second and back; the last pass works in place where their number is odd.
 template <class T, size_t... R> struct Passes;
@@ -112,9 +109,7 @@ template <class T, class F> HWY_INLINE auto with_passes(int bits, F f) {
   }
 }
 
-// Up to 32 KiB of points in self-sorting passes, which then stay in the first-level cache; beyond, in two sweeps.
-template <class T> constexpr int kLong = sizeof(T) == 8 ? 12 : 13;
-
+// Short transforms in self-sorting passes, long ones in two sweeps.
 template <class T> size_t table_size(int bits) {
   if (bits >= kLong<T>) return Columns<T>(bits).table_size();
   return with_passes<T>(bits, [](auto passes) { return passes.table_size(); });
@@ -164,20 +159,6 @@ template <class D, class T = hn::TFromD<D>> void split(D d, size_t h, const T* r
   }
 }
 
-template <class T, class F> HWY_INLINE void with_lanes(size_t count, F f) {
-  switch (std::min(count, kMaxLanes<T>)) {
-    case 1:
-      return f(Lanes<T, 1>());
-    case 2:
-      return f(Lanes<T, 2>());
-    case 4:
-      return f(Lanes<T, 4>());
-    case 8:
-      return f(Lanes<T, 8>());
-    default:
-      return f(Lanes<T, 16>());
-  }
-}
 template <class T> size_t split_size(int bits) { return size_t{1} << bits; }
 template <class T> void fill_split(int bits, const TripleTable<T>& roots, T* table) {
   const size_t h = size_t{1} << bits;

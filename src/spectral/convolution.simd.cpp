@@ -1,0 +1,169 @@
+#include "spectral/convolution.h"
+
+#define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "spectral/convolution.simd.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include <algorithm>
+
+#include "spectral/columns-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace sigvex {
+namespace HWY_NAMESPACE {
+
+// Real samples in the lanes where load_points puts points.
+template <class D, class T = hn::TFromD<D>> HWY_INLINE hn::VFromD<D> load_samples(D d, const T* from) {
+  constexpr size_t L = kLanes<D>;
+  if constexpr (lane_point<D>(L / 2) != L / 2) {
+    alignas(kAlignment) hn::TFromD<hn::RebindToSigned<D>> order[L];
+    for (size_t l = 0; l < L; ++l) order[l] = static_cast<hn::TFromD<hn::RebindToSigned<D>>>(lane_point<D>(l));
+    return hn::TableLookupLanes(hn::LoadU(d, from), hn::SetTableIndices(d, order));
+  } else {
+    return hn::LoadU(d, from);
+  }
+}
+
+// What goes into a convolution, a vector of weighted points at a time, and what comes out of it.
+template <class D, bool kReal, bool kWeighted> class Ends {
+  using T = hn::TFromD<D>;
+  using C = ComplexOf<D>;
+  static constexpr size_t L = kLanes<D>, kWidth = kReal ? 1 : 2;
+  static constexpr D d{};
+
+ public:
+  explicit Ends(const Convolution<T>& c) : c_(c), sign_(c.conjugate ? T(-1) : T(1)) {}
+
+  // Points k, k + 1, ...
+  HWY_INLINE C load(size_t k) const {
+    if (HWY_LIKELY(k + L <= c_.in_points)) return weighted(c_.in + kWidth * k, weights(k));
+    alignas(kAlignment) T points[2 * L] = {}, weights_left[2 * L] = {};
+    if (k < c_.in_points) {
+      std::copy_n(c_.in + kWidth * k, kWidth * (c_.in_points - k), points);
+      if (kWeighted) std::copy_n(weights(k), 2 * (c_.in_points - k), weights_left);
+    }
+    return weighted(points, weights_left);
+  }
+
+  // Points k, k + 1, ... of the result, their parts exchanged.
+  HWY_INLINE void store(size_t k, C z) const {
+    z = C{z.im, z.re} * hn::Set(d, c_.factor);
+    if (HWY_LIKELY(k + L <= c_.out_points)) {
+      if (kWeighted) z = z * weight(weights(k));
+      return store_points<false>(d, z, c_.out + 2 * k);
+    }
+    if (k >= c_.out_points) return;
+    const size_t rest = 2 * (c_.out_points - k);
+    alignas(kAlignment) T points[2 * L], weights_left[2 * L] = {};
+    if (kWeighted) {
+      std::copy_n(weights(k), rest, weights_left);
+      z = z * weight(weights_left);
+    }
+    store_points<false>(d, z, points);
+    std::copy_n(points, rest, c_.out + 2 * k);
+  }
+
+ private:
+  HWY_INLINE const T* weights(size_t k) const { return kWeighted ? c_.weights + 2 * k : nullptr; }
+  HWY_INLINE C weight(const T* from) const {
+    C w = load_points<false>(d, from);
+    w.im = hn::Mul(w.im, hn::Set(d, sign_));
+    return w;
+  }
+  HWY_INLINE C weighted(const T* from, const T* weights) const {
+    if constexpr (kReal) {
+      const auto x = load_samples(d, from);
+      if constexpr (!kWeighted) return {x, hn::Zero(d)};
+      else return weight(weights) * x;
+    } else {
+      const C z = load_points<false>(d, from);
+      if constexpr (!kWeighted) return z;
+      else return z * weight(weights);
+    }
+  }
+
+  const Convolution<T>& c_;
+  T sign_;
+};
+
+// Calls f with the ends of a convolution.
+template <class D, class F> HWY_INLINE void with_ends(D, const Convolution<hn::TFromD<D>>& c, F f) {
+  if (!c.weights) return c.real ? f(Ends<D, true, false>(c)) : f(Ends<D, false, false>(c));
+  return c.real ? f(Ends<D, true, true>(c)) : f(Ends<D, false, true>(c));
+}
+
+// In the nearest cache the transforms in natural order cost no more, and the ends and the product are passes of their
+// own.
+template <class D, class T = hn::TFromD<D>>
+void convolve_short(D d, int bits, const EngineKernels<T>& engine, const T* table, const T* spectrum,
+                    const Convolution<T>& c, T* work) {
+  const size_t n = size_t{1} << bits;
+  T *const x = work, *const rest = work + 2 * n;
+  const auto sign = hn::Set(d, c.conjugate ? T(-1) : T(1));
+  with_ends(d, c, [&](auto ends) HWY_ATTR {
+    for (size_t k = 0; k < n; k += kLanes<D>) store_points<false>(d, ends.load(k), x + 2 * k);
+    engine.forward(bits, table, x, rest, 1);
+    for (size_t k = 0; k < n; k += kLanes<D>) {
+      ComplexOf<D> w = load_points<false>(d, spectrum + 2 * k);
+      w.im = hn::Mul(w.im, sign);
+      store_points<false>(d, load_points<false>(d, x + 2 * k) * w, x + 2 * k);
+    }
+    engine.inverse(bits, table, x, rest);
+    for (size_t k = 0; k < c.out_points; k += kLanes<D>) ends.store(k, load_points<true>(d, x + 2 * k));
+  });
+}
+
+template <class T> size_t work_size(int bits, const EngineKernels<T>& engine) {
+  return engine.work_size(bits) + (bits < kLong<T> ? size_t{2} << bits : 0);
+}
+
+template <class T> void spectrum(int bits, const EngineKernels<T>& engine, const T* table, T* data, T* work) {
+  const T scale = 1 / static_cast<T>(size_t{1} << bits);
+  if (bits < kLong<T>) return engine.forward(bits, table, data, work, scale);
+  Columns<T>(bits).spectrum(table, data, work, scale);
+}
+
+template <class T>
+void convolve(int bits, const EngineKernels<T>& engine, const T* table, const T* spectrum, const Convolution<T>& c,
+              T* work) {
+  if (bits < kLong<T>) {
+    return with_lanes<T>(size_t{1} << bits,
+                         [&](auto d) HWY_ATTR { convolve_short(d, bits, engine, table, spectrum, c, work); });
+  }
+  with_ends(hn::ScalableTag<T>(), c, [&](auto ends) HWY_ATTR {
+    using V = hn::VFromD<hn::ScalableTag<T>>;
+    Columns<T>(bits).convolve(
+        table, work, c.in_points, [&](size_t k) HWY_ATTR { return ends.load(k); },
+        Turn<T>{spectrum, c.conjugate ? T(-1) : T(1)}, c.out_points,
+        [&](size_t k, Complex<V> z) HWY_ATTR { ends.store(k, z); });
+  });
+}
+
+template <class T> const ConvolutionKernels<T>* convolution_table() {
+  static constexpr ConvolutionKernels<T> table = {work_size<T>, spectrum<T>, convolve<T>};
+  return &table;
+}
+const ConvolutionKernels<double>* convolution_double() { return convolution_table<double>(); }
+const ConvolutionKernels<float>* convolution_float() { return convolution_table<float>(); }
+
+}  // namespace HWY_NAMESPACE
+}  // namespace sigvex
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace sigvex {
+
+HWY_EXPORT(convolution_double);
+HWY_EXPORT(convolution_float);
+
+template <> const ConvolutionKernels<double>& convolution_kernels<double>() {
+  return *HWY_DYNAMIC_DISPATCH(convolution_double)();
+}
+template <> const ConvolutionKernels<float>& convolution_kernels<float>() {
+  return *HWY_DYNAMIC_DISPATCH(convolution_float)();
+}
+
+}  // namespace sigvex
+#endif
