@@ -1817,6 +1817,191 @@ DSP_API int32_t dspfd_rsmp2(const dspf_vector *in, dspf_vector *out, uint8_t mod
                             dspf_vector *state);
 
 /* ------------------------------------------------------------------------------------------------------------------
+ * Streaming resampler
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+/*
+ * Another sampling rate for streams of any length, at a ratio that may change from block to block and a quality that is
+ * chosen. A coefficient object holds the kernel: once set up it is only read, and serves any number of channels and
+ * threads. Every channel has a state object of its own. Both are plain records: a host makes its own with _init, or lets
+ * _alloc make one on the heap. Their memory comes through the storage hooks of their precision.
+ *
+ * Output m of a stream stands at the position q of the input, the sum of the ratios (output spacing over input spacing,
+ * that is input rate over output rate) of the outputs before it, and shows the input at q - D, where the delay D is the
+ * same for all of a stream. It is made of the points within length / 2 of q - D, times the ratio where that is above 1:
+ * the kernel is then that much longer and its band edge follows the output's rate, so that nothing is folded down. What
+ * lies before the stream counts as 0.0. To take the delay out, set the state's offset to D before the first block, and
+ * send D zeros after the last one.
+ *
+ * After n input points, in blocks of any sizes, ceil(n / ratio) outputs have come. Positions are exact to 2^-80 of the
+ * input's spacing: every blocking gives the same bits, and nothing drifts.
+ */
+
+/** Kernels for dsph_rsmp_coef_setup. The built-in sets have the numbers of dspc_rsmp, 0 .. 4. */
+enum {
+  DSP_RSMP_KAISER = 16 /**< Kaiser-windowed sinc, of gain 1 for a constant */
+};
+
+/** A resampling kernel in double precision. The fields are for dsph_rsmp alone. Zero-filled or passed to _init. */
+typedef struct dsp_rsmp_coef {
+  dsp_vector bank;  /**< the weights, row by row, for places between two input samples */
+  dsp_vector own;   /**< the block that an object made by _alloc lies in */
+  double max_ratio; /**< the largest ratio */
+  int32_t length;   /**< input points of an output at a ratio up to 1; 0: not set up */
+  int32_t steps;    /**< rows to an input sample */
+  int32_t span;     /**< the same points at the largest ratio: twice the delay */
+} dsp_rsmp_coef;
+
+/** A resampling kernel in single precision; the fields as in dsp_rsmp_coef. */
+typedef struct dspf_rsmp_coef {
+  dspf_vector bank;
+  dspf_vector own;
+  double max_ratio;
+  int32_t length;
+  int32_t steps;
+  int32_t span;
+} dspf_rsmp_coef;
+
+/** A channel in double precision. The fields are for dsph_rsmp alone. Zero-filled or passed to _init. */
+typedef struct dsp_rsmp_state {
+  dsp_vector history;   /**< the last points of the input, and room for a part of the next block */
+  dsp_vector own;       /**< the block that an object made by _alloc lies in */
+  uint64_t position[2]; /**< from the next input point to the next output, in 2^-80 of a sample, low half first */
+  int32_t span;         /**< the coefficients' */
+  int32_t parts;        /**< 1: the stream is real, 2: complex, 0: nothing has come */
+} dsp_rsmp_state;
+
+/** A channel in single precision; the fields as in dsp_rsmp_state. */
+typedef struct dspf_rsmp_state {
+  dspf_vector history;
+  dspf_vector own;
+  uint64_t position[2];
+  int32_t span;
+  int32_t parts;
+} dspf_rsmp_state;
+
+/**
+ * Makes coefficients that are not set up: _alloc on the heap, _init in the host's record, whose former contents are not
+ * looked at (so none that hold storage, nor an object from _alloc).
+ *   fails    storage: *coef is null
+ */
+DSP_API int32_t dsph_rsmp_coef_alloc (dsp_rsmp_coef  **coef);
+DSP_API int32_t dspfh_rsmp_coef_alloc(dspf_rsmp_coef **coef);
+DSP_API int32_t dsph_rsmp_coef_init (dsp_rsmp_coef  *coef);
+DSP_API int32_t dspfh_rsmp_coef_init(dspf_rsmp_coef *coef);
+
+/**
+ * Chooses the kernel. DSP_RSMP_KAISER passes up to 0.5 - transition and stops from 0.5 on, in units of the input's rate,
+ * or of the output's if that is lower: nothing is folded into the band. Its length is
+ * (attenuation - 7.95) / (14.36 * transition) + 1 points, rounded up to a multiple of 16. A built-in set has its K points
+ * and its response as dspc_rsmp tells it, in units of the lower rate.
+ *   params   kernel: DSP_RSMP_KAISER, or 0 .. 4 for a built-in set
+ *            attenuation: of the stop-band in dB, 20 .. 200; not used by a built-in set. Single precision has rounding
+ *            noise of its own near -140 dB
+ *            transition: above 0, below 0.5; not used by a built-in set
+ *            max_ratio: the largest ratio the coefficients will be used at; below 1 counts as 1. The delay and the memory
+ *            of each channel grow with it
+ *            steps: rows of weights to an input sample, up to 65536, between which a cubic is laid; 0: as many as keep
+ *            its error below the attenuation (a built-in set: 256). In a table of fewer, the error for a tone at the
+ *            frequency f grows with (f / steps)^4
+ *   returns  0; to set up anew replaces the kernel: no channel may be running on it
+ *   fails    any other kernel, a parameter out of its range or NaN, more than 2^24 points at max_ratio, storage: the
+ *            coefficients are as they were
+ */
+DSP_API int32_t dsph_rsmp_coef_setup (dsp_rsmp_coef  *coef, uint32_t kernel, double attenuation, double transition,
+                                      double max_ratio, int32_t steps);
+DSP_API int32_t dspfh_rsmp_coef_setup(dspf_rsmp_coef *coef, uint32_t kernel, double attenuation, double transition,
+                                      double max_ratio, int32_t steps);
+
+/**
+ * Releases what the coefficients hold and makes them as _init does; an object from _alloc is released itself.
+ *   returns  0
+ */
+DSP_API int32_t dsph_rsmp_coef_destroy (dsp_rsmp_coef  *coef);
+DSP_API int32_t dspfh_rsmp_coef_destroy(dspf_rsmp_coef *coef);
+
+/**
+ * Makes the state of a stream that has not begun, with offset 0: _alloc on the heap, _init in the host's record, whose
+ * former contents are not looked at.
+ *   fails    storage: *state is null
+ */
+DSP_API int32_t dsph_rsmp_state_alloc (dsp_rsmp_state  **state);
+DSP_API int32_t dspfh_rsmp_state_alloc(dspf_rsmp_state **state);
+DSP_API int32_t dsph_rsmp_state_init (dsp_rsmp_state  *state);
+DSP_API int32_t dspfh_rsmp_state_init(dspf_rsmp_state *state);
+
+/**
+ * Back to the beginning of a stream: offset 0, zeros before the next block. The storage is kept.
+ *   returns  0
+ */
+DSP_API int32_t dsph_rsmp_state_reset (dsp_rsmp_state  *state);
+DSP_API int32_t dspfh_rsmp_state_reset(dspf_rsmp_state *state);
+
+/**
+ * Releases what the state holds and makes it as _init does; an object from _alloc is released itself.
+ *   returns  0
+ */
+DSP_API int32_t dsph_rsmp_state_destroy (dsp_rsmp_state  *state);
+DSP_API int32_t dspfh_rsmp_state_destroy(dspf_rsmp_state *state);
+
+/**
+ * The offset: how many input samples, and parts of one, the next output stands behind the first point of the next block.
+ * Set it to align a stream by parts of a sample: an offset larger by x gives the outputs that stand x later.
+ *   params   offset: 0 .. 2^31. What is got is rounded to a double: the state itself is finer
+ *   fails    set: any other offset, or NaN; the state is untouched
+ */
+DSP_API int32_t dsph_rsmp_state_get_offset (const dsp_rsmp_state  *state, double *offset);
+DSP_API int32_t dspfh_rsmp_state_get_offset(const dspf_rsmp_state *state, double *offset);
+DSP_API int32_t dsph_rsmp_state_set_offset (dsp_rsmp_state  *state, double offset);
+DSP_API int32_t dspfh_rsmp_state_set_offset(dspf_rsmp_state *state, double offset);
+
+/**
+ * The next block of a stream.
+ *   complex  both parts alike
+ *   params   ratio: output spacing over input spacing, above 0, up to the coefficients' max_ratio. It is the kernel's and
+ *            the spacing after each output of this block; the first one stands where the ratio before put it
+ *   sizes    as dsph_rsmp_get_out_pts tells; the form of the input
+ *   delta    the input's times ratio
+ *   alias    the output may be the input or share its storage: it is then built aside and copied in at the end
+ *   state    the last points of the input, span of them, and the offset. A change of form converts them, another span
+ *            cuts them or adds zeros at their beginning. A NaN or infinite point makes NaN of the outputs it enters
+ *   fails    coefficients not set up, a ratio out of its range or NaN (all untouched); more outputs than fit, storage:
+ *            the state has not taken the block, an output apart from the input is empty, or else untouched
+ */
+DSP_API int32_t dsph_rsmp (const dsp_vector  *in, dsp_vector  *out, const dsp_rsmp_coef  *coef, double ratio,
+                           dsp_rsmp_state  *state);
+DSP_API int32_t dspfh_rsmp(const dspf_vector *in, dspf_vector *out, const dspf_rsmp_coef *coef, double ratio,
+                           dspf_rsmp_state *state);
+
+/**
+ * The delay D in input samples, the same at every ratio: half the length at max_ratio (half a sample more or less counts).
+ *   fails    coefficients not set up
+ */
+DSP_API int32_t dsph_rsmp_get_delay_pts (const dsp_rsmp_coef  *coef, double *points);
+DSP_API int32_t dspfh_rsmp_get_delay_pts(const dspf_rsmp_coef *coef, double *points);
+
+/**
+ * Counts, exact at the state's offset: _in_pts the least input that gives at least out_points outputs, _out_pts the
+ * outputs that in_points of input give.
+ *   params   ratio: as for dsph_rsmp; a negative count counts as none
+ *   fails    ratio negative, 0 or NaN; more points than 2^31 - 1: the result is untouched
+ */
+DSP_API int32_t dsph_rsmp_get_in_pts (const dsp_rsmp_state  *state, double ratio, int32_t out_points, int32_t *in_points);
+DSP_API int32_t dspfh_rsmp_get_in_pts(const dspf_rsmp_state *state, double ratio, int32_t out_points, int32_t *in_points);
+DSP_API int32_t dsph_rsmp_get_out_pts (const dsp_rsmp_state  *state, double ratio, int32_t in_points, int32_t *out_points);
+DSP_API int32_t dspfh_rsmp_get_out_pts(const dspf_rsmp_state *state, double ratio, int32_t in_points, int32_t *out_points);
+
+/**
+ * How many outputs from the next one on contain points from before the next block: the transient of a stream's start, or
+ * of a jump in the input.
+ *   fails    coefficients not set up, a ratio out of its range; more than 2^31 - 1: the result is untouched
+ */
+DSP_API int32_t dsph_rsmp_get_settle_pts (const dsp_rsmp_coef  *coef, const dsp_rsmp_state  *state, double ratio,
+                                          int32_t *points);
+DSP_API int32_t dspfh_rsmp_get_settle_pts(const dspf_rsmp_coef *coef, const dspf_rsmp_state *state, double ratio,
+                                          int32_t *points);
+
+/* ------------------------------------------------------------------------------------------------------------------
  * Vector files
  * ------------------------------------------------------------------------------------------------------------------ */
 

@@ -29,10 +29,14 @@ def pairs(names):
     return list(zip(listed[::2], listed[1::2]))
 
 
+def records_as_single(parameters):
+    """What the twin's parameters are when only the record differs."""
+    return re.sub(r"\bdsp_(vector|rsmp_coef|rsmp_state|\w+_hook)\b", r"dspf_\1", parameters)
+
+
 def as_single(parameters):
     """What the twin's parameters are when only record and scalar type differ."""
-    text = re.sub(r"\bdsp_(vector|\w+_hook)\b", r"dspf_\1", parameters)
-    return re.sub(r"\bdouble\b", "float", text)
+    return re.sub(r"\bdouble\b", "float", records_as_single(parameters))
 
 
 def spaced(parameters):
@@ -45,7 +49,7 @@ def twin_faults(declared):
             yield f"header: {name} is followed by {twin}, not by its twin {twin_of(name)}"
             continue
         (result, parameters), (twin_result, twin_parameters) = declared[name], declared[twin]
-        same = spaced(parameters.replace("dsp_vector", "dspf_vector"))  # parameters that stay double, as some do
+        same = spaced(records_as_single(parameters))  # parameters that stay double, as some do
         if result != twin_result or spaced(twin_parameters) not in (spaced(as_single(parameters)), same):
             yield f"header: {name} and {twin} differ in more than record and scalar type"
 

@@ -44,14 +44,6 @@ template <class T> Vector<T> history(const Vector<T>& state) {
   return view;
 }
 
-// How many multiples of the step, from the start on, lie below n.
-size_t outputs(Fixed start, Fixed step, size_t n) {
-  const Fixed end = to_fixed(n);
-  if (start >= end) return 0;
-  const Fixed wanted = step > 0 ? (end - start + step - 1) / step : end;
-  return static_cast<size_t>(std::min<Fixed>(wanted, kMaxScalars + 1));
-}
-
 // One output for each position p: the K points up to the whole part of p, each weighted as apply(x, f, y) does for the
 // fractional part f. x is the oldest of the points.
 template <class T, class Apply>

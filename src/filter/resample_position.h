@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <limits>
 
+#include "core/vector.h"
+
 namespace sigvex {
 
 // In steps of 2^-80 of the input's spacing: every digit of a ratio from 2^-28 on is kept, so sums of it have no error.
@@ -31,6 +33,20 @@ inline size_t whole(Fixed x) { return static_cast<size_t>(x >> kFractionBits); }
 inline double fraction(Fixed x) {
   constexpr uint64_t kDigits = (uint64_t{1} << 53) - 1;
   return static_cast<double>(static_cast<uint64_t>(x >> (kFractionBits - 53)) & kDigits) * 0x1p-53;
+}
+
+// Rounded twice, to the same double wherever it is asked for.
+inline double to_double(Fixed x) {
+  return std::ldexp(static_cast<double>(static_cast<uint64_t>(x >> 64)), 64 - kFractionBits) +
+         std::ldexp(static_cast<double>(static_cast<uint64_t>(x)), -kFractionBits);
+}
+
+// How many multiples of the step, from the start on, lie below n; more than fit a record count as one more than those.
+inline size_t outputs(Fixed start, Fixed step, size_t n) {
+  const Fixed end = to_fixed(n);
+  if (start >= end) return 0;
+  const Fixed wanted = step > 0 ? (end - start + step - 1) / step : end;
+  return static_cast<size_t>(std::min<Fixed>(wanted, kMaxScalars + 1));
 }
 
 // Takes the leading digits, as many as T has, out of x.

@@ -1,0 +1,34 @@
+// The loops of the streaming resampler: raw arrays and positions, no record, no status. Each CPU target fills one
+// table.
+#pragma once
+
+#include "filter/resample_position.h"
+
+namespace sigvex {
+
+// Weights of the kernel, length of them in a row, rows `stride` apart: row k for places (k - 1) / steps of a sample, k
+// up to steps + 2, so that a cubic has two rows on either side of every place from 0 to 1. The rows begin on a cache
+// line, and a vector may be read beyond the last one.
+template <class T> struct ResampleBank {
+  const T* rows;
+  size_t stride, length, steps;
+};
+
+// Scalars that the kernels may read beyond the end of their arrays.
+inline constexpr size_t kResampleSlack = 16;
+
+template <class T> struct ResampleKernels {
+  // y[m] for m < n, every output the sum over length points of x from the whole part of place + m * step on, weighted
+  // by the bank at its fraction. Each of the `parts` rows of x, `part` scalars apart, gives one scalar of a point of y.
+  void (*gather)(const ResampleBank<T>& bank, const T* x, size_t part, size_t parts, Fixed place, Fixed step, T* y,
+                 size_t n);
+
+  // Adds to y[m], for m < n, what the kernel stretched by the step (1 or more) makes of the points of x up to its edge,
+  // edge + m * step. Every output is summed in the order of the points, whichever outputs are asked for with it; the
+  // sums grow with the ratio, so that they take a double. n > 0.
+  void (*scatter)(const ResampleBank<T>& bank, const T* x, Fixed edge, Fixed step, double* y, size_t n);
+};
+
+template <class T> const ResampleKernels<T>& resample_kernels();  // the best for this CPU
+
+}  // namespace sigvex
