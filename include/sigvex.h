@@ -1482,6 +1482,91 @@ DSP_API int32_t dsps_peak (const dsp_vector  *v, dsp_vector  *result, uint32_t f
 DSP_API int32_t dspfs_peak(const dspf_vector *v, dspf_vector *result, uint32_t flags, int32_t index);
 
 /* ------------------------------------------------------------------------------------------------------------------
+ * Polynomials
+ *
+ * A polynomial is the vector of its coefficients, real or complex; coefficient k multiplies x^k, so that the constant comes
+ * first. Coefficients 0.0 at the end only stand for a higher degree. delta means nothing here.
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+/**
+ * Value of a polynomial at every point of x.
+ *   real     both real: Horner's rule with its rounding errors carried along (Graillat, Langlois and Louvet, Jpn. J. Ind.
+ *            Appl. Math. 26, 191-214, 2009): as good as evaluated in twice the precision and rounded once. The twin computes
+ *            in double and rounds once.
+ *   complex  the same for points (Graillat and Menissier-Morain, Inform. and Comput. 216, 57-71, 2012), also where only one
+ *            of the two is complex
+ *   sizes    result: the points of x; complex if p or x is. A polynomial without coefficients is 0.0 everywhere
+ *   delta    of x
+ *   alias    result may be p or x, or share storage with them
+ *   fails    storage
+ */
+DSP_API int32_t dsps_peval (const dsp_vector  *p, const dsp_vector  *x, dsp_vector  *result);
+DSP_API int32_t dspfs_peval(const dspf_vector *p, const dspf_vector *x, dspf_vector *result);
+
+/**
+ * All complex roots of a polynomial, each as often as it occurs. Found by the Ehrlich-Aberth iteration, in both precisions
+ * ended with 106 bits and rounded once: the roots of the coefficients as they are given, correct to an ulp or two of the
+ * larger part where rounding all coefficients by 2^-90 would not move them farther. A part below 2^-90 of the magnitude is
+ * 0.0. Approximations that 106 bits cannot tell from one multiple root are made equal. The time grows with the square of the
+ * degree.
+ *   real     (or complex with all imaginary parts 0.0) real roots have the imaginary part 0.0, the others come as pairs that
+ *            are conjugate to the last bit
+ *   sizes    roots: complex, one point for each degree: coefficients 0.0 at the end do not count, those at the beginning
+ *            give roots (0.0, 0.0). A constant, 0.0 everywhere and no points: none
+ *   order    of rising real parts; where these are equal, of rising magnitude of the imaginary part, the negative one first
+ *   keeps    the delta of roots
+ *   alias    roots may be p or share its storage
+ *   fails    a coefficient that is not finite, no convergence, a root beyond the range of the precision (all of these:
+ *            roots untouched); storage
+ */
+DSP_API int32_t dsps_proots (const dsp_vector  *p, dsp_vector  *roots);
+DSP_API int32_t dspfs_proots(const dspf_vector *p, dspf_vector *roots);
+/** dsps_proots in place: v, the coefficients, becomes the roots. */
+DSP_API int32_t dspi_proots (dsp_vector  *v);
+DSP_API int32_t dspfi_proots(dspf_vector *v);
+
+/**
+ * One real root of a real polynomial, the one that is reached from a start value: by Newton's method with its steps
+ * halved until |p| falls, or, on the slow way to a multiple root, multiplied as long as it falls further (after Madsen, BIT
+ * 13, 71-75, 1973), with 106 bits and rounded once; a multiple root is as accurate as in dsps_proots. Where it ends without
+ * a root, as between two extrema that do not cross zero, or takes more than 32 steps and 4 for each degree, the real root
+ * nearest to start is taken, the smaller one of two.
+ *   params   root: receives the root
+ *            start: any finite number
+ *   fails    complex p; a coefficient or start not finite; no real root, which includes a constant, 0.0 everywhere too;
+ *            no convergence; a root beyond the range of the precision (all of these: root untouched)
+ */
+DSP_API int32_t dsps_psolve (const dsp_vector  *p, double *root, double start);
+DSP_API int32_t dspfs_psolve(const dspf_vector *p, float  *root, float  start);
+
+/**
+ * One root of a polynomial, the one that is reached from a start point: as dsps_psolve in the complex plane, p real or
+ * complex. A real polynomial does not leave the real axis from a start on it, unless it has no other root there.
+ *   params   start: one point; a real one counts as (x, 0)
+ *   sizes    root: 1 point, complex
+ *   keeps    the delta of root
+ *   alias    root may be p or start, or share storage with them
+ *   fails    start has not exactly one point; a coefficient or start not finite; a constant; no convergence; a root beyond
+ *            the range of the precision (all of these: root untouched); storage
+ */
+DSP_API int32_t dsps_pcsolve (const dsp_vector  *p, dsp_vector  *root, const dsp_vector  *start);
+DSP_API int32_t dspfs_pcsolve(const dspf_vector *p, dspf_vector *root, const dspf_vector *start);
+
+/**
+ * Zeros to coefficients, in place: the polynomial with the leading coefficient 1.0 whose roots are the points of v, the
+ * inverse of dspi_proots up to a factor. Multiplied out in Leja order (Calvetti and Reichel, BIT 43, 2003), which keeps the
+ * intermediate coefficients small, with 106 bits in both precisions, and rounded once.
+ *   real     real coefficients
+ *   complex  complex coefficients; where every zero is real or has its exact conjugate among the others, as often as itself,
+ *            the imaginary parts are 0.0, and dspi_real leaves the real polynomial
+ *   sizes    one point more than the zeros; no zeros give the constant 1.0
+ *   keeps    form, delta
+ *   fails    a zero that is not finite, a coefficient beyond the range of the precision (v untouched); storage
+ */
+DSP_API int32_t dspi_pztoc (dsp_vector  *v);
+DSP_API int32_t dspfi_pztoc(dspf_vector *v);
+
+/* ------------------------------------------------------------------------------------------------------------------
  * Signal generators
  * ------------------------------------------------------------------------------------------------------------------ */
 

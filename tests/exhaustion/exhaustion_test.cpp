@@ -170,6 +170,19 @@ template <class T> std::vector<Row<T>> rows() {
          if (TWIN_OF(h, dft)(&r.complex, &r.complex, &r.real, &r.result, 2U, 0x2101U) < 0) return -1;
          return r.complex.points = 12, TWIN_OF(h, dft)(&r.complex, &r.real, &r.real, &r.result, 2U, 0x6503U);
        }},
+      {"peval", [](R r) { return TWIN_OF(s, peval)(&r.real, &r.complex, &r.complex); }},
+      {"peval by parts", [](R r) { return TWIN_OF(s, peval)(&r.complex, &r.real, &r.result); }},
+      {"proots", [](R r) { return TWIN_OF(s, proots)(&r.real, &r.result); }},
+      {"proots in place", [](R r) { return TWIN_OF(i, proots)(&r.complex); }},
+      {"psolve", [](R r) { return TWIN_OF(s, psolve)(&r.real, &r.real.delta, T(1)); }},
+      {"pcsolve",
+       [](R r) {
+         r.result = r.real;  // a view of its first point
+         r.result.allocated = 0;
+         r.result.points = 1;
+         return TWIN_OF(s, pcsolve)(&r.real, &r.complex, &r.result);
+       }},
+      {"pztoc", [](R r) { return TWIN_OF(i, pztoc)(&r.real); }},
       {"fread", [](R r) { return reads<T>(r, "#DSP points = 3\n#DSP complex = 1\n1 2 3 4 5 6\n"); }},
       {"fwrite2 text", [](R r) { return writes<T>(r, 1); }},
       {"fwrite2 trace", [](R r) { return writes<T>(r, 4); }},
