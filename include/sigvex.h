@@ -1825,6 +1825,69 @@ DSP_API int32_t dspfd_fir(const dspf_vector *in, dspf_vector *out, const dspf_ve
 DSP_API int32_t dspd_deci (const dsp_vector  *in, dsp_vector  *out, int32_t factor, dsp_vector  *offset);
 DSP_API int32_t dspfd_deci(const dspf_vector *in, dspf_vector *out, int32_t factor, dspf_vector *offset);
 
+/**
+ * dspd_fir for a symmetric filter, given by the first half of its taps, outermost first and the centre last, as dspc_fir2
+ * yields them: the filter is the half, and the half again backwards without the centre. Samples that share a tap are added
+ * before the multiplication. Complex taps are mirrored as they are, not conjugated.
+ *   half     L points, real or complex, their delta of no account; fewer than 1: the output is a copy of the input and the
+ *            state is untouched
+ *   method   always term by term, with the same bits whatever the blocks; a long filter is faster by transforms, written
+ *            out for dspd_fir
+ *   sizes    output: the points of the input, complex if the input or the taps are
+ *   delta    the input's
+ *   state    the last 2 L - 2 points of the input stream, oldest first
+ */
+DSP_API int32_t dspd_sfir (const dsp_vector  *in, dsp_vector  *out, const dsp_vector  *half, dsp_vector  *state);
+DSP_API int32_t dspfd_sfir(const dspf_vector *in, dspf_vector *out, const dspf_vector *half, dspf_vector *state);
+
+/**
+ * dspd_sfir followed by dspd_deci, computing only the points that are kept: the same bits as the two in turn, whatever the
+ * blocks.
+ *   params   half: as dspd_sfir; fewer than 1 point: dspd_deci alone, the state is untouched
+ *            factor, offset: as dspd_deci
+ *   sizes    output: the points of dspd_deci; complex if the input or the taps are
+ *   delta    the input's times factor
+ *   state    that of dspd_sfir; what is carried of the decimation is the offset
+ *   fails    state and offset one record or sharing storage: nothing is touched; storage
+ */
+DSP_API int32_t dspd_sfir_deci (const dsp_vector  *in, dsp_vector  *out, const dsp_vector  *half, int32_t factor,
+                                dsp_vector  *state, dsp_vector  *offset);
+DSP_API int32_t dspfd_sfir_deci(const dspf_vector *in, dspf_vector *out, const dspf_vector *half, int32_t factor,
+                                dspf_vector *state, dspf_vector *offset);
+
+/**
+ * Hardware filter model: the decimating front end of an instrument. Each of the stages, one for each octave, is a fixed
+ * filter as dspd_sfir applies it and a decimation by two from the stream's first point on.
+ *   params   set: DSP_FIR_SET_*, the filter of every stage
+ *            octaves: the number of stages, 0 .. 30
+ *   sizes    output: after n points of a stream, n / 2^octaves have come, rounded up; form of the input. 0 octaves: a copy
+ *   delta    the input's times 2^octaves
+ *   state    octaves (2 L - 1) points, L being the set's: by stages, where the next kept point lies in its next block (0 or
+ *            1) and the last 2 L - 2 points of its input
+ *   fails    an unknown set, another number of octaves: nothing is touched; storage
+ */
+DSP_API int32_t dspd_hwfilt (const dsp_vector  *in, dsp_vector  *out, int32_t set, int32_t octaves, dsp_vector  *state);
+DSP_API int32_t dspfd_hwfilt(const dspf_vector *in, dspf_vector *out, int32_t set, int32_t octaves, dspf_vector *state);
+
+/**
+ * Multiplies a spectrum by the frequency response of dspd_hwfilt's chain, or takes that response out of a spectrum that
+ * was measured behind it. The response is the zero-phase one, a real number that falls below 0 in places: what remains is
+ * the chain's delay, (L - 1)(2^octaves - 1) samples of its input. It is the product of the stages' responses, which stage
+ * s (from 0) has at its rate, sample_rate / 2^s; what folds down from other frequencies is no part of it.
+ *   real     a sample is multiplied or divided, as both parts of a point are
+ *   params   set, octaves: those of dspd_hwfilt; 0 octaves: the response is 1
+ *            sample_rate: of the chain's input, in the unit of the spectrum's delta; finite and above 0
+ *            compensate: 0 multiplies. 1 divides within the passband and leaves the bins beyond it as they are. The
+ *            passband ends before the last stage's filter falls to half power: at 0.092, 0.456, 0.5, 0.486, 0.45, 0.466 of
+ *            the output rate, sample_rate / 2^octaves, for the sets in their order
+ *   bins     bin k stands at k * delta; above half the output rate that rate is subtracted, for the second half of a
+ *            two-sided spectrum
+ *   keeps    points, form, delta
+ *   fails    a parameter out of its range: the spectrum is untouched
+ */
+DSP_API int32_t dspi_hwfilt (dsp_vector  *v, int32_t set, int32_t octaves, double sample_rate, int32_t compensate);
+DSP_API int32_t dspfi_hwfilt(dspf_vector *v, int32_t set, int32_t octaves, float  sample_rate, int32_t compensate);
+
 /* ------------------------------------------------------------------------------------------------------------------
  * Resampling
  * ------------------------------------------------------------------------------------------------------------------ */

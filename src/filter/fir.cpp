@@ -8,6 +8,7 @@
 #include "core/limits.h"
 #include "core/locks.h"
 #include "elementwise/operations.h"
+#include "filter/complex_taps.h"
 #include "filter/kernels.h"
 #include "filter/operations.h"
 #include "filter/state.h"
@@ -21,20 +22,9 @@ template <class T> void convolve(const T* x, int32_t complex, const Vector<T>& t
   const auto kernel = filter_kernels<T>().convolve;
   const size_t width = complex ? 2 : 1, count = points<T>(taps);
   if (!taps.complex) return kernel(x, width, taps.data, 1, count, y, n * width);
-  // The taps' real and imaginary parts separately, each on the samples as they lie.
-  constexpr size_t kBlock = 512;
-  T by_re[kBlock], by_im[kBlock];
-  for (size_t start = 0; start < n * width; start += kBlock) {
-    const size_t m = std::min(kBlock, n * width - start);
-    kernel(x + start, width, taps.data, 2, count, by_re, m);
-    kernel(x + start, width, taps.data + 1, 2, count, by_im, m);
-    for (size_t k = 0; k < m; k += width) {
-      const Point<T> z = complex ? Point<T>{by_re[k] - by_im[k + 1], by_re[k + 1] + by_im[k]}  //
-                                 : Point<T>{by_re[k], by_im[k]};
-      *y++ = z.re;
-      *y++ = z.im;
-    }
-  }
+  by_parts<T>(complex, y, n, [&](size_t part, size_t start, T* to, size_t m) {
+    kernel(x + start, width, taps.data + part, 2, count, to, m);
+  });
 }
 
 // The first n outputs by their definition.

@@ -76,6 +76,7 @@ constexpr std::array<double, 95> kTaps189 = {
 };
 
 constexpr std::array<std::span<const double>, 6> kSets = {kTaps23, kTaps39, kTaps9, kTaps75, kTaps121, kTaps189};
+constexpr std::array<double, 6> kPassbands = {0.046, 0.228, 0.25, 0.243, 0.225, 0.233};
 
 }  // namespace
 
@@ -83,5 +84,7 @@ std::span<const double> fir_set(int32_t code) {
   if (code < DSP_FIR_SET_23 || code > DSP_FIR_SET_189) return {};
   return kSets[static_cast<size_t>(code - DSP_FIR_SET_23)];
 }
+
+double fir_set_passband(int32_t code) { return kPassbands[static_cast<size_t>(code - DSP_FIR_SET_23)]; }
 
 }  // namespace sigvex

@@ -10,6 +10,11 @@ template <class T> struct FilterKernels {
   // order of k in one accumulator, wherever j stands: a signal gives the same bits however it is cut. y shares nothing.
   void (*convolve)(const T* x, size_t x_step, const T* h, size_t h_step, size_t taps, T* y, size_t n);
 
+  // y[j] = the sum over k < taps - 1 of h[k * h_step] * (x[j + early[k]] + x[j + late[k]]), and last the centre tap's
+  // product with x[j + early[taps - 1]]; the order and y as above.
+  void (*convolve_pairs)(const T* x, const size_t* early, const size_t* late, const T* h, size_t h_step, size_t taps,
+                         T* y, size_t n);
+
   // One point, the sum over k < n of w[k] * x[k], each x[k] of width 1 (a sample) or 2 (both parts of a point).
   void (*weigh)(const T* x, size_t width, const T* w, size_t n, T* y);
 

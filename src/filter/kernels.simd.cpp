@@ -13,6 +13,27 @@ namespace sigvex::filter {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
+// Fills n outputs: run(d, vectors, j) leaves `vectors` vectors of them from j on. Eight vectors hide the latency of the
+// multiplier; the rest in halves, the last vector over the one before it.
+template <class T, class Run> HWY_INLINE void in_tiles(size_t n, Run run) {
+  const hn::ScalableTag<T> d;
+  constexpr size_t kLanes = hn::MaxLanes(d);
+  size_t j = 0;
+  const auto tiles = [&](auto vectors) HWY_ATTR {
+    constexpr size_t kVectors = decltype(vectors)::value;
+    for (; j + kVectors * kLanes <= n; j += kVectors * kLanes) run(d, vectors, j);
+  };
+  tiles(std::integral_constant<size_t, 8>());
+  tiles(std::integral_constant<size_t, 4>());
+  tiles(std::integral_constant<size_t, 2>());
+  tiles(std::integral_constant<size_t, 1>());
+  if (j < n && n >= kLanes) {
+    run(d, std::integral_constant<size_t, 1>(), n - kLanes);
+  } else {
+    for (; j < n; ++j) run(hn::CappedTag<T, 1>(), std::integral_constant<size_t, 1>(), j);
+  }
+}
+
 // What the outputs of a convolution have in common; x stands at the newest sample of the first one.
 template <class T> struct Taps {
   const T* x;
@@ -34,25 +55,29 @@ template <size_t M, class D, class T> HWY_INLINE void tile(D d, const Taps<T>& t
   for (size_t i = 0; i < M; ++i) hn::StoreU(sum[i], d, y + j + i * kLanes);
 }
 
-// Eight vectors hide the latency of the multiplier; the rest in halves, the last vector over the one before it.
 template <class T> void convolve(const T* x, size_t x_step, const T* h, size_t h_step, size_t count, T* y, size_t n) {
-  const hn::ScalableTag<T> d;
-  constexpr size_t kLanes = hn::MaxLanes(d);
   const Taps<T> taps{x + (count - 1) * x_step, x_step, h, h_step, count};
-  size_t j = 0;
-  const auto tiles = [&](auto vectors) HWY_ATTR {
-    constexpr size_t kVectors = decltype(vectors)::value;
-    for (; j + kVectors * kLanes <= n; j += kVectors * kLanes) tile<kVectors>(d, taps, y, j);
-  };
-  tiles(std::integral_constant<size_t, 8>());
-  tiles(std::integral_constant<size_t, 4>());
-  tiles(std::integral_constant<size_t, 2>());
-  tiles(std::integral_constant<size_t, 1>());
-  if (j < n && n >= kLanes) {
-    tile<1>(d, taps, y, n - kLanes);
-  } else {
-    for (; j < n; ++j) tile<1>(hn::CappedTag<T, 1>(), taps, y, j);
-  }
+  in_tiles<T>(n, [&](auto d, auto vectors, size_t j) HWY_ATTR { tile<decltype(vectors)::value>(d, taps, y, j); });
+}
+
+template <class T>
+void convolve_pairs(const T* x, const size_t* early, const size_t* late, const T* h, size_t h_step, size_t taps, T* y,
+                    size_t n) {
+  in_tiles<T>(n, [&](auto d, auto vectors, size_t j) HWY_ATTR {
+    constexpr size_t M = decltype(vectors)::value, kLanes = hn::MaxLanes(d);
+    hn::Vec<decltype(d)> sum[M];
+    for (auto& s : sum) s = hn::Zero(d);
+    const T* tap = h;
+    for (size_t k = 0; k + 1 < taps; ++k, tap += h_step) {
+      const T *const a = x + early[k] + j, *const b = x + late[k] + j;
+      for (size_t i = 0; i < M; ++i)
+        sum[i] =
+            hn::MulAdd(hn::Add(hn::LoadU(d, a + i * kLanes), hn::LoadU(d, b + i * kLanes)), hn::Set(d, *tap), sum[i]);
+    }
+    const T* const centre = x + early[taps - 1] + j;
+    for (size_t i = 0; i < M; ++i)
+      hn::StoreU(hn::MulAdd(hn::LoadU(d, centre + i * kLanes), hn::Set(d, *tap), sum[i]), d, y + j + i * kLanes);
+  });
 }
 
 // Weights of an interpolation by vectors: as they stand in a table, or between two tables. No fused product, so that
@@ -113,7 +138,7 @@ template <class T> void blend(const T* x, size_t width, const T* a, const T* b, 
 }
 
 template <class T> const FilterKernels<T>* kernels() {
-  static constexpr FilterKernels<T> table = {convolve<T>, weigh<T>, blend<T>};
+  static constexpr FilterKernels<T> table = {convolve<T>, convolve_pairs<T>, weigh<T>, blend<T>};
   return &table;
 }
 const FilterKernels<double>* kernels_double() { return kernels<double>(); }

@@ -10,17 +10,21 @@
 namespace sigvex {
 
 // Calls run(in, fixed, out), where fixed is the operation's second input (taps, a kernel), so that out shares nothing
-// with what is still read, nor the inputs with the state that run prepares. An output that shares is written at the
+// with what is still read, nor the inputs with the states that run prepares. An output that shares is written at the
 // end.
 template <class T, class Run>
-Status run_block(const Vector<T>& in, const Vector<T>& fixed, Vector<T>& out, const Vector<T>* state, Run run) {
-  if (state && (shares<T>(in, *state) || shares<T>(fixed, *state))) {
+Status run_block(const Vector<T>& in, const Vector<T>& fixed, Vector<T>& out, const Vector<T>* state, Run run,
+                 const Vector<T>* further_state = nullptr) {
+  const auto shares_state = [&](const Vector<T>& v) {
+    return (state && shares<T>(v, *state)) || (further_state && shares<T>(v, *further_state));
+  };
+  if (shares_state(in) || shares_state(fixed)) {
     Scratch<T> in_copy, fixed_copy;
     SIGVEX_TRY(dsp::copy<T>(in_copy, in));
     SIGVEX_TRY(dsp::copy<T>(fixed_copy, fixed));
-    return run_block<T>(in_copy, fixed_copy, out, state, run);
+    return run_block<T>(in_copy, fixed_copy, out, state, run, further_state);
   }
-  if (!shares<T>(in, out) && !shares<T>(fixed, out) && !(state && shares<T>(*state, out))) return run(in, fixed, out);
+  if (!shares<T>(in, out) && !shares<T>(fixed, out) && !shares_state(out)) return run(in, fixed, out);
   Scratch<T> result;
   SIGVEX_TRY(run(in, fixed, result));
   leave_to_owner<T>(in, out, size<T>(result));

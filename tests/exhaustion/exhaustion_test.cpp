@@ -154,6 +154,9 @@ template <class T> std::vector<Row<T>> rows() {
          return fir(&r.real, &r.result, &r.real, &r.complex) < 0 ? -1 : fir(&r.complex, &r.result, &r.real, &r.complex);
        }},
       {"deci", [](R r) { return TWIN_OF(d, deci)(&r.complex, &r.complex, 2, &r.result); }},
+      {"sfir", [](R r) { return TWIN_OF(d, sfir)(&r.complex, &r.complex, &r.real, &r.result); }},
+      {"sfir_deci", [](R r) { return TWIN_OF(d, sfir_deci)(&r.real, &r.real, &r.complex, 3, &r.result, nullptr); }},
+      {"hwfilt", [](R r) { return TWIN_OF(d, hwfilt)(&r.complex, &r.complex, 102, 3, &r.result); }},
       {"rsmp",
        [](R r) {
          if (TWIN_OF(i, zpad)(&r.result, 26) < 0 || TWIN_OF(c, rsmp)(&r.result, 2U) < 0) return -1;
