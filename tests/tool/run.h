@@ -6,6 +6,7 @@
 #include <stdlib.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -57,6 +58,7 @@ class Tool : public ::testing::Test {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(directory_ / "work"))
       names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
     return names;
   }
 
@@ -92,6 +94,27 @@ class Tool : public ::testing::Test {
     waitpid(child, &status, 0);
     posix_spawn_file_actions_destroy(&actions);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(out), contents(err)};
+  }
+
+  struct Refusal {
+    std::vector<std::string> arguments;
+    int status;
+    const char* message;
+    std::string input = {};
+  };
+  // Each ends with its status and one line that says so, prints nothing else and leaves no file.
+  void expect_refusals(const std::vector<Refusal>& refusals) const {
+    const std::vector<std::string> before = files();
+    for (const Refusal& refusal : refusals) {
+      const Outcome outcome = run(refusal.arguments, refusal.input);
+      EXPECT_EQ(outcome.status, refusal.status) << refusal.message << outcome.err;
+      EXPECT_NE(outcome.err.find(refusal.message), std::string::npos)
+          << "got: " << outcome.err << "want: " << refusal.message;
+      EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome.err;
+      EXPECT_EQ(outcome.err.substr(0, 8), "sigvex: ");
+      EXPECT_EQ(outcome.out, "") << refusal.message;
+    }
+    EXPECT_EQ(files(), before);
   }
 
   // The result of a run that must succeed, as JSON.

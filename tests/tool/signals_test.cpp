@@ -41,15 +41,12 @@ TEST_F(Signals, AFilterRemovesOneOfTwoTonesAndKeepsThePlaceOfTheOther) {
 
 TEST_F(Signals, RefusalsNameTheArgumentAndLeaveNothing) {
   const std::string from = record("in.dsp", sine(100, 0.1, 1), 0.001);
-  const auto refused = [&](std::vector<std::string> arguments, const char* message) {
-    const Outcome outcome = run(arguments);
-    EXPECT_EQ(outcome.status, 2) << message;
-    EXPECT_NE(outcome.err.find(message), std::string::npos) << outcome.err;
-  };
-  refused({"filter", from, path("o.dsp"), "--design", "low-pass", "--cutoff", "501"}, "must be above 0 to 500 Hz");
-  refused({"resample", from, path("o.dsp"), "--ratio", "0"}, "--ratio '0': must be 0.001 to 1000");
-  refused({"generate", "cosine", path("o.dsp"), "--rate", "9", "--points", "9"}, "--frequency is required");
-  EXPECT_EQ(files().size(), 1u);
+  const std::string o = path("o.dsp");
+  expect_refusals({
+      {{"filter", from, o, "--design", "low-pass", "--cutoff", "501"}, 2, "must be above 0 to 500 Hz"},
+      {{"resample", from, o, "--ratio", "0"}, 2, "--ratio '0': must be 0.001 to 1000"},
+      {{"generate", "cosine", o, "--rate", "9", "--points", "9"}, 2, "--frequency is required"},
+  });
 }
 
 }  // namespace

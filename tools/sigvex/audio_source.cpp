@@ -51,8 +51,8 @@ class AudioSource : public Source {
       for (size_t c = 0; c < width_; ++c) pick_.push_back(c);
     else pick_.push_back(channel(o.channel ? o.channel : 1, "--channel"));
     if (!o.imag.empty()) {
-      pick_.push_back(channel(to_number(o.imag).value_or(0), "--imag"));
-      info_.complex = true;
+      pick_.push_back(channel(to_number(o.imag).value_or(0), o.pair ? "--with" : "--imag"));
+      info_.complex = !o.pair;
     }
     info_.channels = pick_.size();
   }

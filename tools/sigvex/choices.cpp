@@ -36,6 +36,11 @@ uint64_t whole_number(const std::string& text, const char* option, double least)
   return static_cast<uint64_t>(*number);
 }
 
+void refuse_both_on_stdout(const std::string& plot, const std::string& format, const std::string& output) {
+  if (plot == "-" && (output.empty() || output == "-") && format != "table")
+    throw UsageError("--plot - and --format " + format + " would both fill the standard output: give --output FILE");
+}
+
 CLI::Option* add_plot_option(CLI::App& command, const char* name, std::string& file, const std::string& text) {
   return command.add_option(name, file, text + ": FILE.png or FILE.svg (needs gnuplot), or - in the terminal")
       ->type_name("FILE|-")

@@ -6,6 +6,7 @@
 namespace sigvex_tool {
 
 void add_spectrum(CLI::App& program);
+void add_correlate(CLI::App& program);
 void add_info(CLI::App& program);
 void add_convert(CLI::App& program);
 void add_generate(CLI::App& program);

@@ -164,7 +164,7 @@ class CsvSource : public Source {
           columns_.push_back(c);
     if (!o.imag.empty()) {
       columns_.push_back(column(o.imag));
-      info_.complex = true;
+      info_.complex = !o.pair;
     }
     if (o.channel > 0) throw UsageError("--channel is for audio and vector files; " + o.file + " is CSV: use --column");
     if (columns_[0] == 0) time_ = -1;

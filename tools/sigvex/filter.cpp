@@ -131,7 +131,7 @@ void run_filter(Options& o) {
   const SourceInfo& info = source->info();
   const std::vector<double> taps = taps_of(o, info);
   OutputFile picture(o.plot);
-  if (!o.plot.empty() && !in_terminal) plot_file(response(taps, o, info), picture);
+  if (!o.plot.empty() && !in_terminal) plot_file({response(taps, o, info)}, picture);
   if (filters)
     process(
         *source, kBlockFrames, info.delta,
@@ -141,8 +141,7 @@ void run_filter(Options& o) {
           return stages;
         },
         o.output);
-  constexpr size_t kRows = 16;
-  if (in_terminal) picture.write(plot_text(response(taps, o, info), terminal_columns(), kRows));
+  if (in_terminal) picture.write(plot_text(response(taps, o, info), terminal_columns(), kPlotRows));
   picture.commit();
 }
 

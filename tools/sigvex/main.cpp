@@ -63,6 +63,7 @@ int run(int argc, char** argv) {
       "A recording is a WAV, FLAC, OGG or CSV file, a vector record or \"#DSP\" text; '-' reads the standard input.\n"
       "Exit status: 0 success, 1 the data are at fault, 2 the command line is.");
   sigvex_tool::add_spectrum(program);
+  sigvex_tool::add_correlate(program);
   sigvex_tool::add_info(program);
   sigvex_tool::add_convert(program);
   sigvex_tool::add_generate(program);

@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "text.h"
+
 namespace sigvex_tool {
 namespace {
 
@@ -98,6 +100,32 @@ void OutputFile::commit() {
   if (closed != 0 || std::rename(temporary_.c_str(), target_.c_str()) != 0) fail();
   forget(temporary_);
   temporary_.clear();
+}
+
+std::string csv_cell(const std::string& text) {
+  if (text.find_first_of(",\"") == text.npos) return text;
+  std::string out(1, '"');
+  for (char c : text) out.append(c == '"' ? 2 : 1, c);
+  out += '"';
+  return out;
+}
+
+void write_csv(OutputFile& out, const std::vector<std::string>& names,
+               const std::vector<const std::vector<double>*>& columns) {
+  std::string line;
+  for (const std::string& name : names) {
+    if (!line.empty()) line += ',';
+    line += csv_cell(name);
+  }
+  out.write(line + "\n");
+  for (size_t k = 0; k < columns[0]->size(); ++k) {
+    line.clear();
+    for (const auto* column : columns) {
+      if (!line.empty()) line += ',';
+      append_number(line, (*column)[k]);
+    }
+    out.write(line += '\n');
+  }
 }
 
 bool is_vector_format(const std::string& name) {

@@ -37,6 +37,13 @@ class OutputFile {
 // The renderings of a vector that the library writes, by name: dsp, binary, gnuplot, trace, summary.
 bool is_vector_format(const std::string& name);
 
+// A cell of a CSV file, in quotes where it needs them.
+std::string csv_cell(const std::string& text);
+
+// Writes columns of numbers under their names, as CSV.
+void write_csv(OutputFile& out, const std::vector<std::string>& names,
+               const std::vector<const std::vector<double>*>& columns);
+
 // Writes the vector in such a format, with DSP_FILE_NO_HEADER or DSP_FILE_NO_DATA a part of it; single narrows it
 // first.
 void write_vector(OutputFile& out, const Vector<double>& vector, const std::string& format, bool single,

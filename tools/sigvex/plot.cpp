@@ -20,33 +20,39 @@ extern char** environ;
 namespace sigvex_tool {
 namespace {
 
-// More points than a picture has columns are shown by the largest of each column, so that no line is lost.
-Curve thinned(const Curve& curve, size_t columns) {
-  if (curve.x.size() <= columns) return curve;
-  Curve thin = curve;
-  thin.x.assign(columns, 0);
-  thin.y.assign(columns, 0);
+// More points than a picture has columns are shown by the largest of each column, so that no line is lost; where
+// `lowest` is set, by the smallest too.
+Curve thinned(const Curve& curve, size_t columns, bool lowest) {
   const size_t n = curve.x.size();
+  if (n <= columns) return curve;
+  Curve thin = curve;
+  thin.x.clear();
+  thin.y.clear();
   for (size_t c = 0; c < columns; ++c) {
     const auto first = curve.y.begin() + static_cast<ptrdiff_t>(c * n / columns);
     const auto last = curve.y.begin() + static_cast<ptrdiff_t>((c + 1) * n / columns);
-    const auto top = std::max_element(first, last);
-    thin.y[c] = *top;
-    thin.x[c] = curve.x[static_cast<size_t>(top - curve.y.begin())];
+    const auto [low, high] = std::minmax_element(first, last);
+    for (const auto y : {std::min(low, high), std::max(low, high)})
+      if (lowest || y == high) {
+        thin.y.push_back(*y);
+        thin.x.push_back(curve.x[static_cast<size_t>(y - curve.y.begin())]);
+        if (low == high) break;
+      }
   }
   return thin;
 }
 
-bool drawable(const Curve& curve, double y) { return std::isfinite(y) && (!curve.logarithmic || y > 0); }
+bool drawable(const Curve& curve, double y) { return std::isfinite(y) && (curve.axis != Curve::Logarithmic || y > 0); }
 
-// Lowest and highest value to show: at most eight decades, or 160 dB, below the highest.
 std::pair<double, double> limits(const Curve& curve) {
   double low = HUGE_VAL, high = -HUGE_VAL;
   for (double y : curve.y)
     if (drawable(curve, y)) low = std::min(low, y), high = std::max(high, y);
-  if (low > high) return {curve.logarithmic ? 0.1 : 0, 1};
-  if (curve.logarithmic) return {std::max(low, high * 1e-8), high * 2};
-  return {std::max(low, high - 160), high + 3};
+  if (low > high) return {curve.axis == Curve::Logarithmic ? 0.1 : 0, 1};
+  if (curve.axis == Curve::Logarithmic) return {std::max(low, high * 1e-8), high * 2};
+  if (curve.axis == Curve::Decibels) return {std::max(low, high - 160), high + 3};
+  const double margin = high > low ? 0.05 * (high - low) : 0.5 * std::max(std::fabs(high), 1e-300);
+  return {std::min(low - margin, 0.0), high + margin};
 }
 
 std::string escaped(const std::string& text) {
@@ -59,12 +65,12 @@ std::string escaped(const std::string& text) {
   return out;
 }
 
-std::string script(const Curve& curve, const std::string& terminal, const std::string& file) {
+std::string script(const Curve& curve) {
   const auto [low, high] = limits(curve);
-  std::string s = "set terminal " + terminal + "\nset output \"" + escaped(file) + "\"\n";
-  s += "set title \"" + escaped(curve.title) + "\" noenhanced\nset xlabel \"" + escaped(curve.x_label) +
-       "\" noenhanced\nset ylabel \"" + escaped(curve.y_label) + "\" noenhanced\nset grid\nunset key\n";
-  if (curve.logarithmic) s += "set logscale y\nset format y \"%g\"\n";
+  std::string s = "set title \"" + escaped(curve.title) + "\" noenhanced\nset xlabel \"" + escaped(curve.x_label) +
+                  "\" noenhanced\nset ylabel \"" + escaped(curve.y_label) + "\" noenhanced\nset grid\nunset key\n";
+  s += curve.axis == Curve::Logarithmic ? "set logscale y\nset format y \"%g\"\n" : "unset logscale y\n";
+  s += "unset label\n";
   s += format("set xrange [%.17g:%.17g]\nset yrange [%.17g:%.17g]\n", curve.x.front(), curve.x.back(), low, high);
   for (const Curve::Mark& mark : curve.marks)
     s += format("set label \"%s\" at %.17g,%.17g offset 0.6,0.3 point pointtype 7 pointsize 0.5 noenhanced\n",
@@ -72,7 +78,7 @@ std::string script(const Curve& curve, const std::string& terminal, const std::s
   s += "plot '-' with lines linewidth 1 linecolor rgb \"#1f4e9e\"\n";
   for (size_t k = 0; k < curve.x.size(); ++k)
     if (drawable(curve, curve.y[k])) s += format("%.9g %.9g\n", curve.x[k], curve.y[k]);
-  return s + "e\nunset output\n";
+  return s + "e\n";
 }
 
 void run_gnuplot(const std::string& commands) {
@@ -101,16 +107,20 @@ void run_gnuplot(const std::string& commands) {
 // The level that a text row of the plot stands for counts from 0 at the bottom to 1 at the top.
 double height(const Curve& curve, double y, double low, double high) {
   if (!drawable(curve, y)) return 0;
-  const double h = curve.logarithmic ? std::log(y / low) / std::log(high / low) : (y - low) / (high - low);
+  const double h =
+      curve.axis == Curve::Logarithmic ? std::log(y / low) / std::log(high / low) : (y - low) / (high - low);
   return std::clamp(h, 0.0, 1.0);
 }
 
 }  // namespace
 
-void plot_file(const Curve& curve, OutputFile& picture) {
+void plot_file(const std::vector<Curve>& curves, OutputFile& picture) {
   const bool svg = picture.name().ends_with(".svg");
   const char* terminal = svg ? "svg size 960,480 background \"white\"" : "pngcairo size 960,480";
-  run_gnuplot(script(thinned(curve, 4000), terminal, picture.path()));
+  std::string s = std::string("set terminal ") + terminal + "\nset output \"" + escaped(picture.path()) + "\"\n";
+  if (curves.size() > 1) s += format("set multiplot layout 1,%zu\n", curves.size());
+  for (const Curve& curve : curves) s += script(thinned(curve, 4000, curve.axis == Curve::Linear));
+  run_gnuplot(s + (curves.size() > 1 ? "unset multiplot\n" : "") + "unset output\n");
 }
 
 bool terminal_is_utf8() {
@@ -132,12 +142,13 @@ std::string plot_text(const Curve& curve, size_t columns, size_t rows) {
   const bool blocks = terminal_is_utf8();
   constexpr size_t kLabel = 11;
   const size_t width = columns - kLabel - 2;
-  const Curve thin = thinned(curve, width);
+  const Curve thin = thinned(curve, width, false);
   const auto [low, high] = limits(thin);
   std::string out = curve.y_label + "\n";
   for (size_t row = rows; row-- > 0;) {
     const double share = (static_cast<double>(row) + 0.5) / static_cast<double>(rows);
-    const double level = curve.logarithmic ? low * std::pow(high / low, share) : low + share * (high - low);
+    const double level =
+        curve.axis == Curve::Logarithmic ? low * std::pow(high / low, share) : low + share * (high - low);
     const std::string label =
         row % 4 == 0 || row + 1 == rows ? format("%*.4g", static_cast<int>(kLabel), level) : std::string(kLabel, ' ');
     out += label + (blocks ? " \u2502" : " |");

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "choices.h"
 #include "errors.h"
 #include "source.h"
 #include "text.h"
@@ -74,24 +75,30 @@ class RecordSource : public Source {
  public:
   RecordSource(File file, const InputOptions& options, bool text) {
     info_.name = options.file;
-    const int wanted = std::max(1, options.channel);
+    const int first = std::max(1, options.channel);
+    const int second = options.pair ? static_cast<int>(whole_number(options.imag, "--with", 1)) : first;
+    const int wanted = std::max(first, second);
     Header header;
+    Vector<double> passed;
     for (int record = 1; record <= wanted; ++record) {
       const long start = std::ftell(file.get());
       if (!text) header = binary_header(file.get());
-      const int32_t status = dspf_fread(&vector_, file.get());
+      Vector<double>& into = record == first ? vector_ : record == second ? beside_ : passed;
+      const int32_t status = dspf_fread(&into, file.get());
       if (status == 0)
-        throw DataError(info_.name + format(": --channel %d, but the file holds %d record%s", wanted, record - 1,
+        throw DataError(info_.name + format(": %s %d, but the file holds %d record%s",
+                                            wanted > first ? "--with" : "--channel", wanted, record - 1,
                                             record == 2 ? "" : "s"));
       if (status < 0) fail(file.get(), info_.name, text, record, start, header);
     }
+    if (options.pair) pair_up(first, second);
     if (text) header.single = declares_single(file.get());
     info_.kind = text ? "\"#DSP\" text"
                       : format("vector record, %s precision, %s byte order", header.single ? "single" : "double",
                                header.swapped ? "foreign" : "native");
     info_.delta = vector_.delta;
     info_.complex = vector_.complex != 0;
-    info_.channels = info_.complex ? 2 : 1;
+    info_.channels = (info_.complex ? 2 : 1) * (options.pair ? 2 : 1);
     info_.single = header.single;
     info_.frames = static_cast<uint64_t>(vector_.points);
   }
@@ -104,21 +111,30 @@ class RecordSource : public Source {
     return text.find("#DSP type = 4\n") != text.npos;
   }
 
-  size_t fetch(double* out, size_t frames) override {
-    const size_t count = std::min(frames * info_.channels, vector_.scalars() - next_);
-    std::copy_n(vector_.data + next_, count, out);
-    next_ += count;
-    return count / info_.channels;
+  void pair_up(int first, int second) {
+    if (first == second) check(dsp_copy(&beside_, &vector_), "the second record");
+    if (beside_.points != vector_.points || !beside_.complex != !vector_.complex || beside_.delta != vector_.delta)
+      throw DataError(info_.name + format(": records %d and %d differ in length, form or spacing", first, second));
   }
 
-  Vector<double> vector_;
+  size_t fetch(double* out, size_t frames) override {
+    const size_t values = info_.complex ? 2 : 1;
+    const size_t count = std::min(frames, static_cast<size_t>(vector_.points) - next_);
+    for (size_t k = next_; k < next_ + count; ++k)
+      for (const Vector<double>* v : {&vector_, &beside_})
+        if (v == &vector_ || info_.channels > values) out = std::copy_n(v->data + k * values, values, out);
+    next_ += count;
+    return count;
+  }
+
+  Vector<double> vector_, beside_;  // the second of a pair
   size_t next_ = 0;
 };
 
 }  // namespace
 
 std::unique_ptr<Source> open_record(File file, const InputOptions& options, bool text) {
-  if (!options.imag.empty())
+  if (!options.imag.empty() && !options.pair)
     throw UsageError(
         "--imag is for CSV columns and audio channels; a vector file says itself "
         "whether it is complex");

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "rows.h"
 #include "text.h"
 
 namespace sigvex_tool {
@@ -59,34 +60,6 @@ std::string heading(const Measurement& m) {
   return text + ", " + detrend_name(m.analysis.detrend) + (s.single ? ", single precision\n\n" : "\n\n");
 }
 
-class Rows {
- public:
-  void add(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
-  // Columns as wide as their widest cell; numbers to the right, the rest to the left.
-  std::string text() const {
-    std::string out;
-    std::vector<size_t> width;
-    for (const auto& row : rows_)
-      for (size_t c = 0; c < row.size(); ++c) {
-        width.resize(std::max(width.size(), row.size()));
-        width[c] = std::max(width[c], row[c].size());
-      }
-    for (const auto& row : rows_) {
-      std::string line;
-      for (size_t c = 0; c < row.size(); ++c) {
-        const std::string blanks(width[c] - row[c].size(), ' ');
-        const bool right = c == 0 || c == 1 || c == 3 || c == 5;
-        line += (c ? (right ? "  " : " ") : "") + (right ? blanks + row[c] : row[c] + blanks);
-      }
-      out += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
-    }
-    return out;
-  }
-
- private:
-  std::vector<std::vector<std::string>> rows_;
-};
-
 // One pattern for all levels of a table: the weakest shown with three digits, or all with an exponent if that is too
 // wide.
 std::string level_pattern(const Measurement& m, const Levels& levels) {
@@ -115,7 +88,7 @@ std::string table(const Measurement& m, const Levels& levels) {
   const std::string hz = m.source.frequency_unit();
   std::string text = heading(m);
   const std::string pattern = level_pattern(m, levels);
-  Rows rows;
+  Rows rows("rrlrlrl");
   rows.add({"peak", "frequency", "", "level", "", "over", "noise"});
   for (size_t k = 0; k < m.lines.size(); ++k) add_row(rows, m, levels, pattern, format("%zu", k + 1), m.lines[k], "");
   for (const Line& h : m.harmonics)

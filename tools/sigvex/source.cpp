@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "choices.h"
 #include "errors.h"
 #include "progress.h"
 #include "text.h"
@@ -214,10 +215,14 @@ std::unique_ptr<Source> open_source(const InputOptions& options) {
 
   InputOptions named = options;
   named.file = name;
+  const bool audio = is_audio(head), record = is_record(head), text = is_dsp_text(head);
+  if (!options.part.empty()) {
+    named.column = audio || record || text ? "" : options.part;
+    named.channel = audio || record || text ? static_cast<int>(whole_number(options.part, "--with", 1)) : 0;
+  }
   std::unique_ptr<Source> source;
-  if (is_audio(head)) source = open_audio(std::move(file), named);
-  else if (is_record(head)) source = open_record(std::move(file), named, false);
-  else if (is_dsp_text(head)) source = open_record(std::move(file), named, true);
+  if (audio) source = open_audio(std::move(file), named);
+  else if (record || text) source = open_record(std::move(file), named, text);
   else if (head.find('\0') != head.npos)
     throw DataError(name + ": byte 1: neither text nor a vector record nor an audio file");
   else source = open_csv(std::move(file), named);

@@ -21,6 +21,8 @@ struct InputOptions {
   std::optional<double> to, rate, delta;
   std::string unit, time_unit;
   bool all_channels = false;  // what convert wants unless the user picks one
+  std::string part;           // channel, record or column, whichever the file has, in place of those two
+  bool pair = false;          // `imag` is a second signal beside the first, not its imaginary part
 };
 
 // Adds FILE and every option above to a command.

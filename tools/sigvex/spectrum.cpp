@@ -63,6 +63,18 @@ void write_spectrum(OutputFile& out, const Measurement& m, const Levels& levels,
   write_vector(out, vector, format, m.spectrum.single);
 }
 
+// The band shown, with its frequencies.
+void write_table(OutputFile& out, const Measurement& m, const Levels& levels) {
+  const std::vector<double> all = levels.all(m.spectrum);
+  std::vector<double> frequency, level;
+  for (size_t k = m.band.first; k <= m.band.last; ++k) {
+    frequency.push_back(m.spectrum.frequency(static_cast<double>(k)));
+    level.push_back(all[k]);
+  }
+  write_csv(out, {"frequency (" + m.source.frequency_unit() + ")", "level (" + levels.description() + ")"},
+            {&frequency, &level});
+}
+
 Curve curve_of(const Measurement& m, const Levels& levels, bool db) {
   Curve curve;
   const std::vector<double> all = levels.all(m.spectrum);
@@ -73,7 +85,7 @@ Curve curve_of(const Measurement& m, const Levels& levels, bool db) {
   curve.title = m.source.name;
   curve.x_label = m.source.frequency_unit();
   curve.y_label = levels.description();
-  curve.logarithmic = !db;
+  curve.axis = db ? Curve::Decibels : Curve::Logarithmic;
   for (const Line& line : m.lines)
     if (line.clear && curve.marks.size() < 5)
       curve.marks.push_back({line.frequency, levels.of(line.power, m.spectrum.stands_alone(line.bin)),
@@ -88,8 +100,7 @@ void run_spectrum(const Options& o) {
   m.scale = o.scale;
   if (o.from_hz && o.to_hz && *o.from_hz > *o.to_hz) throw UsageError("--from-hz must not be above --to-hz");
   const bool to_stdout = o.output.empty() || o.output == "-";
-  if (o.plot == "-" && to_stdout && o.format != "table")
-    throw UsageError("--plot - and --format " + o.format + " would both fill the standard output: give --output FILE");
+  refuse_both_on_stdout(o.plot, o.format, o.output);
 
   const std::unique_ptr<Source> source = open_source(o.input);
   m.source = source->info();
@@ -106,13 +117,13 @@ void run_spectrum(const Options& o) {
   const Levels levels(m.spectrum, scale_of(o.scale), o.db, m.source);
   const bool in_terminal = o.plot == "-";
   OutputFile out(o.output), picture(in_terminal ? "-" : o.plot);
-  if (!o.plot.empty() && !in_terminal) plot_file(curve_of(m, levels, o.db), picture);
+  if (!o.plot.empty() && !in_terminal) plot_file({curve_of(m, levels, o.db)}, picture);
   if (o.format == "table") out.write(table(m, levels));
   else if (o.format == "json") out.write(json(m, levels));
+  else if (o.format == "csv") write_table(out, m, levels);
   else write_spectrum(out, m, levels, o.format);
   if (in_terminal) {
-    constexpr size_t kRows = 16;
-    picture.write((to_stdout ? "\n" : "") + plot_text(curve_of(m, levels, o.db), terminal_columns(), kRows));
+    picture.write((to_stdout ? "\n" : "") + plot_text(curve_of(m, levels, o.db), terminal_columns(), kPlotRows));
   }
   out.commit();
   picture.commit();
@@ -200,9 +211,10 @@ void add_spectrum(CLI::App& program) {
   command->add_option("--to-hz", o->to_hz, "Highest frequency to look at")->type_name("F")->group(result);
   command
       ->add_option("--format", o->format,
-                   "table or json: peaks and noise floor; dsp (\"#DSP\" text), binary, gnuplot, trace, "
+                   "table or json: peaks and noise floor; csv: frequency and level of each bin; dsp (\"#DSP\" text), "
+                   "binary, gnuplot, trace, "
                    "summary: the whole spectrum as a vector")
-      ->check(CLI::IsMember({"table", "json", "dsp", "binary", "gnuplot", "trace", "summary"}))
+      ->check(CLI::IsMember({"table", "json", "csv", "dsp", "binary", "gnuplot", "trace", "summary"}))
       ->capture_default_str()
       ->type_name("FORMAT")
       ->group(result);

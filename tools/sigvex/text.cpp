@@ -19,6 +19,13 @@ std::string format(const char* pattern, ...) {
   return text;
 }
 
+void append_number(std::string& text, double value, bool single) {
+  char digits[40];
+  const auto end = single ? std::to_chars(digits, digits + sizeof digits, static_cast<float>(value)).ptr
+                          : std::to_chars(digits, digits + sizeof digits, value).ptr;
+  text.append(digits, end);
+}
+
 std::string_view trimmed(std::string_view text) {
   const char* blank = " \t\r\n";
   const size_t first = text.find_first_not_of(blank);

@@ -13,6 +13,9 @@ namespace sigvex_tool {
 // The number that the whole of the text is (spaces around it and a leading + allowed), or nothing.
 std::optional<double> to_number(std::string_view text);
 
+// Appends the shortest decimal that reads back as the same value, of single or double precision.
+void append_number(std::string& text, double value, bool single = false);
+
 std::string_view trimmed(std::string_view text);
 bool equal_ignoring_case(std::string_view a, std::string_view b);
 

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <vector>
@@ -24,25 +23,10 @@ constexpr Suffix kSuffixes[] = {{".dsp", "binary"},  {".bin", "binary"}, {".txt"
                                 {".trace", "trace"}, {".trc", "trace"},  {".json", "json"},       {".wav", "wav"},
                                 {".flac", "flac"},   {".ogg", "ogg"}};
 
-// The shortest decimal that reads back as the same value.
-void append_number(std::string& text, double x, bool single) {
-  char digits[40];
-  const auto end = single ? std::to_chars(digits, digits + sizeof digits, static_cast<float>(x)).ptr
-                          : std::to_chars(digits, digits + sizeof digits, x).ptr;
-  text.append(digits, end);
-}
-
 std::string label(const SourceInfo& info, size_t c) {
   if (c < info.labels.size()) return info.labels[c];
   if (info.complex) return c == 0 ? "real" : "imaginary";
   return info.channels > 1 ? format("channel %zu", c + 1) : "value";
-}
-
-std::string csv_cell(const std::string& text) {
-  if (text.find_first_of(",\"") == text.npos) return text;
-  std::string out = "\"";
-  for (char c : text) out += c == '"' ? "\"\"" : std::string(1, c);
-  return out + "\"";
 }
 
 // The first column is the time, so that the file carries its spacing.

@@ -1,0 +1,166 @@
+#include <complex>
+#include <random>
+
+#include "run.h"
+
+namespace sigvex_test {
+namespace {
+
+using Json = nlohmann::json;
+using Complex = std::complex<double>;
+using Signal = std::vector<Complex>;
+
+struct Row {
+  std::vector<std::string> options;
+  // Of the sum of products at a lag with that many pairs: n and m points, energies e and f.
+  double (*scale)(double pairs, double n, double m, double energies);
+  bool circular = false, mean_removed = false;
+};
+
+class Correlate : public Tool {
+ protected:
+  std::string store(const std::string& name, const Signal& x, bool pairs) const {
+    std::vector<double> values;
+    for (Complex z : x) {
+      values.push_back(z.real());
+      if (pairs) values.push_back(z.imag());
+    }
+    return record(name, values, 0.25, pairs);
+  }
+  static Signal noise(size_t points, bool pairs, std::mt19937& random) {
+    std::normal_distribution<double> normal(0.5, 1);
+    Signal x(points);
+    for (Complex& z : x) z = {normal(random), pairs ? normal(random) : 0};
+    return x;
+  }
+  Json correlate(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), "correlate");
+    arguments.insert(arguments.end(), {"--format", "json"});
+    const Outcome outcome = run(arguments);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    return outcome.status == 0 ? outcome.json() : Json();
+  }
+};
+
+// By the sums themselves: unequal lengths, real with complex, one block and several.
+TEST_F(Correlate, EveryLagIsTheScaledSumOfItsProducts) {
+  std::mt19937 random(5);
+  const Row rows[] = {
+      {{"--scale", "sum", "--detrend", "none"}, [](double, double, double, double) { return 1.0; }},
+      {{"--scale", "sum"}, [](double, double, double, double) { return 1.0; }, false, true},
+      {{"--scale", "mean", "--detrend", "none"}, [](double, double n, double m, double) { return 1 / std::min(n, m); }},
+      {{"--scale", "mean", "--detrend", "none", "--unbiased"}, [](double p, double, double, double) { return 1 / p; }},
+      {{}, [](double, double, double, double e) { return 1 / e; }, false, true},
+      {{"--unbiased"}, [](double p, double n, double m, double e) { return std::min(n, m) / p / e; }, false, true},
+      {{"--circular"}, [](double, double, double, double e) { return 1 / e; }, true, true}};
+  struct Size {
+    size_t a, b;
+    long reach;
+    bool pairs;
+  };
+  for (const Size& size : {Size{50, 70, 80, false}, {71, 40, 9, true}, {64, 64, 40, false}, {140001, 140001, 3, false}})
+    for (const Row& row : rows) {
+      if (row.circular && size.a != size.b) continue;
+      Signal a = noise(size.a, false, random), b = noise(size.b, size.pairs, random);
+      std::vector<std::string> arguments = {"correlate",
+                                            store("a.dsp", a, false),
+                                            store("b.dsp", b, size.pairs),
+                                            "--format",
+                                            "binary",
+                                            "--output",
+                                            path("r"),
+                                            "--max-lag",
+                                            std::to_string(0.25 * static_cast<double>(size.reach))};
+      arguments.insert(arguments.end(), row.options.begin(), row.options.end());
+      const Outcome outcome = run(arguments);
+      ASSERT_EQ(outcome.status, 0) << outcome.err;
+      const Vec<double> v = read_record(path("r"));
+
+      const long n = static_cast<long>(size.a), m = static_cast<long>(size.b);
+      double energies = 1;
+      for (Signal* x : {&a, &b}) {
+        Complex mean = std::accumulate(x->begin(), x->end(), Complex(0)) / static_cast<double>(x->size());
+        double energy = 0;
+        for (Complex& z : *x) energy += std::norm(z -= row.mean_removed ? mean : 0);
+        energies *= std::sqrt(energy);
+      }
+      const long first = row.circular ? std::max(-size.reach, 1 - n / 2) : std::max(-size.reach, 1 - n);
+      const long last = row.circular ? std::min(size.reach, n / 2) : std::min(size.reach, m - 1);
+      ASSERT_EQ(v->points, last - first + 1);
+      EXPECT_EQ(v->delta, 0.25);
+      for (long lag = first; lag <= last; ++lag) {
+        Complex sum = 0;
+        double pairs = 0;
+        for (long j = 0; j < n; ++j)
+          if (row.circular || (j + lag >= 0 && j + lag < m)) {
+            sum += std::conj(a[static_cast<size_t>(j)]) * b[static_cast<size_t>((j + lag + m) % m)];
+            ++pairs;
+          }
+        sum *= row.scale(pairs, static_cast<double>(n), static_cast<double>(m), energies);
+        const size_t k = static_cast<size_t>(lag - first);
+        // Two transforms of 2^16 points: some 20 roundings of the root of the energies.
+        const double tolerance =
+            1e-13 * energies * row.scale(pairs, static_cast<double>(n), static_cast<double>(m), energies);
+        ASSERT_NEAR(v[size.pairs ? 2 * k : k], sum.real(), tolerance) << lag;
+        ASSERT_NEAR(size.pairs ? v[2 * k + 1] : 0, sum.imag(), tolerance) << lag;
+      }
+    }
+}
+
+// A sum of tones below 0.4 of the rate, shifted by a part of a sample: found between the samples, the same way from two
+// files, two columns, two channels and two records, also through a pipe.
+TEST_F(Correlate, ADelayIsFoundBetweenTheSamples) {
+  std::mt19937 random(6);
+  std::uniform_real_distribution<double> uniform(0, 1);
+  std::vector<double> a(4000), b(4000);
+  for (int tone = 0; tone < 300; ++tone) {
+    const double f = 0.4 * uniform(random), phase = 6 * uniform(random);
+    for (size_t k = 0; k < a.size(); ++k) {
+      a[k] += std::cos(2 * M_PI * f * static_cast<double>(k) + phase);
+      b[k] += std::cos(2 * M_PI * f * (static_cast<double>(k) - 12.3) + phase);
+    }
+  }
+  std::string csv = "one,other\n";
+  for (size_t k = 0; k < a.size(); ++k) csv += std::to_string(a[k]) + "," + std::to_string(b[k]) + "\n";
+  const std::string table = write("two.csv", csv), one = record("a.dsp", a, 1e-3), other = record("b.dsp", b, 1e-3);
+  ASSERT_EQ(run({"convert", table, path("two.wav"), "--rate", "1000"}).status, 0);
+  const std::string records = write("both", contents(one) + contents(other));
+  const std::vector<std::string> rows[] = {{one, other},
+                                           {table, "--with", "other", "--rate", "1000"},
+                                           {table, table, "--with", "2", "--delta", "1e-3"},
+                                           {path("two.wav"), "--with", "2"},
+                                           {records, "--with", "2"},
+                                           {one, path("two.wav"), "--with", "2"}};
+  for (std::vector<std::string> row : rows) {
+    row.insert(row.end(), {"--max-lag", "1", "--peaks", "1"});
+    const Json peak = correlate(row)["peaks"][0];
+    EXPECT_NEAR(peak["lag"], 0.0123, 5e-6) << row[0];  // a two-hundredth of a sample: the ends of the recording
+    EXPECT_GT(peak["value"], 0.99);
+  }
+  const Outcome piped =
+      run({"correlate", "-", "--with", "2", "--channel", "1", "--peaks", "1"}, contents(path("two.wav")));
+  EXPECT_NE(piped.out.find("standard input, 1 with 2: 4000 points"), std::string::npos) << piped.out << piped.err;
+  EXPECT_NE(piped.out.find("0.0123"), std::string::npos) << piped.out;
+  // Of itself: its period, not the lag 0.
+  const std::string period = record("p.dsp", sine(5000, 1 / 33.25, 1), 1e-3);
+  EXPECT_NEAR(correlate({period, "--min-lag", "0.02"})["peaks"][0]["samples"], 33.25, 0.05);
+  const std::string rows_of = run({"correlate", one, "--max-lag", "0.001", "--format", "csv"}).out;
+  EXPECT_TRUE(rows_of.starts_with("lag (s),coefficient\n0,") && rows_of.find("\n0.001,") != rows_of.npos) << rows_of;
+  EXPECT_EQ(run({"correlate", one, "--plot", path("c.svg")}).status, 0);
+  EXPECT_NE(contents(path("c.svg")).find("</svg>"), std::string::npos);
+}
+
+TEST_F(Correlate, WhatDoesNotFitIsRefused) {
+  const std::string a = record("a.dsp", {1, 2, 3, 4}, 1), b = record("b.dsp", {1, 2, 3, 4}, 0.5),
+                    c = record("c.dsp", {1, 2}, 1);
+  expect_refusals({{{"correlate", a, b}, 1, "b.dsp: its samples are 0.5 s apart, those of"},
+                   {{"correlate", a, c, "--circular"}, 1, "have 4 and 2 points, but must be periods of one length"},
+                   {{"correlate", "-", "-"}, 2, "the standard input cannot be both recordings"},
+                   {{"correlate", a, "--with", "2"}, 1, "--with 2, but the file holds 1 record"},
+                   {{"correlate", a, "--unbiased", "--circular"}, 2, "--unbiased is for"},
+                   {{"correlate", a, "--max-lag", "1e12"}, 2, "--max-lag 1e+12: must be 0 to 6.71089e+07 s"},
+                   {{"correlate", a, "--format", "json", "--plot", "-"}, 2, "would both fill the standard output"}});
+}
+
+}  // namespace
+}  // namespace sigvex_test
