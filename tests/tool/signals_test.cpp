@@ -21,10 +21,20 @@ TEST_F(Signals, AToneKeepsFrequencyAndLevelThroughEveryRate) {
   succeed({"generate", "cosine", path("a.wav"), "--rate", "1000", "--seconds", "140", "--frequency", "50.5",
            "--amplitude", "0.5"});
   succeed({"resample", path("a.wav"), path("b.wav"), "--to-rate", "441"});
+  succeed({"resample", path("a.wav"), path("d.wav"), "--to-rate", "441", "--set", "3"});
   succeed({"decimate", path("a.wav"), path("c.csv"), "--factor", "4", "--filter"});
   expect_tone("a.wav", 50.5, 0.5, 1e-6);
-  expect_tone("b.wav", 50.5, 0.5, 0.5 * 0.03);  // the kernel is flat within 0.26 dB
+  expect_tone("b.wav", 50.5, 0.5, 1e-6);
+  expect_tone("d.wav", 50.5, 0.5, 0.5 * 0.03);  // the kernel is flat within 0.26 dB
   expect_tone("c.csv", 50.5, 0.5, 1e-4);
+}
+
+TEST_F(Signals, ResamplingKeepsThePlaceAndTheExactCount) {
+  const std::string from = record("in.dsp", sine(1080, 0.03, 1), static_cast<double>(1.0F / 360));
+  const nlohmann::json samples = run({"resample", from, "-", "--format", "json", "--to-rate", "250"}).json()["samples"];
+  ASSERT_EQ(samples.size(), 750u);
+  const std::vector<double> expected = sine(750, 0.03 * 1.44, 1);
+  for (size_t k = 200; k < 550; ++k) ASSERT_NEAR(samples[k], expected[k], 1e-7) << k;
 }
 
 TEST_F(Signals, AFilterRemovesOneOfTwoTonesAndKeepsThePlaceOfTheOther) {

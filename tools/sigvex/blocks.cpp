@@ -6,15 +6,12 @@
 #include "progress.h"
 
 namespace sigvex_tool {
-namespace {
 
 void append_zeros(Vector<double>& v, size_t count) {
   Vector<double> zeros(count, v.complex != 0);
   std::fill_n(zeros.data, zeros.scalars(), 0.0);
   check(dsp_append(&v, &zeros), "the last samples");
 }
-
-}  // namespace
 
 void for_each_block(Source& source, size_t frames, const std::function<void(std::vector<double>&)>& take) {
   const SourceInfo& info = source.info();

@@ -30,6 +30,8 @@ using Stages = std::vector<std::unique_ptr<Stage>>;
 void process(Source& source, size_t frames, double delta, const std::function<Stages()>& stages,
              const OutputOptions& output);
 
+void append_zeros(Vector<double>& v, size_t count);
+
 // A filter of at most kBlockFrames taps whose delay of (N-1)/2 samples, rounded down, is taken out: as many samples
 // come out as went in, each in its place.
 class FilterStage : public Stage {
