@@ -43,10 +43,13 @@ template <class T, class F> Status combine_padded(const Vector<T>& a, const Vect
   if (points<T>(a) == points<T>(b)) return combine<T>(a, b, result, f);
   const bool pad_a = points<T>(a) < points<T>(b);
   const Vector<T>&shorter = pad_a ? a : b, &longer = pad_a ? b : a;
+  const int32_t complex = a.complex || b.complex;
+  const size_t need = scalars(longer.points, complex);
+  if (!fits(need)) return size_result<T>(a, b, points<T>(longer), complex, result);  // refused before any padding
   Scratch<T> padded;
   SIGVEX_TRY(dsp::copy<T>(padded, shorter));
   SIGVEX_TRY(dspi::zpad<T>(padded, longer.points));
-  leave_to_owner<T>(shorter, result, scalars(longer.points, a.complex || b.complex));
+  leave_to_owner<T>(shorter, result, need);
   return pad_a ? combine<T>(padded, b, result, f) : combine<T>(a, padded, result, f);
 }
 

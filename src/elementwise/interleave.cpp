@@ -16,6 +16,8 @@ namespace {
 template <class T, class F>
 Status weave(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t complex, Vector<T>& result, F put) {
   const size_t need = n * (complex ? 2 : 1);
+  leave_to_owner<T>(a, result, need);
+  leave_to_owner<T>(b, result, need);
   if (endangered<T>(a, result, need) || endangered<T>(b, result, need)) {
     Scratch<T> x, y;
     SIGVEX_TRY(dsp::copy<T>(x, a));
@@ -24,8 +26,6 @@ Status weave(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t complex, 
   }
   const T delta = a.delta * T(0.5);
   const size_t given = points<T>(a);  // the result may be an input
-  leave_to_owner<T>(a, result, need);
-  leave_to_owner<T>(b, result, need);
   if (!fits(need)) return exhausted<T>(result);
   const bool shared = result.data == a.data || result.data == b.data;
   SIGVEX_TRY(shared ? size_result<T>(a, b, n, complex, result) : reshape<T>(result, n, complex));

@@ -56,6 +56,8 @@ template <class T> struct Placement {
             {"the result is a complex view of it", [](V& own, V*& x, V*&, V*&) { view(own, *x), own->complex = 1; }},
             {"the result lies inside it", [](V& own, V*& x, V*&, V*&) { view(own, *x, 1), own->points = 4; }},
             {"the result is a copy of its record", [](V& own, V*& x, V*&, V*&) { *own.get() = *x->get(); }},
+            {"the result is a copy of its record, the other lies inside",
+             [](V& own, V*& x, V*& y, V*&) { (*x)->points = 4, *own.get() = *x->get(), view(*y, *x, 1); }},
             {"it views the result", [](V& own, V*& x, V*&, V*&) { own = *x, view(*x, own); }},
             {"it lies inside the result", [](V& own, V*& x, V*&, V*&) {
                std::vector<T> longer = x->samples();
