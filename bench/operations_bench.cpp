@@ -149,6 +149,30 @@ void polynomials() {
   }
 }
 
+// Sixteen points that enclose the samples, which come to them in no order.
+template <class T> Record<T>* sixteen() {
+  static T abscissae[] = {0,     T(.1), T(.2),  T(.25), T(.3), T(.4), T(.5),  T(.55),
+                          T(.6), T(.7), T(.75), T(.8),  T(.9), 1,     T(1.1), T(1.2)};
+  static Record<T> table{1, abscissae, 0, 16, 0, 0};
+  return &table;
+}
+
+template <class T, class Interp, class Spline, class Spline2d>
+void tables(const std::string& prefix, Interp interp, Spline spline, Spline2d spline_2d) {
+  constexpr const char* kModes[] = {"nearest", "linear", "cubic"};
+  for (uint32_t mode = DSP_INTERP_NEAREST; mode <= DSP_INTERP_CUBIC; ++mode) {
+    add<T>(prefix + "_interp/" + kModes[mode], Form::kReal,
+           [=](Record<T>* a, Record<T>* b) { return interp(sixteen<T>(), sixteen<T>(), a, b, mode); });
+  }
+  add<T>(prefix + "_cspline", Form::kReal,
+         [=](Record<T>* a, Record<T>* b) { return spline(sixteen<T>(), sixteen<T>(), a, b, DSP_SPLINE_NOT_A_KNOT); });
+  static T values[256];
+  static Record<T> surface{1, values, 0, 256, 0, 0};
+  add<T>(prefix + "b_cspline_2d", Form::kReal, [=](Record<T>* a, Record<T>* b) {
+    return spline_2d(a, a, b, sixteen<T>(), sixteen<T>(), &surface, DSP_SPLINE_NOT_A_KNOT);
+  });
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -158,6 +182,8 @@ int main(int argc, char** argv) {
   sequence();
   statistics();
   polynomials();
+  tables<double>("dsp", dsp_interp, dsp_cspline, dspb_cspline_2d);
+  tables<float>("dspf", dspf_interp, dspf_cspline, dspfb_cspline_2d);
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
   benchmark::RunSpecifiedBenchmarks();

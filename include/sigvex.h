@@ -2150,6 +2150,79 @@ DSP_API int32_t dspfh_rsmp_get_settle_pts(const dspf_rsmp_coef *coef, const dspf
                                           int32_t *points);
 
 /* ------------------------------------------------------------------------------------------------------------------
+ * Interpolation and splines
+ *
+ * Common to the operations on tables (interp, cspline, cspline_2d):
+ *   table    abscissae x, finite and strictly increasing, and the values y, real or complex, at them. Complex values are
+ *            interpolated part by part. The values at abscissae of the table are returned exactly
+ *   places   real, in any order; in rising order each takes constant time, else up to the logarithm of the table's length.
+ *            NaN gives NaN
+ *   sizes    the points of the places; form of the values
+ *   delta    of the places
+ *   alias    the result may be any of the inputs, or share storage with one
+ *   twin     everything is computed in double and rounded once
+ *   fails    x complex, not finite, not strictly increasing or not as long as y; complex places; a mode that is not defined;
+ *            a place outside the table, or NaN, where the mode is strict; an empty table, unless there is no place either
+ *            (all of these: result untouched); storage
+ * ------------------------------------------------------------------------------------------------------------------ */
+
+/** How dsp_interp interpolates, and a flag. */
+enum {
+  DSP_INTERP_NEAREST = 0,   /**< the value at the nearest abscissa, half-way at the upper one */
+  DSP_INTERP_LINEAR = 1,    /**< the chord */
+  DSP_INTERP_CUBIC = 2,     /**< a cubic between each two points that keeps the shape: monotone where the table is, without
+                                 overshoot, its slope continuous (Fritsch and Carlson, SIAM J. Numer. Anal. 17, 238-246,
+                                 1980; slopes of Fritsch and Butland, 1984, at the ends three-point ones). 2 points: the chord */
+  DSP_INTERP_STRICT = 0x100 /**< refuse places outside the table; without it the first and the last value are held there */
+};
+
+/**
+ * Interpolates a table. A value that is not finite spoils no more than the intervals near it: its own two, and with
+ * DSP_INTERP_CUBIC the next on either side.
+ *   params   x: abscissae; null: 0, delta, 2 delta ... of y, whose delta must be above 0 if it has two points
+ *            xi, yi: places and result
+ *            mode: one of DSP_INTERP_*, and possibly DSP_INTERP_STRICT
+ */
+DSP_API int32_t dsp_interp (const dsp_vector  *x, const dsp_vector  *y, const dsp_vector  *xi, dsp_vector  *yi,
+                            uint32_t mode);
+DSP_API int32_t dspf_interp(const dspf_vector *x, const dspf_vector *y, const dspf_vector *xi, dspf_vector *yi,
+                            uint32_t mode);
+
+/** The ends of cubic splines, and a flag. */
+enum {
+  DSP_SPLINE_NATURAL = 0,     /**< second derivative 0 at both ends */
+  DSP_SPLINE_CLAMPED = 1,     /**< first derivative 0 at both ends */
+  DSP_SPLINE_NOT_A_KNOT = 2,  /**< one cubic in the first two intervals, one in the last two: exact for cubics; 3 points make
+                                   a parabola, 2 a straight line */
+  DSP_SPLINE_STRICT = 0x100   /**< refuse places outside the table; without it the outermost cubics continue there */
+};
+
+/**
+ * Cubic spline through a table: continuous up to the second derivative. 1 point makes a constant; 2 points a straight line,
+ * or, clamped, the cubic that is level at both. A value that is not finite spoils the whole spline.
+ *   params   x, xi, yi: as in dsp_interp
+ *            end: one of DSP_SPLINE_*, and possibly DSP_SPLINE_STRICT
+ */
+DSP_API int32_t dsp_cspline (const dsp_vector  *x, const dsp_vector  *y, const dsp_vector  *xi, dsp_vector  *yi,
+                             uint32_t end);
+DSP_API int32_t dspf_cspline(const dspf_vector *x, const dspf_vector *y, const dspf_vector *xi, dspf_vector *yi,
+                             uint32_t end);
+
+/**
+ * Bicubic spline through a rectangular grid, at the places (xi[k], yi[k]): the product of the splines along x and along y.
+ *   params   xi, yi: equally many; both may lie in any order
+ *            x, y: abscissae of the columns and of the rows; 1 of either makes the surface constant in that direction
+ *            surface: row by row, the value at (x[i], y[j]) at index j * (points of x) + i
+ *            end: as in dsp_cspline, for both directions
+ *   delta    of xi
+ *   fails    unequal points of xi and yi; surface does not have as many points as x times y
+ */
+DSP_API int32_t dspb_cspline_2d (const dsp_vector  *xi, const dsp_vector  *yi, dsp_vector  *result,
+                                 const dsp_vector  *x, const dsp_vector  *y, const dsp_vector  *surface, uint32_t end);
+DSP_API int32_t dspfb_cspline_2d(const dspf_vector *xi, const dspf_vector *yi, dspf_vector *result,
+                                 const dspf_vector *x, const dspf_vector *y, const dspf_vector *surface, uint32_t end);
+
+/* ------------------------------------------------------------------------------------------------------------------
  * Vector files
  * ------------------------------------------------------------------------------------------------------------------ */
 

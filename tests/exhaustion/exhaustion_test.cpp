@@ -186,6 +186,19 @@ template <class T> std::vector<Row<T>> rows() {
          return TWIN_OF(s, pcsolve)(&r.real, &r.complex, &r.result);
        }},
       {"pztoc", [](R r) { return TWIN_OF(i, pztoc)(&r.real); }},
+      {"interp", [](R r) { return TWIN_OF(, interp)(nullptr, &r.complex, &r.real, &r.real, 2U); }},
+      {"cspline", [](R r) { return TWIN_OF(, cspline)(nullptr, &r.real, &r.real, &r.result, 2U); }},
+      {"cspline_2d",
+       [](R r) {
+         Record<T> axis = r.real, row = r.real;  // views: 1 .. 3, and one row
+         T places[] = {1, 2, 3};
+         axis.data = places;
+         axis.points = row.points = 3;
+         axis.allocated = row.allocated = 0;
+         Record<T> one = axis;
+         one.points = 1;
+         return TWIN_OF(b, cspline_2d)(&axis, &axis, &r.result, &axis, &one, &row, 0U);
+       }},
       {"fread", [](R r) { return reads<T>(r, "#DSP points = 3\n#DSP complex = 1\n1 2 3 4 5 6\n"); }},
       {"fwrite2 text", [](R r) { return writes<T>(r, 1); }},
       {"fwrite2 trace", [](R r) { return writes<T>(r, 4); }},
