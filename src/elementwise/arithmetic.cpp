@@ -28,7 +28,7 @@ template <class T> struct TimesI {
 
 template <class T> Status abs(Vector<T>& v) {
   if (v.complex) return kFailure;
-  return each_scalar<T>(v, Magnitude());
+  return each_scalar<T>(v, Absolute());
 }
 
 template <class T> Status neg(Vector<T>& v) {

@@ -5,14 +5,24 @@
 #include "core/exports.h"
 #include "core/limits.h"
 #include "core/scratch.h"
+#include "elementwise/kernels.h"
 #include "elementwise/operations.h"
 #include "elementwise/rules.h"
 
 namespace sigvex::dspi {
 namespace {
 
-// The origin has no direction, whatever the signs of its zeros: 0.
-template <class T> T angle(Point<T> z) { return z.re == 0 && z.im == 0 ? T(0) : std::atan2(z.im, z.re); }
+// Turns a complex vector into a real one: each point gives one sample.
+template <class T> Status to_real(Vector<T>& v, typename MathKernels<T>::Map kernel) {
+  v.complex = 0;
+  kernel(v.data, v.data, points<T>(v));
+  return kSuccess;
+}
+
+template <class T> Status each_point_by(Vector<T>& v, typename MathKernels<T>::Map kernel) {
+  if (v.complex) kernel(v.data, v.data, points<T>(v));
+  return kSuccess;
+}
 
 }  // namespace
 
@@ -39,7 +49,7 @@ template <class T> Status conj(Vector<T>& v) {
 }
 
 template <class T> Status mag(Vector<T>& v) {
-  return v.complex ? each_point_to_real<T>(v, Magnitude()) : each_scalar<T>(v, Magnitude());
+  return v.complex ? to_real<T>(v, math_kernels<T>().magnitude) : each_scalar<T>(v, Absolute());
 }
 
 template <class T> Status magsq(Vector<T>& v) {
@@ -48,21 +58,12 @@ template <class T> Status magsq(Vector<T>& v) {
 
 template <class T> Status phase(Vector<T>& v) {
   if (!v.complex) return each_scalar<T>(v, [](T x) { return x < 0 ? std::numbers::pi_v<T> : T(0); });
-  return each_point_to_real<T>(v, angle<T>);
+  return to_real<T>(v, math_kernels<T>().phase);
 }
 
-template <class T> Status rtop(Vector<T>& v) {
-  if (!v.complex) return kSuccess;
-  return each_point<T>(v, [](Point<T> z) -> Point<T> {
-    const Point<T> c = clamped(z);
-    return {Magnitude()(c), angle(c)};
-  });
-}
+template <class T> Status rtop(Vector<T>& v) { return each_point_by<T>(v, math_kernels<T>().polar); }
 
-template <class T> Status ptor(Vector<T>& v) {
-  if (!v.complex) return kSuccess;
-  return each_point<T>(v, [](Point<T> z) { return rectangular(z.re, z.im); });
-}
+template <class T> Status ptor(Vector<T>& v) { return each_point_by<T>(v, math_kernels<T>().rectangular); }
 
 }  // namespace sigvex::dspi
 

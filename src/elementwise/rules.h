@@ -21,25 +21,10 @@ template <class T> struct TimesComplex {
   Point<T> operator()(Point<T> z) const { return {z.re * re - z.im * im, z.im * re + z.re * im}; }
 };
 
-template <class T> Point<T> rectangular(T magnitude, T angle) {
-  return {magnitude * std::cos(angle), magnitude * std::sin(angle)};
-}
-
-// Negative numbers and NaN have no real root: 0. The complex root is the principal one.
-struct RootOrZero {
-  template <class T> T operator()(T x) const { return x >= 0 ? std::sqrt(x) : T(0); }
-  template <class T> Point<T> operator()(Point<T> z) const {
-    const T r = std::sqrt(bounded(z) ? std::sqrt(magsq(z)) : Limits<T>::huge);
-    if (!(r > 0)) return {0, 0};
-    return rectangular(r, std::atan2(z.im, z.re) / 2);
-  }
-};
-
-struct Magnitude {
+struct Absolute {
   template <class T> T operator()(T x) const {
     return std::abs(x);  // clears the sign bit, of NaN too
   }
-  template <class T> T operator()(Point<T> z) const { return std::hypot(z.re, z.im); }
 };
 
 struct MagsqCapped {
@@ -51,6 +36,14 @@ template <class T> void store(T* samples, size_t k, T x) { samples[k] = x; }
 template <class T> void store(T* points, size_t k, Point<T> z) {
   points[2 * k] = z.re;
   points[2 * k + 1] = z.im;
+}
+
+// y = f(x) for n samples, or points; y may be x.
+template <class T, class F> void map_scalars(const T* x, T* y, size_t n, F f) {
+  for (size_t k = 0; k < n; ++k) y[k] = f(x[k]);
+}
+template <class T, class F> void map_points(const T* x, T* y, size_t n, F f) {
+  for (size_t k = 0; k < n; ++k) store<T>(y, k, f(Point<T>{x[2 * k], x[2 * k + 1]}));
 }
 
 // Spreads n samples into points f(x), from the last to the first: the points may grow over the samples themselves, so

@@ -1,55 +1,29 @@
 // dspi_acos dspi_asin dspi_atan dspi_cos dspi_sin dspi_tan dspi_cosh dspi_sinh dspi_tanh dspi_sinc
-#include <cmath>
-
 #include "core/exports.h"
 #include "core/vector.h"
+#include "elementwise/kernels.h"
 
 namespace sigvex::dspi {
 namespace {
 
-template <class T, class F> Status each_real(Vector<T>& v, F f) { return v.complex ? kFailure : each_scalar<T>(v, f); }
+template <class T> Status each_real(Vector<T>& v, typename MathKernels<T>::Map kernel) {
+  if (v.complex) return kFailure;
+  kernel(v.data, v.data, points<T>(v));
+  return kSuccess;
+}
 
 }  // namespace
 
-template <class T> Status acos(Vector<T>& v) {
-  return each_real<T>(v, [](T x) { return std::abs(x) > 1 ? T(0) : std::acos(x); });
-}
-
-template <class T> Status asin(Vector<T>& v) {
-  return each_real<T>(v, [](T x) { return std::abs(x) > 1 ? T(0) : std::asin(x); });
-}
-
-template <class T> Status atan(Vector<T>& v) {
-  return each_real<T>(v, [](T x) { return std::atan(x); });
-}
-
-template <class T> Status cos(Vector<T>& v) {
-  return each_real<T>(v, [](T x) { return std::cos(x); });
-}
-
-template <class T> Status sin(Vector<T>& v) {
-  return each_real<T>(v, [](T x) { return std::sin(x); });
-}
-
-template <class T> Status tan(Vector<T>& v) {
-  return each_real<T>(v, [](T x) { return std::tan(x); });
-}
-
-template <class T> Status cosh(Vector<T>& v) {
-  return each_real<T>(v, [](T x) { return std::cosh(x); });
-}
-
-template <class T> Status sinh(Vector<T>& v) {
-  return each_real<T>(v, [](T x) { return std::sinh(x); });
-}
-
-template <class T> Status tanh(Vector<T>& v) {
-  return each_real<T>(v, [](T x) { return std::tanh(x); });
-}
-
-template <class T> Status sinc(Vector<T>& v) {
-  return each_real<T>(v, [](T x) { return x == 0 ? T(1) : std::sin(x) / x; });
-}
+template <class T> Status acos(Vector<T>& v) { return each_real<T>(v, math_kernels<T>().acos_or_zero); }
+template <class T> Status asin(Vector<T>& v) { return each_real<T>(v, math_kernels<T>().asin_or_zero); }
+template <class T> Status atan(Vector<T>& v) { return each_real<T>(v, math_kernels<T>().atan); }
+template <class T> Status cos(Vector<T>& v) { return each_real<T>(v, math_kernels<T>().cos); }
+template <class T> Status sin(Vector<T>& v) { return each_real<T>(v, math_kernels<T>().sin); }
+template <class T> Status tan(Vector<T>& v) { return each_real<T>(v, math_kernels<T>().tan); }
+template <class T> Status cosh(Vector<T>& v) { return each_real<T>(v, math_kernels<T>().cosh); }
+template <class T> Status sinh(Vector<T>& v) { return each_real<T>(v, math_kernels<T>().sinh); }
+template <class T> Status tanh(Vector<T>& v) { return each_real<T>(v, math_kernels<T>().tanh); }
+template <class T> Status sinc(Vector<T>& v) { return each_real<T>(v, math_kernels<T>().sinc); }
 
 }  // namespace sigvex::dspi
 

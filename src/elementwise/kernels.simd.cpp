@@ -1,0 +1,93 @@
+#include "elementwise/kernels.h"
+
+#define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "elementwise/kernels.simd.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include "elementwise/arc-inl.h"
+#include "elementwise/circular-inl.h"
+#include "elementwise/exponential-inl.h"
+#include "elementwise/hyperbolic-inl.h"
+#include "elementwise/logarithm-inl.h"
+#include "elementwise/points-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace sigvex::elementwise {
+namespace HWY_NAMESPACE {
+
+template <class T, V (*function)(V)> void map(const T* x, T* y, size_t n) {
+  each_sample(x, y, n, [](V at) HWY_ATTR { return function(at); });
+}
+template <class T, Points (*function)(Points)> void map_points(const T* x, T* y, size_t n) {
+  each_point(x, y, n, [](Points z) HWY_ATTR { return function(z); });
+}
+template <class T, V (*function)(V, V)> void map_to_real(const T* x, T* y, size_t n) {
+  each_point_to_real(x, y, n, [](Points z) HWY_ATTR { return function(z.re, z.im); });
+}
+
+template <class T> void db(const T* x, T* y, size_t n, T factor) {
+  each_sample(x, y, n, [by = set(factor)](V at) HWY_ATTR { return by * log10_or_floor<T>(at); });
+}
+template <class T> void db_of_points(const T* x, T* y, size_t n, T factor) {
+  each_point(x, y, n, [by = set(factor)](Points z) HWY_ATTR { return db_of_point<T>(z, by); });
+}
+
+template <class T> HWY_INLINE V phase(V re, V im) { return angle<T>(im, re); }
+template <class T> HWY_INLINE Points exp_of_point(Points z) { return rectangular<T>(exp_capped<T>(z.re), z.im); }
+template <class T> HWY_INLINE Points exp10_of_point(Points z) {
+  return rectangular<T>(exp10_capped<T>(z.re), z.im * set(std::numbers::ln10));
+}
+template <class T> HWY_INLINE Points rectangular_of(Points z) { return rectangular<T>(z.re, z.im); }
+
+template <class T> const MathKernels<T>* kernels() {
+  static constexpr MathKernels<T> table = {
+      .sin = map<T, sin<T>>,
+      .cos = map<T, cos<T>>,
+      .tan = map<T, tan<T>>,
+      .sinc = map<T, sinc<T>>,
+      .atan = map<T, atan<T>>,
+      .sinh = map<T, sinh<T>>,
+      .cosh = map<T, cosh<T>>,
+      .tanh = map<T, tanh<T>>,
+      .asin_or_zero = map<T, asin_or_zero<T>>,
+      .acos_or_zero = map<T, acos_or_zero<T>>,
+      .exp_capped = map<T, exp_capped<T>>,
+      .exp10_capped = map<T, exp10_capped<T>>,
+      .root_or_zero = map<T, root_or_zero<T>>,
+      .log_or_floor = map<T, log_or_floor<T>>,
+      .db = db<T>,
+      .exp_of_points = map_points<T, exp_of_point<T>>,
+      .exp10_of_points = map_points<T, exp10_of_point<T>>,
+      .log_of_points = map_points<T, log_of_point<T>>,
+      .root_of_points = map_points<T, root_of_point<T>>,
+      .db_of_points = db_of_points<T>,
+      .phase = map_to_real<T, phase<T>>,
+      .magnitude = map_to_real<T, hypot<T>>,
+      .polar = map_points<T, polar<T>>,
+      .rectangular = map_points<T, rectangular_of<T>>,
+  };
+  return &table;
+}
+const MathKernels<double>* kernels_double() { return kernels<double>(); }
+const MathKernels<float>* kernels_float() { return kernels<float>(); }
+
+}  // namespace HWY_NAMESPACE
+}  // namespace sigvex::elementwise
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace sigvex {
+namespace elementwise {
+HWY_EXPORT(kernels_double);
+HWY_EXPORT(kernels_float);
+const MathKernels<double>& best(double) { return *HWY_DYNAMIC_DISPATCH(kernels_double)(); }
+const MathKernels<float>& best(float) { return *HWY_DYNAMIC_DISPATCH(kernels_float)(); }
+}  // namespace elementwise
+
+template <> const MathKernels<double>& math_kernels<double>() { return elementwise::best(0.0); }
+template <> const MathKernels<float>& math_kernels<float>() { return elementwise::best(0.0F); }
+
+}  // namespace sigvex
+#endif
