@@ -1295,13 +1295,13 @@ DSP_API int32_t dspfb_corr(const dspf_vector *a, const dspf_vector *b, dspf_vect
 
 /*
  * For all statistics. They read v and give one point; n is the number of v's points.
- *   sizes    result: 1 point, in the form of v where said so, else real; the histogram: its bins
+ *   sizes    result: 1 point, in the form of v where said so, else real; the histogram its bins, the regression its values
  *   delta    result's is left as it was, but for the histogram
  *   alias    v and result may be one record or share storage
  *   sums     in blocks of 2048 points: each block sum starts at 0.0 and runs in order, and the finished block sums are
  *            added to the total in order, so every bit of a result is defined
  *   clamped  brought into +-huge; NaN gives -huge
- *   fails    storage; nothing fails for want of points
+ *   fails    storage; nothing but a regression fails for want of points
  */
 
 /**
@@ -1441,6 +1441,49 @@ DSP_API int32_t dspfs_excess(const dspf_vector *v, dspf_vector *result);
  */
 DSP_API int32_t dsps_hist (const dsp_vector  *v, dsp_vector  *result, double lo, double width, int32_t bins);
 DSP_API int32_t dspfs_hist(const dspf_vector *v, dspf_vector *result, double lo, double width, int32_t bins);
+
+/**
+ * Straight line y = a + b x through n points by least squares (N. R. Draper, H. Smith, "Applied Regression Analysis",
+ * chapter 1), with all that is usually asked of it. Two points have no deviation to judge them by: what rests on s is
+ * unbounded then. A ratio over a deviation of 0 is huge with the sign of its numerator, and 0 if that is 0.
+ * mx and my are the means, Sxx, Syy and Sxy the sums of (x - mx)^2, (y - my)^2 and (x - mx)(y - my), all about the means
+ * and in double in both precisions; t is what |Student's t| of n - 2 degrees of freedom stays below with probability 0.95.
+ *   result    0  a = my - b mx, the intercept
+ *             1  b = Sxy / Sxx, the slope
+ *             2  standard error of a: sa = s sqrt(1 / n + mx^2 / Sxx); n = 2: huge
+ *             3  standard error of b: sb = s / sqrt(Sxx); n = 2: huge
+ *             4  correlation: r = Sxy / sqrt(Sxx Syy); 0 where all y are alike
+ *             5  determination: r^2
+ *             6  residual standard deviation: s = sqrt(sum of (y - a - b x)^2 / (n - 2)); n = 2: huge
+ *             7  t value of a: a / sa; n = 2: 0
+ *             8  t value of b: b / sb; n = 2: 0
+ *             9  F value: b Sxy / s^2, of 1 and n - 2 degrees of freedom; n = 2: 0
+ *            10  mean of x: mx
+ *            11  mean of y: my
+ *            12  standard deviation of x: sqrt(Sxx / (n - 1))
+ *            13  standard deviation of y: sqrt(Syy / (n - 1))
+ *            14  covariance: Sxy / (n - 1)
+ *            15  lower 95 % bound of a: a - t sa; n = 2: -huge
+ *            16  upper 95 % bound of a: a + t sa; n = 2: huge
+ *            17  lower 95 % bound of b: b - t sb; n = 2: -huge
+ *            18  upper 95 % bound of b: b + t sb; n = 2: huge
+ *            19  n (a float is exact to 16777216)
+ *   params   x: may be null; x is then 0, delta, 2 delta ... with y's delta. Nothing is clamped: a NaN or an infinity makes
+ *            what depends on it NaN
+ *   sizes    result: 20 real points
+ *   alias    the result may be x or y, or share storage with one
+ *   fails    a complex input, unequal point counts, fewer than 2 points, x all alike (result untouched); storage
+ */
+DSP_API int32_t dsps_lin_regres2 (const dsp_vector  *x, const dsp_vector  *y, dsp_vector  *result);
+DSP_API int32_t dspfs_lin_regres2(const dspf_vector *x, const dspf_vector *y, dspf_vector *result);
+
+/**
+ * The first two values of dsps_lin_regres2: intercept and slope.
+ *   sizes    result: 2 real points
+ *   params, alias, fails  as dsps_lin_regres2
+ */
+DSP_API int32_t dsps_lin_regres (const dsp_vector  *x, const dsp_vector  *y, dsp_vector  *result);
+DSP_API int32_t dspfs_lin_regres(const dspf_vector *x, const dspf_vector *y, dspf_vector *result);
 
 /* ------------------------------------------------------------------------------------------------------------------
  * Peak search

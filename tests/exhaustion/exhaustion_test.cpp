@@ -138,6 +138,7 @@ template <class T> std::vector<Row<T>> rows() {
       {"cscale into another", [](R r) { return TWIN_OF(u, cscale)(&r.real, &r.result, T(1), T(2)); }},
       {"median", [](R r) { return TWIN_OF(s, median)(&r.real, &r.result); }},
       {"samp_stddev", [](R r) { return TWIN_OF(s, samp_stddev)(&r.complex, &r.result); }},
+      {"lin_regres2", [](R r) { return TWIN_OF(s, lin_regres2)(nullptr, &r.real, &r.real); }},
       {"hist into the input", [](R r) { return TWIN_OF(s, hist)(&r.real, &r.real, 0.0, 1.0, 40); }},
       {"peak into the input", [](R r) { return TWIN_OF(s, peak)(&r.complex, &r.complex, 0x100U, 0); }},
       {"cosine window", [](R r) { return TWIN_OF(i, window2)(&r.real, 2U, 0U, T(0)); }},
