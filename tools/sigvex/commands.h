@@ -13,5 +13,6 @@ void add_generate(CLI::App& program);
 void add_filter(CLI::App& program);
 void add_resample(CLI::App& program);
 void add_decimate(CLI::App& program);
+void add_window(CLI::App& program);
 
 }  // namespace sigvex_tool

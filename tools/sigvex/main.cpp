@@ -64,6 +64,7 @@ int run(int argc, char** argv) {
       "Exit status: 0 success, 1 the data are at fault, 2 the command line is.");
   sigvex_tool::add_spectrum(program);
   sigvex_tool::add_correlate(program);
+  sigvex_tool::add_window(program);
   sigvex_tool::add_info(program);
   sigvex_tool::add_convert(program);
   sigvex_tool::add_generate(program);
