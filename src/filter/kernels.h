@@ -14,12 +14,6 @@ template <class T> struct FilterKernels {
   // product with x[j + early[taps - 1]]; the order and y as above.
   void (*convolve_pairs)(const T* x, const size_t* early, const size_t* late, const T* h, size_t h_step, size_t taps,
                          T* y, size_t n);
-
-  // One point, the sum over k < n of w[k] * x[k], each x[k] of width 1 (a sample) or 2 (both parts of a point).
-  void (*weigh)(const T* x, size_t width, const T* w, size_t n, T* y);
-
-  // The same with weights between two tables, w[k] = a[k] + t * (b[k] - a[k]), with the same bits as weigh of those.
-  void (*blend)(const T* x, size_t width, const T* a, const T* b, T t, size_t n, T* y);
 };
 
 template <class T> const FilterKernels<T>& filter_kernels();  // the best for this CPU

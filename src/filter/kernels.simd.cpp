@@ -80,65 +80,8 @@ void convolve_pairs(const T* x, const size_t* early, const size_t* late, const T
   });
 }
 
-// Weights of an interpolation by vectors: as they stand in a table, or between two tables. No fused product, so that
-// the weights are those of scalar code.
-template <class T> struct Table {
-  const T* w;
-  template <class D> HWY_INLINE hn::Vec<D> at(D d, size_t k) const { return hn::LoadU(d, w + k); }
-};
-template <class T> struct Between {
-  const T *a, *b;
-  T t;
-  template <class D> HWY_INLINE hn::Vec<D> at(D d, size_t k) const {
-    const auto low = hn::LoadU(d, a + k);
-    return hn::Add(low, hn::Mul(hn::Set(d, t), hn::Sub(hn::LoadU(d, b + k), low)));
-  }
-};
-
-// As few lanes as the built-in kernels fill. A rest is taken with the last full vector, whose lanes that have had their
-// turn count as zeros, samples and weights both: an infinite sample must not meet a zero weight.
-template <class T, class Weights> HWY_INLINE void weighted_sum(const T* x, const Weights& w, size_t n, T* y) {
-  const hn::CappedTag<T, 8> d;
-  constexpr size_t kLanes = hn::MaxLanes(d);
-  auto sum = hn::Zero(d);
-  size_t k = 0;
-  for (; k + kLanes <= n; k += kLanes) sum = hn::MulAdd(hn::LoadU(d, x + k), w.at(d, k), sum);
-  if (k == n) {
-  } else if (n >= kLanes) {
-    const auto done = hn::FirstN(d, k - (n - kLanes));
-    sum = hn::MulAdd(hn::IfThenZeroElse(done, hn::LoadU(d, x + n - kLanes)),
-                     hn::IfThenZeroElse(done, w.at(d, n - kLanes)), sum);
-  } else {
-    const hn::CappedTag<T, 1> one;
-    auto rest = hn::Zero(one);
-    for (; k < n; ++k) rest = hn::MulAdd(hn::LoadU(one, x + k), w.at(one, k), rest);
-    y[0] = hn::GetLane(rest);
-    return;
-  }
-  y[0] = hn::GetLane(hn::SumOfLanes(d, sum));
-}
-
-template <class T, class Weights> HWY_INLINE void weighted_sum_of_points(const T* x, const Weights& w, size_t n, T* y) {
-  const hn::CappedTag<T, 1> one;
-  auto re = hn::Zero(one), im = re;
-  for (size_t k = 0; k < n; ++k) {
-    const auto weight = w.at(one, k);
-    re = hn::MulAdd(hn::LoadU(one, x + 2 * k), weight, re);
-    im = hn::MulAdd(hn::LoadU(one, x + 2 * k + 1), weight, im);
-  }
-  y[0] = hn::GetLane(re);
-  y[1] = hn::GetLane(im);
-}
-
-template <class T> void weigh(const T* x, size_t width, const T* w, size_t n, T* y) {
-  width == 1 ? weighted_sum(x, Table<T>{w}, n, y) : weighted_sum_of_points(x, Table<T>{w}, n, y);
-}
-template <class T> void blend(const T* x, size_t width, const T* a, const T* b, T t, size_t n, T* y) {
-  width == 1 ? weighted_sum(x, Between<T>{a, b, t}, n, y) : weighted_sum_of_points(x, Between<T>{a, b, t}, n, y);
-}
-
 template <class T> const FilterKernels<T>* kernels() {
-  static constexpr FilterKernels<T> table = {convolve<T>, convolve_pairs<T>, weigh<T>, blend<T>};
+  static constexpr FilterKernels<T> table = {convolve<T>, convolve_pairs<T>};
   return &table;
 }
 const FilterKernels<double>* kernels_double() { return kernels<double>(); }

@@ -1,12 +1,11 @@
 // dspd_rsmp dspd_rsmp2
 #include <atomic>
-#include <cmath>
+#include <bit>
 
 #include "core/exports.h"
 #include "core/locks.h"
-#include "filter/kernels.h"
 #include "filter/operations.h"
-#include "filter/resample_position.h"
+#include "filter/resample_kernels.h"
 #include "filter/resample_sets.h"
 #include "filter/state.h"
 
@@ -44,54 +43,53 @@ template <class T> Vector<T> history(const Vector<T>& state) {
   return view;
 }
 
-// One output for each position p: the K points up to the whole part of p, each weighted as apply(x, f, y) does for the
-// fractional part f. x is the oldest of the points.
-template <class T, class Apply>
-Status resample(const Vector<T>& in, Vector<T>& out, size_t length, double ratio, Vector<T>* state, Apply apply) {
+// One output for each position p, made of the K points up to its whole part, with weights for its fraction: by
+// run(x, p, step, y, n) for n of them, where x is the oldest point of an output at position 0.
+template <class T, class Run>
+Status resample(const Vector<T>& in, Vector<T>& out, size_t length, double ratio, Vector<T>* state, Run run) {
   if (!fits(length)) return kFailure;
   if (state) SIGVEX_TRY(prepare_state<T>(*state, length + 2, in));
   const Fixed step = to_fixed(ratio);
-  Fixed p = position<T>(state);
-  const size_t n = points<T>(in), past = length - 1, width = in.complex ? 2 : 1;
+  const Fixed p = position<T>(state);
+  const size_t n = points<T>(in), past = length - 1, head = std::min(past, n), width = in.complex ? 2 : 1;
   out.delta = static_cast<T>(ratio * static_cast<double>(in.delta));
   SIGVEX_TRY(shape<T>(out, outputs(p, step, n), in.complex ? 1 : 0));
   Vector<T> before = state ? history<T>(*state) : Vector<T>{};
   Scratch<T> seam;
-  SIGVEX_TRY(join<T>(seam, state ? &before : nullptr, past, in, std::min(past, n)));
-  T* y = out.data;
-  for (size_t m = points<T>(out); m-- > 0; p += step, y += width) {
-    const size_t newest = whole(p);
-    apply(newest >= past ? in.data + (newest - past) * width : seam.data + newest * width, fraction(p), y);
+  SIGVEX_TRY(join<T>(seam, state ? &before : nullptr, past, in, head));
+  const size_t all = points<T>(out), at_seam = outputs(p, step, head);
+  run(seam.data, p, step, out.data, at_seam);
+  if (all > at_seam) {
+    run(in.data, p + at_seam * step - to_fixed(past), step, out.data + at_seam * width, all - at_seam);
   }
   if (!state) return kSuccess;
   advance<T>(before, in);
-  set_position<T>(*state, p - to_fixed(n));
+  set_position<T>(*state, p + all * step - to_fixed(n));
   return kSuccess;
 }
 
-// The built-in kernels, reordered: for each step between two samples, and for the last step's end, the weights of the K
-// points in the order of the points. Constants once they are built, so that a call neither builds nor locks.
-template <class T> struct WeightRows {
+// The built-in kernels as tables. Constants once they are built, so that a call neither builds nor locks.
+template <class T> struct BuiltIn {
   std::atomic<bool> built;
-  T weights[(kMaxResampleSteps + 1) * kMaxResampleLength];
+  alignas(64) T rows[(kMaxResampleSteps + 2) * kWeightRow];
 };
-template <class T> constinit WeightRows<T> weight_rows[kResampleSets]{};
+template <class T> constinit BuiltIn<T> built_ins[kResampleSets]{};
 
-template <class T> Status build_rows(uint32_t set) {
-  WeightRows<T>& rows = weight_rows<T>[set];
-  if (rows.built.load(std::memory_order_acquire)) return kSuccess;
+template <class T> Status build(uint32_t set) {
+  BuiltIn<T>& table = built_ins<T>[set];
+  if (table.built.load(std::memory_order_acquire)) return kSuccess;
   const WorkLock lock;
-  if (rows.built.load(std::memory_order_relaxed)) return kSuccess;
+  if (table.built.load(std::memory_order_relaxed)) return kSuccess;
   const size_t length = resample_set(set).length(), steps = resample_set(set).steps;
   Scratch<T> kernel;
   kernel.points = static_cast<int32_t>(2 + steps * length);
   SIGVEX_TRY(dspc::rsmp<T>(kernel, set));
   for (size_t row = 0; row <= steps; ++row) {
     for (size_t k = 0; k < length; ++k) {
-      rows.weights[row * length + k] = kernel.data[1 + (length - 1 - k) * steps + row];
+      table.rows[row * kWeightRow + weight_place(k, length)] = kernel.data[1 + (length - 1 - k) * steps + row];
     }
   }
-  rows.built.store(true, std::memory_order_release);
+  table.built.store(true, std::memory_order_release);
   return kSuccess;
 }
 
@@ -139,10 +137,12 @@ Status rsmp(const Vector<T>& in, Vector<T>& out, uint8_t mode, const Vector<T>& 
   return run_block<T>(in, kernel, out, state, [=](const Vector<T>& x, const Vector<T>& g, Vector<T>& y) -> Status {
     Scratch<T> weights;
     SIGVEX_TRY(shape<T>(weights, k, 0));
-    const auto weigh = filter_kernels<T>().weigh;
-    return resample<T>(x, y, k, ratio, state, [&](const T* from, double f, T* to) {
-      read_weights<T>(g, k, mode, f, weights.data);
-      weigh(from, width, weights.data, k, to);
+    const auto weigh = resample_kernels<T>().weigh;
+    return resample<T>(x, y, k, ratio, state, [&](const T* from, Fixed p, Fixed step, T* to, size_t n) {
+      for (; n > 0; --n, p += step, to += width) {
+        read_weights<T>(g, k, mode, fraction(p), weights.data);
+        weigh(from + whole(p) * width, width, weights.data, k, to);
+      }
     });
   });
 }
@@ -150,21 +150,13 @@ Status rsmp(const Vector<T>& in, Vector<T>& out, uint8_t mode, const Vector<T>& 
 template <class T>
 Status rsmp2(const Vector<T>& in, Vector<T>& out, uint8_t mode, uint32_t set, double ratio, Vector<T>* state) {
   if (set >= kResampleSets || !(ratio > 0) || !supports<T>(mode, in)) return kFailure;
-  SIGVEX_TRY(build_rows<T>(set));
-  const size_t length = resample_set(set).length(), width = in.complex ? 2 : 1;
-  const double steps = static_cast<double>(resample_set(set).steps);
-  const T* const rows = weight_rows<T>[set].weights;
-  const FilterKernels<T>& kernels = filter_kernels<T>();
+  SIGVEX_TRY(build<T>(set));
+  const ResampleSet& shape = resample_set(set);
+  const size_t length = shape.length(), width = in.complex ? 2 : 1;
+  const WeightTable<T> table{built_ins<T>[set].rows, length, std::countr_zero(shape.steps)};
   return run_block<T>(in, in, out, state, [&](const Vector<T>& x, const Vector<T>&, Vector<T>& y) -> Status {
-    if (mode == kNearest) {
-      return resample<T>(x, y, length, ratio, state, [&](const T* from, double f, T* to) {
-        kernels.weigh(from, width, rows + static_cast<size_t>(f * steps + 0.5) * length, length, to);
-      });
-    }
-    return resample<T>(x, y, length, ratio, state, [&](const T* from, double f, T* to) {
-      const size_t row = static_cast<size_t>(f * steps);
-      const T* const a = rows + row * length;
-      kernels.blend(from, width, a, a + length, static_cast<T>(f * steps - static_cast<double>(row)), length, to);
+    return resample<T>(x, y, length, ratio, state, [&](const T* from, Fixed p, Fixed step, T* to, size_t n) {
+      resample_kernels<T>().interpolate(table, mode == kLinear, from, width, p, step, to, n);
     });
   });
 }

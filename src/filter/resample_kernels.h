@@ -1,6 +1,9 @@
-// The loops of the streaming resampler: raw arrays and positions, no record, no status. Each CPU target fills one
+// The loops of the resamplers: raw arrays and positions, no record, no status. Each CPU target fills one
 // table.
 #pragma once
+
+#include <cstddef>
+#include <cstdint>
 
 #include "filter/resample_position.h"
 
@@ -17,7 +20,28 @@ template <class T> struct ResampleBank {
 // Scalars that the kernels may read beyond the end of their arrays.
 inline constexpr size_t kResampleSlack = 16;
 
+// A row of a built-in kernel of 8 to 16 points: the weights of the first eight, then those of the last eight, where 0
+// stands for points that are among the first.
+inline constexpr size_t kGroup = 8, kWeightRow = 2 * kGroup;
+inline size_t weight_place(size_t k, size_t length) { return k < kGroup ? k : k + kWeightRow - length; }
+
+// The rows for each of 2^step_bits steps between two samples, for the last step's end and one more of any finite
+// values; on a cache line.
+template <class T> struct WeightTable {
+  const T* rows;
+  size_t length;
+  int step_bits;
+};
+
 template <class T> struct ResampleKernels {
+  // One point, the sum over k < n of w[k] * x[k], each x[k] of width 1 (a sample) or 2 (both parts of a point).
+  void (*weigh)(const T* x, size_t width, const T* w, size_t n, T* y);
+
+  // y[m] for m < n, every output the sum of `length` points of x from the whole part of place + m * step on, with the
+  // weights at its fraction: between two rows, a + t * (b - a), or of the nearest one. The bits of weigh of those.
+  void (*interpolate)(const WeightTable<T>& table, bool linear, const T* x, size_t width, Fixed place, Fixed step, T* y,
+                      size_t n);
+
   // y[m] for m < n, every output the sum over length points of x from the whole part of place + m * step on, weighted
   // by the bank at its fraction. Each of the `parts` rows of x, `part` scalars apart, gives one scalar of a point of y.
   void (*gather)(const ResampleBank<T>& bank, const T* x, size_t part, size_t parts, Fixed place, Fixed step, T* y,

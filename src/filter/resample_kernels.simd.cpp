@@ -14,6 +14,154 @@ namespace sigvex::resample {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
+// Sums of a few samples run in eight lanes on every target, and the lanes are added in pairs: eight outputs at a time
+// in interpolate, one in weigh, with the same bits.
+template <class T> using GroupTag = hn::CappedTag<T, kGroup>;
+
+template <class T> T sum_of_group(const T* l) {
+  return ((l[0] + l[1]) + (l[2] + l[3])) + ((l[4] + l[5]) + (l[6] + l[7]));
+}
+
+// y[k] = the sum of group k, for as many groups as a group has lanes.
+template <class T> HWY_INLINE void sums_of_groups(const T* lanes, T* y) {
+  const GroupTag<T> d;
+  constexpr size_t kLanes = hn::MaxLanes(d);
+  HWY_ALIGN T halves[2 * kGroup];
+  for (size_t k = 0; k < 2 * kGroup; k += kLanes) {
+    hn::Vec<decltype(d)> a, b, c, e;
+    hn::LoadInterleaved4(d, lanes + 4 * k, a, b, c, e);
+    hn::Store(hn::Add(hn::Add(a, b), hn::Add(c, e)), d, halves + k);
+  }
+  for (size_t k = 0; k < kGroup; k += kLanes) {
+    hn::Vec<decltype(d)> a, b;
+    hn::LoadInterleaved2(d, halves + 2 * k, a, b);
+    hn::StoreU(hn::Add(a, b), d, y + k);
+  }
+}
+
+// The first eight points and the last eight; of those the ones that are among the first count as zeros, samples and
+// weights both: an infinite sample must not meet a zero weight.
+template <class T> T weighted_sum(const T* x, const T* w, size_t n) {
+  const GroupTag<T> d;
+  constexpr size_t kLanes = hn::MaxLanes(d);
+  T sum = 0;
+  if (n < kGroup) {
+    for (size_t k = 0; k < n; ++k) sum += x[k] * w[k];
+    return sum;
+  }
+  HWY_ALIGN T lanes[kGroup];
+  const size_t rest = n % kGroup, tail = n - kGroup;
+  for (size_t i = 0; i < kGroup; i += kLanes) {
+    auto lane = hn::Mul(hn::LoadU(d, x + i), hn::LoadU(d, w + i));
+    for (size_t k = kGroup; k + kGroup <= n; k += kGroup) {
+      lane = hn::MulAdd(hn::LoadU(d, x + k + i), hn::LoadU(d, w + k + i), lane);
+    }
+    if (rest > 0) {
+      const auto done = hn::FirstN(d, std::min(kLanes, kGroup - rest > i ? kGroup - rest - i : 0));
+      lane = hn::MulAdd(hn::IfThenZeroElse(done, hn::LoadU(d, x + tail + i)),
+                        hn::IfThenZeroElse(done, hn::LoadU(d, w + tail + i)), lane);
+    }
+    hn::Store(lane, d, lanes + i);
+  }
+  return sum_of_group(lanes);
+}
+
+template <class T> HWY_INLINE T fused(T a, T b, T c) {
+  const hn::CappedTag<T, 1> one;
+  return hn::GetLane(hn::MulAdd(hn::Set(one, a), hn::Set(one, b), hn::Set(one, c)));
+}
+
+// Both parts of a point, weighted by weight(k).
+template <class T, class Weight> HWY_INLINE void weighted_point(const T* x, size_t n, Weight weight, T* y) {
+  T re = 0, im = 0;
+  for (size_t k = 0; k < n; ++k) {
+    const T w = weight(k);
+    re = fused(x[2 * k], w, re);
+    im = fused(x[2 * k + 1], w, im);
+  }
+  y[0] = re;
+  y[1] = im;
+}
+
+template <class T> void weigh(const T* x, size_t width, const T* w, size_t n, T* y) {
+  if (width == 1) y[0] = weighted_sum(x, w, n);
+  else
+    weighted_point(
+        x, n, [w](size_t k) { return w[k]; }, y);
+}
+
+// Where an output's weights stand: in a row, and the part t of the way to the next one.
+template <class T, bool kLinear> class Row {
+ public:
+  HWY_INLINE Row(const WeightTable<T>& table, Fixed place) {
+    constexpr int kDigits = 53;  // those of fraction()
+    const int below = kDigits - table.step_bits;
+    const uint64_t part = static_cast<uint64_t>(place >> (kFractionBits - kDigits)) & ((uint64_t{1} << kDigits) - 1);
+    const uint64_t half = kLinear ? 0 : uint64_t{1} << (below - 1);
+    a_ = table.rows + ((part + half) >> below) * kWeightRow;
+    const int64_t rest = static_cast<int64_t>(part & ((uint64_t{1} << below) - 1));
+    t_ = static_cast<T>(static_cast<double>(rest) / static_cast<double>(int64_t{1} << below));
+  }
+  // No fused product, so that the weights are those of scalar code.
+  template <class D> HWY_INLINE hn::Vec<D> at(D d, size_t k) const {
+    const auto low = hn::Load(d, a_ + k);
+    if constexpr (!kLinear) return low;
+    else return hn::Add(low, hn::Mul(hn::Set(d, t_), hn::Sub(hn::Load(d, a_ + kWeightRow + k), low)));
+  }
+  HWY_INLINE T at(size_t k) const { return kLinear ? a_[k] + t_ * (a_[kWeightRow + k] - a_[k]) : a_[k]; }
+
+ private:
+  const T* a_;
+  T t_;
+};
+
+template <class T, bool kLinear, bool kTail>
+void interpolate_samples(const WeightTable<T>& table, const T* x, Fixed place, Fixed step, T* y, size_t n) {
+  const GroupTag<T> d;
+  constexpr size_t kLanes = hn::MaxLanes(d);
+  const size_t tail = table.length - kGroup, among_first = kWeightRow - table.length;
+  HWY_ALIGN T lanes[kGroup * kGroup] = {};
+  const auto group = [&](size_t i) HWY_ATTR {
+    const Row<T, kLinear> row(table, place);
+    const T* const from = x + whole(place);
+    for (size_t k = 0; k < kGroup; k += kLanes) {
+      auto lane = hn::Mul(hn::LoadU(d, from + k), row.at(d, k));
+      if constexpr (kTail) {
+        const auto done = hn::FirstN(d, among_first > k ? std::min(kLanes, among_first - k) : 0);
+        lane = hn::MulAdd(hn::IfThenZeroElse(done, hn::LoadU(d, from + tail + k)), row.at(d, kGroup + k), lane);
+      }
+      hn::Store(lane, d, lanes + i * kGroup + k);
+    }
+    place += step;
+  };
+  for (; n >= kGroup; n -= kGroup, y += kGroup) {
+    for (size_t i = 0; i < kGroup; ++i) group(i);
+    sums_of_groups(lanes, y);
+  }
+  for (size_t i = 0; i < n; ++i) group(i);
+  for (size_t i = 0; i < n; ++i) y[i] = sum_of_group(lanes + i * kGroup);
+}
+
+template <class T, bool kLinear>
+void interpolate_all(const WeightTable<T>& table, const T* x, size_t width, Fixed place, Fixed step, T* y, size_t n) {
+  if (width == 1) {
+    return table.length == kGroup ? interpolate_samples<T, kLinear, false>(table, x, place, step, y, n)
+                                  : interpolate_samples<T, kLinear, true>(table, x, place, step, y, n);
+  }
+  for (; n > 0; --n, place += step, y += 2) {
+    const Row<T, kLinear> row(table, place);
+    weighted_point(
+        x + 2 * whole(place), table.length, [&](size_t k) { return row.at(weight_place(k, table.length)); }, y);
+  }
+}
+
+template <class T>
+void interpolate(const WeightTable<T>& table, bool linear, const T* x, size_t width, Fixed place, Fixed step, T* y,
+                 size_t n) {
+  if (linear) interpolate_all<T, true>(table, x, width, place, step, y, n);
+  else interpolate_all<T, false>(table, x, width, place, step, y, n);
+}
+
 // The four rows around a place between two samples, and what each counts in the cubic through them.
 template <class T> struct Mix {
   const T* row;
@@ -109,7 +257,7 @@ template <class T> void scatter(const ResampleBank<T>& bank, const T* x, Fixed e
 }
 
 template <class T> const ResampleKernels<T>* kernels() {
-  static constexpr ResampleKernels<T> table = {gather<T>, scatter<T>};
+  static constexpr ResampleKernels<T> table = {weigh<T>, interpolate<T>, gather<T>, scatter<T>};
   return &table;
 }
 const ResampleKernels<double>* kernels_double() { return kernels<double>(); }

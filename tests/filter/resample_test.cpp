@@ -112,14 +112,13 @@ template <class T> void expect_definition(const char* target) {
 
 TYPED_TEST(Resampling, EveryModeAndKernelIsTheDefinition) { for_each_cpu_target(expect_definition<TypeParam>); }
 
-TYPED_TEST(Resampling, BuiltInSetsAreTheirKernelsAndBlocksOfAnySizesGiveTheSameBits) {
-  using T = TypeParam;
+template <class T> void expect_kernels_of_sets(const char* target) {
   for (uint32_t set = 0; set < 5; ++set) {
     Vec<T> kernel = kernel_of<T>(set);
     const size_t length = static_cast<size_t>(kernel[0]);
-    for (const double ratio : {0.91875, 1.0, 2.7, 0.0313, 777.7}) {
+    for (const double ratio : {0.91875, 2.7, 0.0313, 777.7}) {
       for (const unsigned row : {0U, 1U, 3U}) {
-        SCOPED_TRACE(::testing::Message() << set << ' ' << ratio << ' ' << row);
+        SCOPED_TRACE(::testing::Message() << target << ' ' << set << ' ' << ratio << ' ' << row);
         Vec<T> in = noise<T>(2000, row & 2), whole, state{0, 0, 0};
         const uint8_t mode = row & 1;
         const auto run = [&](Vec<T>& x, Vec<T>& y, Vec<T>& s) {
@@ -135,6 +134,10 @@ TYPED_TEST(Resampling, BuiltInSetsAreTheirKernelsAndBlocksOfAnySizesGiveTheSameB
       }
     }
   }
+}
+
+TYPED_TEST(Resampling, BuiltInSetsAreTheirKernelsAndBlocksOfAnySizesGiveTheSameBits) {
+  for_each_cpu_target(expect_kernels_of_sets<TypeParam>);
 }
 
 TYPED_TEST(Resampling, RefusesWhatItCannotDo) {
