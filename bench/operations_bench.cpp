@@ -121,7 +121,7 @@ void sequence() {
   EACH(kBoth, i, swap_halves2)
   EACH(kBoth, i, rev)
   EACH(kBoth, i, sort) EACH(kBoth, i, shuffle) EACH(kBoth, i, differ) EACH(kBoth, i, integ) EACH(kReal, i, unwrap)
-      EACH(kReal, i, unwrap_wnd, 1) EACH(kReal, i, pdiffer) EACH(kReal, i, edge, 0.6, 0.1, 3) EACH(kBoth, i, bitrev)
+      EACH(kReal, i, unwrap_wnd, 1) EACH(kReal, i, pdiffer) EACH(kReal, i, edge, 0.5, 0.125, 3) EACH(kBoth, i, bitrev)
           EACH(kBoth, i, bitrev_scale, 3) EACH(kBoth, i, window, 2, 0) EACH(kReal, i, zpad2, 2 * a->points)
               EACH(kReal, i, unzpad, a->points / 2) EACH(kReal, i, zinter, 2) EACH(kReal, u, zinter, b, 2)
 }
