@@ -43,7 +43,7 @@ template <class T, class F> Status combine_padded(const Vector<T>& a, const Vect
   if (points<T>(a) == points<T>(b)) return combine<T>(a, b, result, f);
   const bool pad_a = points<T>(a) < points<T>(b);
   const Vector<T>&shorter = pad_a ? a : b, &longer = pad_a ? b : a;
-  const int32_t complex = a.complex || b.complex;
+  const bool complex = a.complex || b.complex;
   const size_t need = scalars(longer.points, complex);
   if (!fits(need)) return size_result<T>(a, b, points<T>(longer), complex, result);  // refused before any padding
   Scratch<T> padded;

@@ -53,15 +53,15 @@ namespace sigvex {
 template <class T> T bessel_i0(T x);
 
 // The result preparation shared by the pointwise binary operations and the out-of-place ones: delta the mean of the
-// inputs', points the first input's, form complex if either input is (or the form that is asked for); storage sized, its
-// contents kept where it is shared. The result may be an input record: take its form before, its data after. Where it
-// shares storage with an input without being that record, an owner of that storage keeps it.
+// inputs', points the first input's, form complex if either input is (or the form that is asked for); storage sized,
+// its contents kept where it is shared. The result may be an input record: take its form before, its data after. Where
+// it shares storage with an input without being that record, an owner of that storage keeps it.
 template <class T> Status prepare_result(const Vector<T>& a, const Vector<T>& b, Vector<T>& result);
-template <class T> Status prepare_result(const Vector<T>& a, const Vector<T>& b, int32_t complex, Vector<T>& result);
+template <class T> Status prepare_result(const Vector<T>& a, const Vector<T>& b, bool complex, Vector<T>& result);
 
 // The storage half of it: sizes the result for n points of a form.
 template <class T>
-Status size_result(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t complex, Vector<T>& result);
+Status size_result(const Vector<T>& a, const Vector<T>& b, size_t n, bool complex, Vector<T>& result);
 
 // A result that needs more than the block it shares with an input which owns it becomes a view of that block: the next
 // sizing gives it one of its own.

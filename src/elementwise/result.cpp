@@ -17,7 +17,7 @@ template <class T> void leave_to_owner(const Vector<T>& input, Vector<T>& result
 }
 
 template <class T>
-Status size_result(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t complex, Vector<T>& result) {
+Status size_result(const Vector<T>& a, const Vector<T>& b, size_t n, bool complex, Vector<T>& result) {
   const bool on_a = starts_with<T>(result, a), on_b = starts_with<T>(result, b);
   if (!on_a && !on_b) return shape<T>(result, n, complex);
   // Not more than an input holds, whatever form another record over its storage was left with.
@@ -29,7 +29,7 @@ Status size_result(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t com
   return dsp::realloc<T>(result, result.points, old_complex);
 }
 
-template <class T> Status prepare_result(const Vector<T>& a, const Vector<T>& b, int32_t complex, Vector<T>& result) {
+template <class T> Status prepare_result(const Vector<T>& a, const Vector<T>& b, bool complex, Vector<T>& result) {
   const size_t n = points<T>(a);
   if (n != points<T>(b)) return kFailure;
   result.delta = (a.delta + b.delta) * T(0.5);
@@ -47,11 +47,11 @@ template <class T> bool endangered(const Vector<T>& input, const Vector<T>& resu
   return input.allocated <= 0 && count(result.allocated) < need;  // viewed, and about to move
 }
 
-#define SIGVEX_INSTANTIATE(T)                                                                      \
-  template void leave_to_owner<T>(const Vector<T>&, Vector<T>&, size_t);                           \
-  template Status size_result<T>(const Vector<T>&, const Vector<T>&, size_t, int32_t, Vector<T>&); \
-  template Status prepare_result<T>(const Vector<T>&, const Vector<T>&, int32_t, Vector<T>&);      \
-  template Status prepare_result<T>(const Vector<T>&, const Vector<T>&, Vector<T>&);               \
+#define SIGVEX_INSTANTIATE(T)                                                                   \
+  template void leave_to_owner<T>(const Vector<T>&, Vector<T>&, size_t);                        \
+  template Status size_result<T>(const Vector<T>&, const Vector<T>&, size_t, bool, Vector<T>&); \
+  template Status prepare_result<T>(const Vector<T>&, const Vector<T>&, bool, Vector<T>&);      \
+  template Status prepare_result<T>(const Vector<T>&, const Vector<T>&, Vector<T>&);            \
   template bool endangered<T>(const Vector<T>&, const Vector<T>&, size_t);
 SIGVEX_INSTANTIATE(double)
 SIGVEX_INSTANTIATE(float)

@@ -48,6 +48,10 @@ TYPED_TEST(Copies, GetTheInPlaceResultWhereverTheResultLies) {
       expect_same(fresh, expected);
       expect_same(used, expected);
       expect_same(source, original);
+      source->complex *= 5;  // any value but 0 means complex; what a destination gets is 1
+      EXPECT_EQ(copy.operation(source, fresh), 0);
+      expect_same(fresh, expected);
+      source->complex = complex;
       EXPECT_EQ(copy.operation(source, source), 0);
       expect_same(source, expected);
       for (const size_t apart : {0, 1, 2, 5, 64, 65, 66, 69}) {  // and with room from 64 on
