@@ -1,6 +1,8 @@
 #include "core/locks.h"
 
+#include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <system_error>
@@ -49,8 +51,25 @@ void leave(int lock) {
 
 }  // namespace detail
 
+constinit InUse::Slot InUse::slots_[kSlots + 1] = {};
+
+InUse::Slot* InUse::taken_elsewhere() {
+  static constinit std::atomic<uint32_t> threads{0};
+  if (thread_number_ == 0) thread_number_ = ++threads;
+  for (uint32_t k = 0; k < kSlots; ++k) {
+    Slot& slot = slots_[(thread_number_ + k) % kSlots];
+    if (slot.running.exchange(1) == 0) return &slot;
+  }
+  ++slots_[kSlots].running;
+  return &slots_[kSlots];
+}
+
+bool InUse::none() {
+  return std::all_of(std::begin(slots_), std::end(slots_), [](const Slot& slot) { return slot.running == 0; });
+}
+
 void InUse::wait_for_none() {
-  for (std::chrono::milliseconds pause{6}; running_ != 0; ++pause) std::this_thread::sleep_for(pause);
+  for (std::chrono::milliseconds pause{6}; !none(); ++pause) std::this_thread::sleep_for(pause);
 }
 
 }  // namespace sigvex

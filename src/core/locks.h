@@ -34,25 +34,50 @@ template <int Lock> class LockGuard {
 using TableLock = LockGuard<0>;  // twiddle and permutation tables, plans: held only while looking up or building
 using WorkLock = LockGuard<1>;   // every other cache and the random source: held for the whole operation
 
-// Counts a transform that runs on tables taken out of the caches of the table lock. Count up while holding that lock;
-// never wait for the lock while counted, because a release holds it and waits for the count.
+// Counts a transform that runs on tables taken out of the caches of the table lock. Either hold that lock, or count up
+// first and look for the table then: a release takes the tables out of sight before it waits for the count. Never wait
+// for the lock while counted, because the release holds it.
+//
+// Each thread counts in a slot of its own line of memory, so that threads that transform at once do not wait for each
+// other. A slot that is taken, by a thread of the same number or by another use in the same thread, is passed over.
 class InUse {
  public:
-  InUse() { ++running_; }
+  InUse() : slot_(taken()) {}
   ~InUse() {
-    if (counted_) --running_;
+    if (slot_) leave();
   }
   InUse(const InUse&) = delete;
   InUse& operator=(const InUse&) = delete;
 
-  void leave_counted() { counted_ = false; }  // the count outlives the scope on purpose
+  void leave_counted() { slot_ = nullptr; }  // the count outlives the scope on purpose
 
   // Sleeps until no transform runs: 6 ms, 7 ms, 8 ms and so on. The caller holds the table lock.
   static void wait_for_none();
 
  private:
-  static constinit inline std::atomic<int32_t> running_{0};
-  bool counted_ = true;
+  struct alignas(128) Slot {
+    std::atomic<int32_t> running;
+  };  // two lines, because they are fetched in pairs
+  static constexpr uint32_t kSlots = 64;
+
+  static Slot* taken() {
+    Slot& own = slots_[thread_number_ % kSlots];
+    return thread_number_ != 0 && own.running.exchange(1) == 0 ? &own : taken_elsewhere();
+  }
+  static Slot* taken_elsewhere();
+  void leave() {
+    if (slot_ == &slots_[kSlots]) --slot_->running;
+    else slot_->running.store(0, std::memory_order_release);
+  }
+  static bool none();
+
+  static Slot slots_[kSlots + 1];  // the last one counts those that find all others taken
+#if defined(__GNUC__) && defined(__ELF__)
+  [[gnu::tls_model("initial-exec")]]  // one instruction to reach it
+#endif
+  static constinit inline thread_local uint32_t thread_number_ = 0;  // 0 before the first use
+
+  Slot* slot_;
 };
 
 }  // namespace sigvex

@@ -93,8 +93,7 @@ template <class Table> class TableCache {
 // A table in use: counted from before it is found until the end of the scope.
 template <class Table> class Lease {
  public:
-  template <class Build> Lease(TableCache<Table>& cache, int32_t key, int slot, Build build) {
-    in_use_.emplace();
+  template <class Build> Lease(TableCache<Table>& cache, int32_t key, int slot, Build build) : in_use_(std::in_place) {
     if ((table_ = cache.published(slot))) return;
     in_use_.reset();  // never wait for the lock while counted
     const TableLock lock;

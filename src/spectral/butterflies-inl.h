@@ -58,6 +58,12 @@ template <class V> HWY_INLINE Complex<V> plus_i(Complex<V> a, Complex<V> b) {  /
 template <class V> HWY_INLINE Complex<V> minus_i(Complex<V> a, Complex<V> b) {  // a - i b
   return {hn::Add(a.re, b.im), hn::Sub(a.im, b.re)};
 }
+template <class V> HWY_INLINE Complex<V> plus_scaled(Complex<V> a, V factor, Complex<V> b) {
+  return {hn::MulAdd(factor, b.re, a.re), hn::MulAdd(factor, b.im, a.im)};
+}
+template <class V> HWY_INLINE Complex<V> minus_scaled(Complex<V> a, V factor, Complex<V> b) {
+  return {hn::NegMulAdd(factor, b.re, a.re), hn::NegMulAdd(factor, b.im, a.im)};
+}
 
 #if HWY_TARGET != HWY_SCALAR
 // Lanes 0 2 (1 3) of each block of a, then those of b.
@@ -86,17 +92,16 @@ HWY_INLINE hn::Vec512<float> odd_in_blocks(hn::Vec512<float> a, hn::Vec512<float
 #endif
 
 // The forward transform of 4 points, in place, in natural order. Of half: the last two are zero and not read.
-template <bool kHalf = false, class V>
-HWY_INLINE void transform4(Complex<V>& x0, Complex<V>& x1, Complex<V>& x2, Complex<V>& x3) {
+template <bool kHalf = false, class C> HWY_INLINE void transform4(C& x0, C& x1, C& x2, C& x3) {
   if constexpr (kHalf) {
-    const Complex<V> a = x0, b = x1;
+    const C a = x0, b = x1;
     x0 = a + b;
     x1 = minus_i(a, b);
     x2 = a - b;
     x3 = plus_i(a, b);
     return;
   }
-  const Complex<V> s02 = x0 + x2, d02 = x0 - x2, s13 = x1 + x3, d13 = x1 - x3;
+  const C s02 = x0 + x2, d02 = x0 - x2, s13 = x1 + x3, d13 = x1 - x3;
   x0 = s02 + s13;
   x1 = minus_i(d02, d13);
   x2 = s02 - s13;
@@ -105,19 +110,18 @@ HWY_INLINE void transform4(Complex<V>& x0, Complex<V>& x1, Complex<V>& x2, Compl
 
 // The forward transform of R points per lane, in place, in natural order. Of half: the second half of them is zero and
 // not read.
-template <class D> HWY_INLINE void transform(D, ComplexOf<D> (&x)[2]) {
-  const ComplexOf<D> a = x[0];
+template <class D, class C> HWY_INLINE void transform(D, C (&x)[2]) {
+  const C a = x[0];
   x[0] = a + x[1];
   x[1] = a - x[1];
 }
 
-template <bool kHalf = false, class D> HWY_INLINE void transform(D, ComplexOf<D> (&x)[4]) {
+template <bool kHalf = false, class D, class C> HWY_INLINE void transform(D, C (&x)[4]) {
   transform4<kHalf>(x[0], x[1], x[2], x[3]);
 }
 
 // Even and odd points apart. The eighth turns are one factor, which joins the additions behind it.
-template <bool kHalf = false, class D> HWY_INLINE void transform(D d, ComplexOf<D> (&x)[8]) {
-  using C = ComplexOf<D>;
+template <bool kHalf = false, class D, class C> HWY_INLINE void transform(D d, C (&x)[8]) {
   transform4<kHalf>(x[0], x[2], x[4], x[6]);
   transform4<kHalf>(x[1], x[3], x[5], x[7]);
   const auto r = hn::Set(d, static_cast<hn::TFromD<D>>(0.70710678118654752440L));
@@ -127,10 +131,10 @@ template <bool kHalf = false, class D> HWY_INLINE void transform(D d, ComplexOf<
   x[2] = minus_i(e2, o2);
   x[6] = plus_i(e2, o2);
   const C a = minus_i(o1, o1), b = plus_i(o3, o3);  // o1 (1 - i), o3 (1 + i)
-  x[1] = {hn::MulAdd(r, a.re, e1.re), hn::MulAdd(r, a.im, e1.im)};
-  x[5] = {hn::NegMulAdd(r, a.re, e1.re), hn::NegMulAdd(r, a.im, e1.im)};
-  x[3] = {hn::NegMulAdd(r, b.re, e3.re), hn::NegMulAdd(r, b.im, e3.im)};
-  x[7] = {hn::MulAdd(r, b.re, e3.re), hn::MulAdd(r, b.im, e3.im)};
+  x[1] = plus_scaled(e1, r, a);
+  x[5] = minus_scaled(e1, r, a);
+  x[3] = minus_scaled(e3, r, b);
+  x[7] = plus_scaled(e3, r, b);
 }
 
 // Four times four.
@@ -209,6 +213,39 @@ template <bool kInverse, class D> HWY_INLINE void store_points(D d, ComplexOf<D>
   hn::StoreU(b, d, to + kLanes<D>);
 }
 
+// A square of 128-bit blocks, transposed; of every kStep-th vector, kStep times.
+template <size_t kStep, class D>
+HWY_INLINE void transpose_blocks([[maybe_unused]] D d, [[maybe_unused]] hn::VFromD<D>* x) {
+#if HWY_TARGET != HWY_SCALAR
+  using V = hn::VFromD<D>;
+  constexpr size_t kBlocks = kLanes<D> * sizeof(hn::TFromD<D>) / 16;
+  if constexpr (kBlocks == 2) {
+    for (size_t k = 0; k < kStep; ++k) {
+      const V a = x[k], b = x[k + kStep];
+      x[k] = hn::ConcatLowerLower(d, b, a);
+      x[k + kStep] = hn::ConcatUpperUpper(d, b, a);
+    }
+  }
+#if HWY_TARGET <= HWY_AVX3
+  if constexpr (kBlocks == 4) {  // blocks 0 2 | 0 2 and 1 3 | 1 3 of two vectors, twice
+    const auto even = [](V a, V b) HWY_ATTR {
+      return V{(decltype(a.raw))_mm512_shuffle_f64x2((__m512d)a.raw, (__m512d)b.raw, 0x88)};
+    };
+    const auto odd = [](V a, V b) HWY_ATTR {
+      return V{(decltype(a.raw))_mm512_shuffle_f64x2((__m512d)a.raw, (__m512d)b.raw, 0xDD)};
+    };
+    for (size_t k = 0; k < kStep; ++k) {
+      const V a = x[k], b = x[k + kStep], e = x[k + 2 * kStep], f = x[k + 3 * kStep];
+      x[k] = even(even(a, b), even(e, f));
+      x[k + kStep] = even(odd(a, b), odd(e, f));
+      x[k + 2 * kStep] = odd(even(a, b), even(e, f));
+      x[k + 3 * kStep] = odd(odd(a, b), odd(e, f));
+    }
+  }
+#endif
+#endif
+}
+
 // A square of lanes by lanes, transposed.
 template <class D> HWY_INLINE void transpose([[maybe_unused]] D d, [[maybe_unused]] hn::VFromD<D>* x) {
 #if HWY_TARGET != HWY_SCALAR
@@ -234,30 +271,7 @@ template <class D> HWY_INLINE void transpose([[maybe_unused]] D d, [[maybe_unuse
       x[k + 3] = hn::BitCast(d, hn::InterleaveUpper(dw, b, f));
     }
   }
-  if constexpr (kLanes<D> == 2 * kBlock) {
-    for (size_t k = 0; k < kBlock; ++k) {
-      const V a = x[k], b = x[k + kBlock];
-      x[k] = hn::ConcatLowerLower(d, b, a);
-      x[k + kBlock] = hn::ConcatUpperUpper(d, b, a);
-    }
-  }
-#if HWY_TARGET <= HWY_AVX3
-  if constexpr (kLanes<D> == 4 * kBlock) {  // blocks 0 2 | 0 2 and 1 3 | 1 3 of two vectors, twice
-    const auto even = [](V a, V b) HWY_ATTR {
-      return V{(decltype(a.raw))_mm512_shuffle_f64x2((__m512d)a.raw, (__m512d)b.raw, 0x88)};
-    };
-    const auto odd = [](V a, V b) HWY_ATTR {
-      return V{(decltype(a.raw))_mm512_shuffle_f64x2((__m512d)a.raw, (__m512d)b.raw, 0xDD)};
-    };
-    for (size_t k = 0; k < kBlock; ++k) {
-      const V a = x[k], b = x[k + kBlock], e = x[k + 2 * kBlock], f = x[k + 3 * kBlock];
-      x[k] = even(even(a, b), even(e, f));
-      x[k + kBlock] = even(odd(a, b), odd(e, f));
-      x[k + 2 * kBlock] = odd(even(a, b), even(e, f));
-      x[k + 3 * kBlock] = odd(odd(a, b), odd(e, f));
-    }
-  }
-#endif
+  transpose_blocks<kBlock>(d, x);
 #endif
 }
 

@@ -21,12 +21,11 @@ template <class T> struct Convolution {
 };
 
 template <class T> struct ConvolutionKernels {
-  // Of n = 2^bits points, bits > 1; table, work and the transforms are those of the engine for that length. A spectrum
-  // is n points in an order of its own, for convolve alone, at any address.
-  size_t (*work_size)(int bits, const EngineKernels<T>& engine);
-  void (*spectrum)(int bits, const EngineKernels<T>& engine, const T* table, T* data, T* work);  // in place, unscaled
-  void (*convolve)(int bits, const EngineKernels<T>& engine, const T* table, const T* spectrum,
-                   const Convolution<T>& convolution, T* work);
+  // Of the tables' n points, n > 2; work is aligned to kAlignment bytes, its size in scalars. A spectrum is n points in
+  // an order of its own, for convolve alone, at any address.
+  size_t (*work_size)(const ComplexTables<T>& tables);
+  void (*spectrum)(const ComplexTables<T>& tables, T* data, T* work);  // in place
+  void (*convolve)(const ComplexTables<T>& tables, const T* spectrum, const Convolution<T>& convolution, T* work);
 };
 
 template <class T> const ConvolutionKernels<T>& convolution_kernels();  // the best for this CPU

@@ -97,47 +97,45 @@ template <class D, class F> HWY_INLINE void with_ends(D, const Convolution<hn::T
 // In the nearest cache the transforms in natural order cost no more, and the ends and the product are passes of their
 // own.
 template <class D, class T = hn::TFromD<D>>
-void convolve_short(D d, int bits, const EngineKernels<T>& engine, const T* table, const T* spectrum,
-                    const Convolution<T>& c, T* work) {
-  const size_t n = size_t{1} << bits;
+void convolve_short(D d, const ComplexTables<T>& tables, const T* spectrum, const Convolution<T>& c, T* work) {
+  const size_t n = size_t{1} << tables.bits;
   T *const x = work, *const rest = work + 2 * n;
   const auto sign = hn::Set(d, c.conjugate ? T(-1) : T(1));
   with_ends(d, c, [&](auto ends) HWY_ATTR {
     for (size_t k = 0; k < n; k += kLanes<D>) store_points<false>(d, ends.load(k), x + 2 * k);
-    engine.forward(bits, table, x, rest, 1);
+    tables.forward(tables.bits, tables.roots, x, rest, 1);
     for (size_t k = 0; k < n; k += kLanes<D>) {
       ComplexOf<D> w = load_points<false>(d, spectrum + 2 * k);
       w.im = hn::Mul(w.im, sign);
       store_points<false>(d, load_points<false>(d, x + 2 * k) * w, x + 2 * k);
     }
-    engine.inverse(bits, table, x, rest);
+    tables.inverse(tables.bits, tables.roots, x, rest, 1);
     for (size_t k = 0; k < c.out_points; k += kLanes<D>) ends.store(k, load_points<true>(d, x + 2 * k));
   });
 }
 
-template <class T> size_t work_size(int bits, const EngineKernels<T>& engine) {
-  return engine.work_size(bits) + (bits < kLong<T> ? size_t{2} << bits : 0);
+template <class T> size_t work_size(const ComplexTables<T>& tables) {
+  return tables.kernels->work_size(tables.bits) + (tables.bits < kLong<T> ? size_t{2} << tables.bits : 0);
 }
 
-template <class T> void spectrum(int bits, const EngineKernels<T>& engine, const T* table, T* data, T* work) {
-  const T scale = 1 / static_cast<T>(size_t{1} << bits);
-  if (bits < kLong<T>) return engine.forward(bits, table, data, work, scale);
-  Columns<T>(bits).spectrum(table, data, work, scale);
+template <class T> void spectrum(const ComplexTables<T>& tables, T* data, T* work) {
+  const T scale = 1 / static_cast<T>(size_t{1} << tables.bits);
+  if (tables.bits < kLong<T>) return tables.forward(tables.bits, tables.roots, data, work, scale);
+  Columns<T>(tables.bits).spectrum(tables.roots, data, work, scale);
 }
 
-template <class T>
-void convolve(int bits, const EngineKernels<T>& engine, const T* table, const T* spectrum, const Convolution<T>& c,
-              T* work) {
-  if (bits < kLong<T>) {
-    return with_lanes<T>(size_t{1} << bits,
-                         [&](auto d) HWY_ATTR { convolve_short(d, bits, engine, table, spectrum, c, work); });
+template <class T> void convolve(const ComplexTables<T>& tables, const T* spectrum, const Convolution<T>& c, T* work) {
+  if (tables.bits < kLong<T>) {
+    return with_lanes<T>(size_t{1} << tables.bits,
+                         [&](auto d) HWY_ATTR { convolve_short(d, tables, spectrum, c, work); });
   }
   with_ends(hn::ScalableTag<T>(), c, [&](auto ends) HWY_ATTR {
     using V = hn::VFromD<hn::ScalableTag<T>>;
-    Columns<T>(bits).convolve(
-        table, work, c.in_points, [&](size_t k) HWY_ATTR { return ends.load(k); },
-        Turn<T>{spectrum, c.conjugate ? T(-1) : T(1)}, c.out_points,
-        [&](size_t k, Complex<V> z) HWY_ATTR { ends.store(k, z); });
+    Columns<T>(tables.bits)
+        .convolve(
+            tables.roots, work, c.in_points, [&](size_t k) HWY_ATTR { return ends.load(k); },
+            Turn<T>{spectrum, c.conjugate ? T(-1) : T(1)}, c.out_points,
+            [&](size_t k, Complex<V> z) HWY_ATTR { ends.store(k, z); });
   });
 }
 

@@ -10,14 +10,9 @@ namespace sigvex {
 namespace {
 
 template <class T> Status run(const ComplexTables<T>& tables, T* data, bool inverse, T scale) {
-  const EngineKernels<T>& kernels = *tables.kernels;
-  Workspace work(tables.pool, kernels.work_size(tables.bits) * sizeof(T));
+  Workspace work(tables.pool, tables.kernels->work_size(tables.bits) * sizeof(T));
   if (!work) return kFailure;
-  if (inverse) {
-    kernels.inverse(tables.bits, tables.roots, data, work.as<T>());
-  } else {
-    kernels.forward(tables.bits, tables.roots, data, work.as<T>(), scale);
-  }
+  (inverse ? tables.inverse : tables.forward)(tables.bits, tables.roots, data, work.as<T>(), scale);
   return kSuccess;
 }
 
@@ -35,7 +30,7 @@ template <class T> Status run_real(Vector<T>& v, size_t n) {
 template <class T, class F> Status with_work(size_t n, F f) {
   const Lease<ComplexTables<T>> tables = complex_tables<T>(std::countr_zero(n));
   if (!tables) return kFailure;
-  Workspace work(tables->pool, convolution_kernels<T>().work_size(tables->bits, *tables->kernels) * sizeof(T));
+  Workspace work(tables->pool, convolution_kernels<T>().work_size(*tables) * sizeof(T));
   if (!work) return kFailure;
   f(*tables, work.as<T>());
   return kSuccess;
@@ -49,7 +44,7 @@ template <class T> Status complex_transform(Vector<T>& v, bool inverse) {
   SIGVEX_TRY(dspi::rtoc<T>(v));
   const size_t n = points<T>(v);
   const Lease<ComplexTables<T>> tables = complex_tables<T>(std::countr_zero(n));
-  return tables ? run(*tables, v.data, inverse, 1 / static_cast<T>(n)) : kFailure;
+  return tables ? run(*tables, v.data, inverse, inverse ? T(1) : 1 / static_cast<T>(n)) : kFailure;
 }
 
 // Neighbouring samples are the parts of half as many complex points, whose transform is split into the bins.
@@ -66,13 +61,13 @@ template <class T> Status real_transform(Vector<T>& v) {
 
 template <class T> Status kernel_spectrum(Vector<T>& kernel) {
   return with_work<T>(points<T>(kernel), [&](const ComplexTables<T>& tables, T* work) {
-    convolution_kernels<T>().spectrum(tables.bits, *tables.kernels, tables.roots, kernel.data, work);
+    convolution_kernels<T>().spectrum(tables, kernel.data, work);
   });
 }
 
 template <class T> Status convolve(const Vector<T>& spectrum, const Convolution<T>& c) {
   return with_work<T>(points<T>(spectrum), [&](const ComplexTables<T>& tables, T* work) {
-    convolution_kernels<T>().convolve(tables.bits, *tables.kernels, tables.roots, spectrum.data, c, work);
+    convolution_kernels<T>().convolve(tables, spectrum.data, c, work);
   });
 }
 

@@ -13,8 +13,8 @@ template <class T> struct EngineKernels {
   size_t (*table_size)(int bits);
   size_t (*work_size)(int bits);
   void (*fill_table)(int bits, const TripleTable<T>& roots, T* table);  // roots of any length that n divides
-  void (*forward)(int bits, const T* table, T* data, T* work, T scale);
-  void (*inverse)(int bits, const T* table, T* data, T* work);
+  Transform<T> (*forward)(int bits);
+  Transform<T> (*inverse)(int bits);
 
   // The h = 2^bits points that come of transforming h pairs of neighbouring real samples as complex points, scaled by
   // half of what the result is to be: turned into bins 0 .. h of the real transform.

@@ -10,6 +10,7 @@
 #include <type_traits>
 
 #include "spectral/columns-inl.h"
+#include "spectral/pairs-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace sigvex {
@@ -22,7 +23,7 @@ template <class T, size_t... R> struct Passes;
 template <class T, size_t R> struct Passes<T, R> {
   static size_t table_size() { return 0; }
   static void fill(const TripleTable<T>&, T*) {}
-  template <bool kInverse> static void run(const T*, T* data, T*, T factor) {
+  template <bool kInverse> static void run(int, const T*, T* data, T*, T factor) {
     const Lanes<T, 1> d;
     ComplexOf<Lanes<T, 1>> x[R];
     for (size_t k = 0; k < R; ++k) x[k] = load_points<kInverse>(d, data + 2 * k);
@@ -37,7 +38,7 @@ template <class T, size_t R1, size_t R2> struct Passes<T, R1, R2> {
   static constexpr hn::ScalableTag<T> d{};
   static size_t table_size() { return 2 * (R1 - 1) * R2; }
   static void fill(const TripleTable<T>& roots, T* table) { fill_pass(d, n, R1, roots, table); }
-  template <bool kInverse> static void run(const T* table, T* data, T* work, T factor) {
+  template <bool kInverse> static void run(int, const T* table, T* data, T* work, T factor) {
     first_pass<R1, kInverse>(d, data, work, n, table);
     last_pass<R2, kInverse>(d, work, data, kBlocks, factor);
   }
@@ -50,7 +51,7 @@ template <class T, size_t R1, size_t R2, size_t R3> struct Passes<T, R1, R2, R3>
   static void fill(const TripleTable<T>& roots, T* table) {
     fill_pass(Lanes<T, 1>(), R2 * R3, R2, roots, fill_pass(d, n, R1, roots, table));
   }
-  template <bool kInverse> static void run(const T* table, T* data, T* work, T factor) {
+  template <bool kInverse> static void run(int, const T* table, T* data, T* work, T factor) {
     first_pass<R1, kInverse>(d, data, work, n, table);
     middle_pass<R2>(d, work, data, kBlocks, R1 / kMaxLanes<T>, table + kFirstRoots);
     last_pass<R3, kInverse>(d, data, data, kBlocks, factor);
@@ -62,22 +63,32 @@ template <class T, size_t R, size_t L> struct InRegisters {
   static constexpr Lanes<T, L> d{};
   static size_t table_size() { return 2 * (R - 1) * L; }
   static void fill(const TripleTable<T>& roots, T* table) { fill_pass(d, R * L, R, roots, table); }
-  template <bool kInverse> static void run(const T* table, T* data, T*, T factor) {
+  template <bool kInverse> static void run(int, const T* table, T* data, T*, T factor) {
     ComplexOf<Lanes<T, L>> x[R], y[L];
     for (size_t k = 0; k < R; ++k) x[k] = load_points<kInverse>(d, data + 2 * L * k);
     transform(d, x);
-    for (size_t k = 1; k < R; ++k) x[k] = x[k] * load_block(d, table, k - 1);
-    const auto scale = hn::Set(d, factor);
+    const auto scale = hn::Set(d, factor);  // joins the roots, which wait for nothing
+    if (!kInverse) x[0] = x[0] * scale;
+    for (size_t k = 1; k < R; ++k) {
+      const auto w = load_block(d, table, k - 1);
+      x[k] = x[k] * (kInverse ? w : w * scale);
+    }
     for (size_t k = 0; k < R; k += L) {
       transpose_points(d, x + k, y);
       transform(d, y);
-      for (size_t j = 0; j < L; ++j) store_points<kInverse>(d, kInverse ? y[j] : y[j] * scale, data + 2 * (k + R * j));
+      for (size_t j = 0; j < L; ++j) store_points<kInverse>(d, y[j], data + 2 * (k + R * j));
     }
   }
 };
 
 template <class T, size_t R, size_t L>
 using Small = std::conditional_t<(kMaxLanes<T> >= L), InRegisters<T, R, L>, Passes<T, R, L>>;
+#if HWY_TARGET != HWY_SCALAR
+template <class T, size_t R, size_t C, size_t P>
+using Smallest = std::conditional_t<(kMaxLanes<T> >= 2 * P), InPairs<T, R, C, P>, Small<T, R, C>>;
+#else
+template <class T, size_t R, size_t C, size_t P> using Smallest = Small<T, R, C>;
+#endif
 
 // Calls f with the passes of n = 2^bits.
 template <class T, class F> HWY_INLINE auto with_passes(int bits, F f) {
@@ -85,13 +96,13 @@ template <class T, class F> HWY_INLINE auto with_passes(int bits, F f) {
     case 1:
       return f(Passes<T, 2>());
     case 2:
-      return f(Small<T, 2, 2>());
+      return f(Smallest<T, 2, 2, 2>());
     case 3:
-      return f(Small<T, 4, 2>());
+      return f(Smallest<T, 4, 2, 2>());
     case 4:
-      return f(Small<T, 4, 4>());
+      return f(Smallest<T, 4, 4, 2>());
     case 5:
-      return f(Small<T, 8, 4>());
+      return f(Smallest<T, 8, 4, 4>());
     case 6:
       return f(Small<T, 8, 8>());
     case 7:
@@ -121,12 +132,13 @@ template <class T> void fill_table(int bits, const TripleTable<T>& roots, T* tab
   if (bits >= kLong<T>) return Columns<T>(bits).fill(roots, table);
   with_passes<T>(bits, [&](auto passes) { passes.fill(roots, table); });
 }
-template <class T, bool kInverse> void run(int bits, const T* table, T* data, T* work, T scale) {
-  if (bits >= kLong<T>) return Columns<T>(bits).template run<kInverse>(table, data, work, scale);
-  with_passes<T>(bits, [&](auto passes) HWY_ATTR { passes.template run<kInverse>(table, data, work, scale); });
+template <class T, bool kInverse> void run_long(int bits, const T* table, T* data, T* work, T scale) {
+  Columns<T>(bits).template run<kInverse>(table, data, work, scale);
 }
-template <class T> void inverse(int bits, const T* table, T* data, T* work) {
-  run<T, true>(bits, table, data, work, 1);
+// A function for each length: a short transform takes less time than finding its way through a common one.
+template <class T, bool kInverse> Transform<T> transform_of(int bits) {
+  if (bits >= kLong<T>) return run_long<T, kInverse>;
+  return with_passes<T>(bits, [](auto passes) -> Transform<T> { return decltype(passes)::template run<kInverse>; });
 }
 
 template <class D, class T = hn::TFromD<D>> void fill_split(D, size_t h, const TripleTable<T>& roots, T* to) {
@@ -170,8 +182,9 @@ template <class T> void split(int bits, const T* table, T* data) {
 }
 
 template <class T> const EngineKernels<T>* kernels() {
-  static constexpr EngineKernels<T> table = {table_size<T>, work_size<T>,  fill_table<T>, run<T, false>,
-                                             inverse<T>,    split_size<T>, fill_split<T>, split<T>};
+  static constexpr EngineKernels<T> table = {
+      table_size<T>,         work_size<T>,  fill_table<T>, transform_of<T, false>,
+      transform_of<T, true>, split_size<T>, fill_split<T>, split<T>};
   return &table;
 }
 const EngineKernels<double>* kernels_double() { return kernels<double>(); }

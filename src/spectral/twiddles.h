@@ -37,11 +37,15 @@ template <class T> struct TripleTable : TableHead {
 
 template <class T> struct EngineKernels;
 
+// A transform of 2^bits points in place, every point of the result times scale.
+template <class T> using Transform = void (*)(int bits, const T* roots, T* data, T* work, T scale);
+
 // What a complex transform of 2^bits points runs on.
 template <class T> struct ComplexTables : TableHead {
   const EngineKernels<T>* kernels;  // those that laid out the roots
   int bits;
   const T* roots;
+  Transform<T> forward, inverse;
   mutable WorkspacePool pool;
 
   void release_parts() { pool.release(); }
