@@ -220,7 +220,7 @@ Signal tones(size_t n, std::initializer_list<double> frequencies) {
   return x;
 }
 
-void quality(const Converter& converter, double ratio, double seconds, size_t n) {
+void quality(const Converter& converter, double ratio, size_t n, double seconds, double peer_seconds) {
   const double rate = 2 * M_PI / std::max(1.0, ratio), top = 0.45 * rate;
   Signal fitted, sweep(n);
   // A delay that a converter leaves is fitted with the sweep's slope.
@@ -257,21 +257,29 @@ void quality(const Converter& converter, double ratio, double seconds, size_t n)
   std::printf("%-8.5f %-20s %6.1f dB %9.1f dB %12.1e dB ", ratio, converter.name.c_str(), swept, twice,
               2 * decibels(most / least));
   std::printf(ratio > 1 ? "%9.1f dB" : "           -", -decibels(alias));
-  std::printf(" %8.1f M/s %8.1f M/s\n", static_cast<double>(n) / seconds / 1e6,
-              static_cast<double>(n) / ratio / seconds / 1e6);
+  std::printf(" %8.1f M/s  x%.2f\n", static_cast<double>(n) / std::min(1.0, ratio) / seconds / 1e6,
+              peer_seconds / seconds);
 }
+
+constexpr const char* kPeer = "libsamplerate best";
 
 void streams(int rounds) {
   std::vector<Converter> converters = {{"dsph_rsmp", ours<double>}, {"dspfh_rsmp", ours<float>}};
 #ifdef SIGVEX_BENCH_SAMPLERATE
-  converters.push_back({"libsamplerate best", samplerate});
+  converters.push_back({kPeer, samplerate});
 #endif
 #ifdef SIGVEX_BENCH_SOXR
   converters.push_back({"libsoxr HQ", [](const Signal& x, double ratio) { return soxr(x, ratio, SOXR_HQ); }});
   converters.push_back({"libsoxr VHQ", [](const Signal& x, double ratio) { return soxr(x, ratio, SOXR_VHQ); }});
 #endif
   constexpr size_t n = size_t{1} << 17;
-  std::printf("\nratio    converter            swept sine  two tones  gain spread    alias    input        output\n");
+  size_t peer = converters.size();
+  for (size_t k = 0; k < converters.size(); ++k) {
+    if (converters[k].name == kPeer) peer = k;
+  }
+  std::printf(
+      "\nratio    converter            swept sine    two tones     gain spread        alias   higher rate, x %s\n",
+      kPeer);
   for (const double ratio : {0.25, 0.5, 147.0 / 160, 160.0 / 147, 2.0, 4.0}) {
     std::vector<double> best(converters.size(), HUGE_VAL);
     for (int round = 0; round < rounds; ++round) {
@@ -279,7 +287,9 @@ void streams(int rounds) {
         best[k] = std::min(best[k], converters[k].run(tones(n, {0.1}), ratio).seconds);
       }
     }
-    for (size_t k = 0; k < best.size(); ++k) quality(converters[k], ratio, best[k], n);
+    for (size_t k = 0; k < best.size(); ++k) {
+      quality(converters[k], ratio, n, best[k], peer < best.size() ? best[peer] : NAN);
+    }
   }
 }
 

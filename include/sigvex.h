@@ -2087,8 +2087,8 @@ DSP_API int32_t dspfh_rsmp_coef_init(dspf_rsmp_coef *coef);
  * (attenuation - 7.95) / (14.36 * transition) + 1 points, rounded up to a multiple of 16. A built-in set has its K points
  * and its response as dspc_rsmp tells it, in units of the lower rate.
  *   params   kernel: DSP_RSMP_KAISER, or 0 .. 4 for a built-in set
- *            attenuation: of the stop-band in dB, 20 .. 200; not used by a built-in set. Single precision has rounding
- *            noise of its own near -140 dB
+ *            attenuation: of the stop-band in dB, to within 1, 20 .. 200; not used by a built-in set. Single precision has
+ *            rounding noise of its own near -140 dB
  *            transition: above 0, below 0.5; not used by a built-in set
  *            max_ratio: the largest ratio the coefficients will be used at; below 1 counts as 1. The delay and the memory
  *            of each channel grow with it
@@ -2155,7 +2155,7 @@ DSP_API int32_t dspfh_rsmp_state_set_offset(dspf_rsmp_state *state, double offse
  *   delta    the input's times ratio
  *   alias    the output may be the input or share its storage: it is then built aside and copied in at the end
  *   state    the last points of the input, span of them, and the offset. A change of form converts them, another span
- *            cuts them or adds zeros at their beginning. A NaN or infinite point makes NaN of the outputs it enters
+ *            cuts them or adds zeros at their beginning. NaN or infinity makes such outputs of all that a point enters
  *   fails    coefficients not set up, a ratio out of its range or NaN (all untouched); more outputs than fit, storage:
  *            the state has not taken the block, an output apart from the input is empty, or else untouched
  */
@@ -2165,7 +2165,7 @@ DSP_API int32_t dspfh_rsmp(const dspf_vector *in, dspf_vector *out, const dspf_r
                            dspf_rsmp_state *state);
 
 /**
- * The delay D in input samples, the same at every ratio: half the length at max_ratio (half a sample more or less counts).
+ * The delay D in input samples, the same at every ratio: half the length at max_ratio, a whole number or a half beside one.
  *   fails    coefficients not set up
  */
 DSP_API int32_t dsph_rsmp_get_delay_pts (const dsp_rsmp_coef  *coef, double *points);
