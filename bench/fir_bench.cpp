@@ -1,6 +1,7 @@
-// dspd_fir on real samples beside an FFTW overlap-save at its best block and, in single precision, liquid-dsp's direct
-// and transform filters: 2^20 points in one call and in blocks of 4096, the history carried on.
-//   fir_bench [rounds]
+// dspd_fir on real samples beside a blocked loop in plain C++, an FFTW overlap-save at its best block and, in single
+// precision, liquid-dsp's direct and transform filters; dspd_sfir beside dspd_fir; dspd_fir's complex forms beside its
+// real one. 2^20 points in one call and in blocks of 4096, the history carried on.
+//   fir_bench [rounds [taps]]
 #include <fftw3.h>
 #ifdef SIGVEX_BENCH_LIQUID
 #include <liquid/liquid.h>
@@ -23,7 +24,7 @@ template <> struct Api<double> {
   using Record = dsp_vector;
   using Plan = fftw_plan;
   using Bin = fftw_complex;
-  static constexpr auto fir = dspd_fir;
+  static constexpr auto fir = dspd_fir, sfir = dspd_sfir;
   static constexpr auto execute = fftw_execute;
   static constexpr auto destroy = fftw_destroy_plan;
   static constexpr auto forward = fftw_plan_dft_r2c_1d;
@@ -33,7 +34,7 @@ template <> struct Api<float> {
   using Record = dspf_vector;
   using Plan = fftwf_plan;
   using Bin = fftwf_complex;
-  static constexpr auto fir = dspfd_fir;
+  static constexpr auto fir = dspfd_fir, sfir = dspfd_sfir;
   static constexpr auto execute = fftwf_execute;
   static constexpr auto destroy = fftwf_destroy_plan;
   static constexpr auto forward = fftwf_plan_dft_r2c_1d;
@@ -47,6 +48,20 @@ template <class T> std::vector<T> samples(int n) {
   for (int k = 0; k < n; ++k) x[static_cast<size_t>(k)] = static_cast<T>(std::sin(0.37 * k * k) / 8);
   return x;
 }
+
+// Tiles of 64 outputs that the compiler keeps in the registers of the CPU it runs on.
+#define BLOCKED(T)                                                                                                 \
+  [[gnu::target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default"), gnu::optimize("O3,fp-contract=fast")]] void \
+  blocked(const T* x, const T* h, int count, T* y, int n) {                                                        \
+    for (int at = 0; at < n; at += 64) {                                                                           \
+      T sum[64] = {};                                                                                              \
+      for (int k = 0; k < count; ++k)                                                                              \
+        for (int j = 0; j < 64; ++j) sum[j] += h[k] * x[at + j - k];                                               \
+      std::copy_n(sum, 64, y + at);                                                                                \
+    }                                                                                                              \
+  }
+BLOCKED(double)
+BLOCKED(float)
 
 template <class T> class OverlapSave {
   using A = Api<T>;
@@ -125,6 +140,36 @@ template <class T> void row(const char* precision, int count, int block, int rou
     blockwise([f = sizes.back().get()](const T* x, T* z, int n) { f->run(x, z, n); });
   }
   const size_t fftw_end = runs.size();
+  blockwise([&taps, count](const T* x, T* z, int n) { blocked(x, taps.data(), count, z, n); });
+  typename A::Record sout{}, half{}, past{};
+  half.data = h.data;
+  half.points = (count + 1) / 2;
+  runs.push_back([&] {
+    for (int at = 0; at < kPoints; at += block) {
+      in.data = const_cast<T*>(stream.data()) + count + at;
+      in.points = block;
+      A::sfir(&in, &sout, &half, &past);
+    }
+  });
+  // The same samples as half as many complex points, and the taps as complex ones.
+  typename A::Record pairs_out{}, pairs_past{}, pairs_taps{};
+  std::vector<T> wide(2 * taps.size());
+  for (size_t k = 0; k < wide.size(); ++k) wide[k] = taps[k / 2];
+  pairs_taps.data = wide.data();
+  pairs_taps.points = count;
+  pairs_taps.complex = 1;
+  for (auto* const filter : {&h, &pairs_taps}) {
+    runs.push_back([&, filter] {
+      typename A::Record pairs{};
+      pairs.complex = 1;
+      for (int at = 0; at < kPoints; at += 2 * block) {
+        pairs.data = const_cast<T*>(stream.data()) + count + at;
+        pairs.points = std::min(block, kPoints / 2);
+        A::fir(&pairs, &pairs_out, filter, &pairs_past);
+      }
+    });
+  }
+  const size_t own_end = runs.size();
 #ifdef SIGVEX_BENCH_LIQUID
   firfilt_rrrf direct = nullptr;
   fftfilt_rrrf by_transform = nullptr;
@@ -146,23 +191,28 @@ template <class T> void row(const char* precision, int count, int block, int rou
                ? *std::min_element(best.begin() + static_cast<long>(first), best.begin() + static_cast<long>(last))
                : NAN;
   };
-  const double fftw = fastest(1, fftw_end), liquid = fastest(fftw_end, best.size());
-  std::printf("%-7s %5d taps %8d points: %7.0f Msamples/s  x%.2f FFTW", precision, count, block,
-              kPoints / best[0] / 1e6, fftw / best[0]);
-  std::printf(std::isnan(liquid) ? "\n" : "  x%.2f liquid\n", liquid / best[0]);
+  const double fftw = fastest(1, fftw_end), liquid = fastest(own_end, best.size());
+  std::printf("%-7s %5d taps %8d points: %6.0f Msamples/s  x%.2f FFTW  x%.2f plain", precision, count, block,
+              kPoints / best[0] / 1e6, fftw / best[0], best[fftw_end] / best[0]);
+  std::printf(std::isnan(liquid) ? "              " : "  x%.2f liquid", liquid / best[0]);
+  std::printf("  sfir x%.2f fir  Mpoints/s complex %.0f, complex taps %.0f\n", best[0] / best[fftw_end + 1],
+              kPoints / best[fftw_end + 2] / 2e6, kPoints / best[fftw_end + 3] / 2e6);
 #ifdef SIGVEX_BENCH_LIQUID
   if (direct) firfilt_rrrf_destroy(direct), fftfilt_rrrf_destroy(by_transform);
 #endif
-  std::free(out.data);
-  std::free(state.data);
+  for (auto* const v : {&out, &state, &sout, &past, &pairs_out, &pairs_past}) std::free(v->data);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   const int rounds = argc > 1 ? std::atoi(argv[1]) : 7;
+  const int only = argc > 2 ? std::atoi(argv[2]) : 0;
   for (const int block : {4096, kPoints}) {
-    for (const int count : {16, 32, 64, 128, 512, 4096}) row<double>("double", count, block, rounds);
-    for (const int count : {16, 32, 64, 128, 512, 4096}) row<float>("single", count, block, rounds);
+    for (const int count : {16, 32, 64, 128, 512, 4096}) {
+      if (only && count != only) continue;
+      row<double>("double", count, block, rounds);
+      row<float>("single", count, block, rounds);
+    }
   }
 }

@@ -38,9 +38,10 @@ Status filter_directly(const Vector<T>& in, const Vector<T>& taps, Vector<T>& ou
   return kSuccess;
 }
 
-// The spectra of the last taps that were filtered with by transforms: for real input, in the real transform's bins with
-// the 1/S of the input's transform taken back, and for complex input. Guarded by the work lock.
-template <class T> struct TapsCache { Vector<T> taps, real, complex; };
+// The spectra of the last taps that were filtered with by transforms, for real and for complex input, each with every
+// so-manieth bin of it: the spectrum for the short circle that the seam of two blocks is filtered on. Guarded by the
+// work lock.
+template <class T> struct TapsCache { Vector<T> taps, real, real_seam, complex, complex_seam; };
 template <class T> constinit TapsCache<T> cache{};
 
 template <class T> bool same(const Vector<T>& a, const Vector<T>& b, T tolerance) {
@@ -48,28 +49,89 @@ template <class T> bool same(const Vector<T>& a, const Vector<T>& b, T tolerance
   return dsp::cmp<T>(a, b, tolerance, order) == kSuccess && order == 0;
 }
 
-template <class T> Status taps_spectrum(const Vector<T>& taps, size_t size, bool complex, Vector<T>& spectrum) {
+// Neighbouring real samples x are the parts of half as many complex points z = e + io, and so are the outputs. With the
+// taps' even half g, their odd half u and u delayed by one point, v, the outputs are
+//   g * e + v * o + i (g * o + u * e) = (g + i/2 (u - v)) * z + i/2 (u + v) * conj z,
+// sums over circles of size / 2 points: real samples take two spectra, one behind the other.
+template <class T> Status real_spectrum(const Vector<T>& taps, size_t size, Vector<T>& spectrum) {
+  const size_t half = size / 2, n = points<T>(taps);
+  SIGVEX_TRY(shape<T>(spectrum, size, 1));
+  SIGVEX_TRY(dspi::zero<T>(spectrum));
+  T *const a = spectrum.data, *const b = a + size;
+  for (size_t k = 0; k < n; k += 2) a[k] = taps.data[k];
+  for (size_t k = 1; k < n; k += 2) {
+    const T odd = taps.data[k] / 2;
+    const size_t delayed = (k + 2) % size;
+    a[k] += odd;
+    a[delayed] -= odd;
+    b[k] += odd;
+    b[delayed] += odd;
+  }
+  Vector<T> circle{};
+  circle.points = static_cast<int32_t>(half);
+  circle.complex = 1;
+  for (T* const start : {a, b}) {
+    circle.data = start;
+    SIGVEX_TRY(dspi::fft<T>(circle, 1));
+  }
+  return kSuccess;
+}
+
+template <class T> Status complex_spectrum(const Vector<T>& taps, size_t size, Vector<T>& spectrum) {
   SIGVEX_TRY(dsp::copy<T>(spectrum, taps));
-  if (!complex) SIGVEX_TRY(dspi::scale<T>(spectrum, static_cast<T>(size)));
   SIGVEX_TRY(dspi::zpad<T>(spectrum, static_cast<int32_t>(size)));
-  return complex ? dspi::fft<T>(spectrum, 1) : dspi::rfft<T>(spectrum);
+  return dspi::fft<T>(spectrum, 1);
+}
+
+// Outputs from which on direct sums cost more than a circle of their own.
+constexpr size_t kLongSeam = 64;
+
+// The circle that holds the history and as many outputs, which it does not wrap.
+size_t seam_size(size_t taps) { return std::bit_ceil(2 * (taps - 1)); }
+
+template <class T> Status every_step(const Vector<T>& spectrum, size_t n, Vector<T>& part) {
+  const size_t step = points<T>(spectrum) / n;
+  SIGVEX_TRY(shape<T>(part, n, 1));
+  for (size_t k = 0; k < n; ++k) set_point<T>(part, k, point<T>(spectrum, k * step));
+  return kSuccess;
 }
 
 // New taps empty both spectra, so that neither can ever pass for that of taps it was not made of. The same taps in
 // another size or form keep the other spectrum.
 template <class T> Status find_or_build(const Vector<T>& taps, size_t size, bool complex) {
   TapsCache<T>& c = cache<T>;
-  Vector<T>& kept = complex ? c.complex : c.real;
+  Vector<T>&kept = complex ? c.complex : c.real, &kept_seam = complex ? c.complex_seam : c.real_seam;
   const T tolerance = std::abs(taps.data[0]) * 5 * Limits<T>::epsilon;
-  if (points<T>(kept) == (complex ? size : size / 2 + 1) && same<T>(taps, c.taps, tolerance)) return kSuccess;
+  if (points<T>(kept) == size && same<T>(taps, c.taps, tolerance)) return kSuccess;
   if (!same<T>(taps, c.taps, T(0))) {
     c.real.points = c.complex.points = 0;
     SIGVEX_TRY(dsp::copy<T>(c.taps, taps));
   }
-  Scratch<T> spectrum;
-  SIGVEX_TRY(taps_spectrum<T>(taps, size, complex, spectrum));
+  Scratch<T> spectrum, seam;
+  SIGVEX_TRY(complex ? complex_spectrum<T>(taps, size, spectrum) : real_spectrum<T>(taps, size, spectrum));
+  SIGVEX_TRY(every_step<T>(spectrum, std::min(seam_size(points<T>(taps)), size), seam));
   std::swap<Vector<T>>(kept, spectrum);
+  std::swap<Vector<T>>(kept_seam, seam);
   return kSuccess;
+}
+
+// Filters x on a circle of its points, by their taps' spectrum.
+template <class T> Status convolve_circle(Vector<T>& x, const Vector<T>& spectrum) {
+  if (x.complex) {
+    SIGVEX_TRY(dspi::fft<T>(x, 1));
+    SIGVEX_TRY(dspb::mul<T>(x, spectrum, x));
+    return dspi::fft<T>(x, 0);
+  }
+  x.points /= 2;
+  x.complex = 1;
+  Status status = dspi::fft<T>(x, 1);
+  if (status >= 0) {
+    filter_kernels<T>().mix(x.data, spectrum.data, spectrum.data + spectrum.points, points<T>(x));
+    status = dspi::fft<T>(x, 0);
+  }
+  x.points *= 2;
+  x.complex = 0;
+  return status;
 }
 
 // The power of two to transform at: one that holds the whole convolution where direct sums for the outputs that a
@@ -96,27 +158,41 @@ template <class T> bool comparable(const Vector<T>& history, const Vector<T>& in
   return std::any_of(in.data, in.data + size<T>(in), [peak](T x) { return 8 * std::abs(x) >= peak; });
 }
 
+// The first n outputs by a circle of their own that begins with the whole history.
+template <class T>
+Status filter_seam(const Vector<T>& in, const Vector<T>& spectrum, Vector<T>& out, const Vector<T>* state, size_t past,
+                   size_t n) {
+  const size_t width = in.complex ? 2 : 1;
+  Scratch<T> circle;
+  SIGVEX_TRY(join<T>(circle, state, past, in, n));
+  SIGVEX_TRY(reshape<T>(circle, points<T>(spectrum), in.complex));
+  std::fill(circle.data + (past + n) * width, circle.data + size<T>(circle), T(0));
+  SIGVEX_TRY(convolve_circle<T>(circle, spectrum));
+  std::copy_n(circle.data + past * width, n * width, out.data);
+  return kSuccess;
+}
+
 // The block at the front of the transform's circle and the newest history at its end, just before the block: every
 // output is right but for the first ones, whose history found no room there.
 template <class T>
 Status filter_by_transform(const Vector<T>& in, const Vector<T>& taps, Vector<T>& out, const Vector<T>* state) {
   const WorkLock lock;
+  const TapsCache<T>& c = cache<T>;
   const size_t n = points<T>(in), s = transform_size<T>(in, taps), past = points<T>(taps) - 1;
   const size_t width = in.complex ? 2 : 1;
   SIGVEX_TRY(find_or_build<T>(taps, s, in.complex));
   SIGVEX_TRY(shape<T>(out, s, in.complex));
   std::copy_n(in.data, n * width, out.data);
   std::fill(out.data + n * width, out.data + s * width, T(0));
-  size_t room = std::min(s - n, past);
-  if (state) {
-    if (!comparable<T>(*state, in)) room = 0;
-    std::copy_n(state->data + (past - room) * width, room * width, out.data + (s - room) * width);
-  }
-  SIGVEX_TRY(in.complex ? dspi::fft<T>(out, 1) : dspi::rfft<T>(out));
-  SIGVEX_TRY(dspb::mul<T>(out, in.complex ? cache<T>.complex : cache<T>.real, out));
-  SIGVEX_TRY(in.complex ? dspi::fft<T>(out, 0) : dspi::irfft<T>(out));
+  const bool calm = !state || comparable<T>(*state, in);
+  const size_t room = state && !calm ? 0 : std::min(s - n, past);
+  if (state) std::copy_n(state->data + (past - room) * width, room * width, out.data + (s - room) * width);
+  SIGVEX_TRY(convolve_circle<T>(out, in.complex ? c.complex : c.real));
   out.points = in.points;
   out.delta = in.delta;
+  const Vector<T>& seam = in.complex ? c.complex_seam : c.real_seam;
+  if (calm && past - room >= kLongSeam && points<T>(seam) < s)
+    return filter_seam<T>(in, seam, out, state, past, past - room);
   return filter_directly<T>(in, taps, out, state, past - room);
 }
 
@@ -125,7 +201,8 @@ Status filter_by_transform(const Vector<T>& in, const Vector<T>& taps, Vector<T>
 template <class T> Status release_fir() {
   const WorkLock lock;
   TapsCache<T>& c = cache<T>;
-  for (Vector<T>* const v : {&c.taps, &c.real, &c.complex}) SIGVEX_TRY(dsp::destroy<T>(*v));
+  for (Vector<T>* const v : {&c.taps, &c.real, &c.real_seam, &c.complex, &c.complex_seam})
+    SIGVEX_TRY(dsp::destroy<T>(*v));
   return kSuccess;
 }
 template Status release_fir<double>();

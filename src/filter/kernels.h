@@ -14,6 +14,9 @@ template <class T> struct FilterKernels {
   // product with x[j + early[taps - 1]]; the order and y as above.
   void (*convolve_pairs)(const T* x, const size_t* early, const size_t* late, const T* h, size_t h_step, size_t taps,
                          T* y, size_t n);
+
+  // Of complex points, in place: z[k] = a[k] * z[k] + b[k] * conj z[n - k mod n] for k < n; n is even.
+  void (*mix)(T* z, const T* a, const T* b, size_t n);
 };
 
 template <class T> const FilterKernels<T>& filter_kernels();  // the best for this CPU

@@ -80,8 +80,46 @@ void convolve_pairs(const T* x, const size_t* early, const size_t* late, const T
   });
 }
 
+template <class D> struct Points {
+  hn::Vec<D> re, im;
+
+  static HWY_INLINE Points load(D d, const hn::TFromD<D>* from) {
+    Points z;
+    hn::LoadInterleaved2(d, from, z.re, z.im);
+    return z;
+  }
+  HWY_INLINE void store(D d, hn::TFromD<D>* to) const { hn::StoreInterleaved2(re, im, d, to); }
+  HWY_INLINE Points reversed(D d) const { return {hn::Reverse(d, re), hn::Reverse(d, im)}; }
+};
+
+// a z + b conj w
+template <class D> HWY_INLINE Points<D> mixed(Points<D> a, Points<D> z, Points<D> b, Points<D> w) {
+  return {hn::MulAdd(a.re, z.re, hn::NegMulAdd(a.im, z.im, hn::MulAdd(b.re, w.re, hn::Mul(b.im, w.im)))),
+          hn::MulAdd(a.re, z.im, hn::MulAdd(a.im, z.re, hn::NegMulAdd(b.re, w.im, hn::Mul(b.im, w.re))))};
+}
+
+// From both ends to the middle; points 0 and n / 2 are their own mirror.
+template <class T> void mix(T* z, const T* a, const T* b, size_t n) {
+  const hn::ScalableTag<T> all;
+  const hn::CappedTag<T, 1> one;
+  const auto at = [=](auto d, size_t front, size_t back) HWY_ATTR {
+    using P = Points<decltype(d)>;
+    const P x = P::load(d, z + 2 * front), y = P::load(d, z + 2 * back);
+    const P low = mixed(P::load(d, a + 2 * front), x, P::load(d, b + 2 * front), y.reversed(d));
+    const P high = mixed(P::load(d, a + 2 * back), y, P::load(d, b + 2 * back), x.reversed(d));
+    low.store(d, z + 2 * front);
+    high.store(d, z + 2 * back);
+  };
+  constexpr size_t kLanes = hn::MaxLanes(all);
+  size_t k = 1;
+  for (; k + kLanes <= n / 2; k += kLanes) at(all, k, n - k - (kLanes - 1));
+  for (; k < n / 2; ++k) at(one, k, n - k);
+  at(one, 0, 0);
+  at(one, n / 2, n / 2);
+}
+
 template <class T> const FilterKernels<T>* kernels() {
-  static constexpr FilterKernels<T> table = {convolve<T>, convolve_pairs<T>};
+  static constexpr FilterKernels<T> table = {convolve<T>, convolve_pairs<T>, mix<T>};
   return &table;
 }
 const FilterKernels<double>* kernels_double() { return kernels<double>(); }
