@@ -6,8 +6,8 @@
 namespace sigvex {
 
 template <class T> struct FilterKernels {
-  // y[j] = the sum over k < taps of h[k * h_step] * x[j + (taps - 1 - k) * x_step] for j < n. Each sum runs in the
-  // order of k in one accumulator, wherever j stands: a signal gives the same bits however it is cut. y shares nothing.
+  // y[j] = the sum over k < taps of h[k * h_step] * x[j + (taps - 1 - k) * x_step] for j < n. Each sum runs in
+  // one order in one accumulator, wherever j stands: a signal gives the same bits however it is cut. y shares nothing.
   void (*convolve)(const T* x, size_t x_step, const T* h, size_t h_step, size_t taps, T* y, size_t n);
 
   // y[j] = the sum over k < taps - 1 of h[k * h_step] * (x[j + early[k]] + x[j + late[k]]), and last the centre tap's

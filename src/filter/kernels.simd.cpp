@@ -42,16 +42,46 @@ template <class T> struct Taps {
   size_t h_step, count;
 };
 
+// Keeps a vector in its register, where the compiler would read it again from memory for every use.
+template <class V> HWY_INLINE void stay([[maybe_unused]] V& v) {
+#if HWY_ARCH_X86 && HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
+  asm("" : "+v"(v.raw));
+#endif
+}
+
+// Adds taps k, k + period ..., Q of them, to M vectors of outputs from the one whose sample for tap k is at x. A period
+// of taps moves the samples by one full vector, so that each vector that is read serves up to Q sums.
+template <size_t Q, size_t M, class D, class T>
+HWY_INLINE void add_group(D d, const Taps<T>& taps, size_t k, size_t period, const T* x, hn::Vec<D>* sum) {
+  constexpr size_t kFull = hn::MaxLanes(hn::ScalableTag<T>());
+  static_assert(M == 1 || kFull == hn::MaxLanes(D()));
+  hn::Vec<D> tap[Q];
+  for (size_t q = 0; q < Q; ++q) tap[q] = hn::Set(d, taps.h[(k + q * period) * taps.h_step]);
+  const T* const oldest = x - (Q - 1) * kFull;
+  for (size_t w = 0; w < M + Q - 1; ++w) {
+    auto samples = hn::LoadU(d, oldest + w * kFull);
+    if constexpr (Q > 1) stay(samples);
+    for (size_t q = 0; q < Q; ++q)
+      if (w + q >= Q - 1 && w + q < M + Q - 1) sum[w + q - (Q - 1)] = hn::MulAdd(samples, tap[q], sum[w + q - (Q - 1)]);
+  }
+}
+
 // Outputs j .. j + M vectors - 1 in registers: each tap is read once for all of them.
 template <size_t M, class D, class T> HWY_INLINE void tile(D d, const Taps<T>& taps, T* y, size_t j) {
   constexpr size_t kLanes = hn::MaxLanes(D());
   hn::Vec<D> sum[M];
   for (auto& s : sum) s = hn::Zero(d);
-  const T *x = taps.x + j, *h = taps.h;
-  for (size_t k = 0; k < taps.count; ++k, x -= taps.x_step, h += taps.h_step) {
-    const auto tap = hn::Set(d, *h);
-    for (size_t i = 0; i < M; ++i) sum[i] = hn::MulAdd(hn::LoadU(d, x + i * kLanes), tap, sum[i]);
-  }
+  const size_t period = hn::MaxLanes(hn::ScalableTag<T>()) / taps.x_step;
+  const T* x = taps.x + j;
+  size_t k = 0;
+  const auto groups = [&](auto group) HWY_ATTR {
+    constexpr size_t Q = decltype(group)::value;
+    for (; period > 0 && k + Q * period <= taps.count; k += (Q - 1) * period, x -= (Q - 1) * period * taps.x_step)
+      for (const size_t end = k + period; k < end; ++k, x -= taps.x_step) add_group<Q, M>(d, taps, k, period, x, sum);
+  };
+  groups(std::integral_constant<size_t, 4>());
+  groups(std::integral_constant<size_t, 2>());
+  for (; k < taps.count; ++k, x -= taps.x_step) add_group<1, M>(d, taps, k, 0, x, sum);
   for (size_t i = 0; i < M; ++i) hn::StoreU(sum[i], d, y + j + i * kLanes);
 }
 
