@@ -2297,7 +2297,8 @@ DSP_API int32_t dspff_fclose(FILE *stream);
 
 /**
  * Reads one record, binary or text, which its first byte tells apart; white space before it is skipped. Records may
- * follow one another in a stream: nothing behind a record is read, but for one character that is put back.
+ * follow one another in a stream: nothing behind a record is read, but for one character that is put back. The line end
+ * behind the last value of a text record is therefore still there: at the end of the input it reads as an empty record.
  *
  * Binary: what dspf_fwrite and its twin write, in either byte order and with values of either size (rounded to nearest
  * where this precision is the smaller), and the older forms without format word (magics 0xEB0110BE with 8-byte and
@@ -2316,8 +2317,7 @@ DSP_API int32_t dspff_fclose(FILE *stream);
  * exponent without digits counts as none ("1e" is 1); of "nan(1)" only nan is read, and the rest is no number.
  *   sizes    a binary record's points; text grows the storage by 1024 points whenever that many values have come
  *   delta    the record's
- *   returns  1 a vector was read; 0 at the end of the input, when nothing but white space was left: the vector then has
- *            0 points; -1 failure
+ *   returns  1 a vector was read; 0 at the end of the input: the vector then has 0 points; -1 failure
  *   fails    in a binary record: unknown magic, values of a size other than 4 and 8, an end before the last value (the
  *            vector keeps the fields and values that came, the other values being 0.0, unless more than 2^20 points are
  *            claimed: storage then grows with the data, and is given up); in text: what is not a number, fewer values

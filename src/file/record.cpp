@@ -121,11 +121,13 @@ template <class T> Status read_record(Vector<T>& v, std::FILE& stream) {
   return cut_short<T>(v, came);
 }
 
-// The first byte that is not white space, which is left in the stream; EOF at its end. The line end behind the last
-// value of a text record is not a record of its own.
+// The first byte that is not white space, which is left in the stream: a binary record may follow the line end behind
+// the last value of a text record. White space with nothing behind it is the text of an empty record.
 int first_byte(std::FILE& stream) {
   StreamText in(stream);
-  return in.back(next_visible(in));
+  const int first = in.next();
+  const int visible = is_space(first) ? next_visible(in) : first;
+  return visible == EOF && in.at_end() ? first : in.back(visible);
 }
 
 }  // namespace

@@ -24,7 +24,8 @@ TYPED_TEST(TextReader, HeaderLinesValuesAndWhatStaysInTheStream) {
   };
   const std::string filler(250, 'c');
   const Row rows[] = {
-      {" \n\t\v\f\r\n", 0, {}},
+      {"", 0, {}},
+      {" \n\t\v\f\r\n", 1, {}},
       {"1 2\n+3.", 1, {1, 2, 3}},
       {"#DSP complex = 1\n1 2 3", 1, {1, 2, 3, 0}, 1},
       {"#DSP points = 4\n1 2 3", -1, {1, 2, 3}},

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <bit>
+#include <cctype>
 #include <cstring>
 #include <string_view>
 
@@ -35,6 +36,14 @@ Header binary_header(FILE* file) {
   header.single = has_format ? (word[1] & 0xff) == 4 : word[0] == 0xEB0220BE;
   header.points = static_cast<int32_t>(word[has_format ? 2 : 1]);
   return header;
+}
+
+// Past the line end behind a text record, so that the end of the file is seen as such.
+void skip_space(FILE* file) {
+  int c;
+  do c = std::getc(file);
+  while (c != EOF && std::isspace(c));
+  std::ungetc(c, file);
 }
 
 uint64_t size_of(FILE* file) {
@@ -82,7 +91,8 @@ class RecordSource : public Source {
     Vector<double> passed;
     for (int record = 1; record <= wanted; ++record) {
       const long start = std::ftell(file.get());
-      if (!text) header = binary_header(file.get());
+      if (text) skip_space(file.get());
+      else header = binary_header(file.get());
       Vector<double>& into = record == first ? vector_ : record == second ? beside_ : passed;
       const int32_t status = dspf_fread(&into, file.get());
       if (status == 0)
