@@ -42,6 +42,9 @@ TEST_F(Signals, AFilterRemovesOneOfTwoTonesAndKeepsThePlaceOfTheOther) {
   const std::vector<double> high = sine(1000, 0.3, 1);
   for (size_t k = 0; k < both.size(); ++k) both[k] += high[k];
   const std::string from = record("in.dsp", both, 0.001);
+  // An audio file through a pipe, whose header is completed behind the samples.
+  const Outcome wav = run({"filter", from, "-", "--format", "wav", "--design", "high-pass", "--cutoff", "200"});
+  EXPECT_NEAR(measure({"-", "--peaks", "1"}, wav.out)["peaks"][0]["frequency"], 300, 0.1) << wav.err;
   const Outcome outcome =
       run({"filter", from, "-", "--format", "json", "--design", "low-pass", "--cutoff", "100", "--taps", "201"});
   const nlohmann::json samples = outcome.json()["samples"];
@@ -55,6 +58,22 @@ TEST_F(Signals, RefusalsNameTheArgumentAndLeaveNothing) {
   expect_refusals({
       {{"filter", from, o, "--design", "low-pass", "--cutoff", "501"}, 2, "must be above 0 to 500 Hz"},
       {{"resample", from, o, "--ratio", "0"}, 2, "--ratio '0': must be 0.001 to 1000"},
+      {{"filter", from, o, "--design", "low-pass", "--cutoff", "9", "--shape", "1"}, 2, "--shape is for --design sinh"},
+      {{"filter", from, o, "--design", "low-pass", "--cutoff", "9", "--delay", "1"},
+       2,
+       "--delay is for --design delayed"},
+      {{"filter", from, o, "--design", "delayed-low-pass", "--cutoff", "9", "--delay", "1"},
+       2,
+       "must be -0.05 to 0.05 s"},
+      {{"filter", from, o, "--design", "set9", "--taps", "9"}, 2, "is fixed"},
+      {{"generate", "gauss", o, "--rate", "9", "--points", "9", "--amplitude", "nan"},
+       2,
+       "--amplitude: nan is not a finite"},
+      {{"generate", "gauss", o, "--rate", "-1", "--points", "9"}, 2, "--rate: '-1' must be a number above 0"},
+      {{"generate", "line", o, "--rate", "9", "--points", "9", "--slope", "1e308", "--amplitude", "9"}, 2, "too large"},
+      {{"spectrum", from, "--averaging", "synchronous"}, 2, "needs --reference"},
+      {{"spectrum", from, "--averaging", "max", "--average-length", "3"}, 2, "--average-length is not for"},
+      {{"spectrum", from, "--averaging", "synchronous", "--reference", "600"}, 1, "reaches from 0 to 500"},
       {{"generate", "cosine", o, "--rate", "9", "--points", "9"}, 2, "--frequency is required"},
   });
 }

@@ -32,8 +32,18 @@ uint64_t whole_number(const std::string& text, const char* option, double least)
   const std::optional<double> number = to_number(text);
   if (!number || *number < least || *number > 2147483647 || *number != std::floor(*number))
     throw UsageError(std::string(option) + " " + in_quotes(text) +
-                     sigvex_tool::format(": must be a whole number from %g on", least));
+                     sigvex_tool::format(": must be a whole number from %g to 2147483647", least));
   return static_cast<uint64_t>(*number);
+}
+
+std::string number_above_zero(const std::string& text) {
+  const std::optional<double> number = to_number(text);
+  return number && *number > 0 && std::isfinite(*number) ? "" : in_quotes(text) + " must be a number above 0";
+}
+
+std::string number_from_zero(const std::string& text) {
+  const std::optional<double> number = to_number(text);
+  return number && *number >= 0 && std::isfinite(*number) ? "" : in_quotes(text) + " must be a number from 0 on";
 }
 
 void refuse_both_on_stdout(const std::string& plot, const std::string& format, const std::string& output) {

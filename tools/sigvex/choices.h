@@ -16,6 +16,10 @@ uint32_t window_type(const std::string& name, const std::string& option);
 // The number that the text is, at least `least`.
 uint64_t whole_number(const std::string& text, const char* option, double least);
 
+// Checks of an option's text; what they return completes the message "--rate: ...".
+std::string number_above_zero(const std::string& text);
+std::string number_from_zero(const std::string& text);
+
 // Rows of a picture in the terminal.
 constexpr size_t kPlotRows = 16;
 

@@ -54,7 +54,7 @@ uint64_t reach_of(const Options& o, const Result& r) {
   const uint64_t farthest = o.circular ? shorter / 2 : longer - 1;
   // Far lags have few pairs, so that dividing by their number lifts noise.
   if (!o.max_lag) return std::min(o.unbiased ? std::min(farthest, shorter / 2) : farthest, kUsualReach);
-  const double wanted = std::floor(*o.max_lag / r.a.delta * (1 + 1e-12));
+  const double wanted = std::floor(*o.max_lag / r.a.delta * (1 + 1e-7));  // a lag of so many samples, as rounded
   if (!(wanted <= static_cast<double>(kFarthestReach)))
     throw UsageError(
         format("--max-lag %g: must be 0 to %g ", *o.max_lag, static_cast<double>(kFarthestReach) * r.a.delta) +
@@ -162,7 +162,8 @@ std::string table(const Options& o, const Result& r) {
   Rows rows("rrlrrlr");
   rows.add({"peak", "lag", "", "samples", complex ? "magnitude" : description(o), "", complex ? "phase" : ""});
   for (size_t k = 0; k < r.peaks.size(); ++k) {
-    const LagPeak& p = r.peaks[k];
+    LagPeak p = r.peaks[k];
+    if (std::fabs(p.lag) < 0.0005) p.lag = 0;  // not -0.000
     rows.add({format("%zu", k + 1), format("%.*f", decimals, p.lag * r.a.delta), r.a.time_unit, format("%.3f", p.lag),
               number(o, complex ? std::abs(p.value) : p.value.real()), r.unit,
               complex ? format("%.1f deg", std::arg(p.value) * 180 / M_PI) : ""});
@@ -267,11 +268,11 @@ void add_correlate(CLI::App& program) {
       ->type_name("NAME|N")
       ->group(group);
   command->add_option("--max-lag", o->max_lag, "Longest lag, seconds (default: all there are, at most 131072 samples)")
-      ->check(CLI::NonNegativeNumber)
+      ->check(number_from_zero)
       ->type_name("T")
       ->group(group);
   command->add_option("--min-lag", o->min_lag, "Shortest lag to list as a peak, seconds")
-      ->check(CLI::NonNegativeNumber)
+      ->check(number_from_zero)
       ->type_name("T")
       ->group(group);
   command

@@ -67,7 +67,12 @@ std::vector<double> designed(const Design& design, const Options& o, const Sourc
     p1 = frequency(o.center, "--center", o, info, 0.5);
     p2 = frequency(o.bandwidth, "--bandwidth", o, info, 1);
   }
-  if (design.type == DSP_FIR_DELAYED_LOW_PASS) p2 = o.delay / info.delta;
+  if (design.type == DSP_FIR_DELAYED_LOW_PASS) {
+    const double most = 0.5 * (count - 1) * info.delta;
+    if (!(std::fabs(o.delay) <= most))
+      throw UsageError(format("--delay %g: must be %g to %g s, half of the taps", o.delay, -most, most));
+    p2 = o.delay / info.delta;
+  }
   const uint32_t window = window_type(o.window.empty() ? design.window : o.window, "--window");
   Vector<double> taps(static_cast<size_t>(count), false);
   check(dspc_fir(&taps, design.type, p1, p2), "the filter");
@@ -93,10 +98,14 @@ std::vector<double> taps_of(const Options& o, const SourceInfo& info) {
       if (!design.cutoff && o.cutoff) throw UsageError("--cutoff is not for --design " + o.design);
       if (!design.band && (o.center || o.bandwidth))
         throw UsageError("--center and --bandwidth are for --design band-pass and band-stop");
+      if (o.delay != 0 && design.type != DSP_FIR_DELAYED_LOW_PASS)
+        throw UsageError("--delay is for --design delayed-low-pass");
+      if (o.shape != 0 && design.type != DSP_FIR_SINH && design.type != DSP_FIR_SINH_RATIO)
+        throw UsageError("--shape is for --design sinh and sinh-ratio");
       return designed(design, o, info);
     }
-  if (o.taps || o.cutoff || o.center || o.bandwidth || !o.window.empty())
-    throw UsageError("--design " + o.design + " is fixed: it takes no --taps, --window or frequency");
+  if (o.taps || o.cutoff || o.center || o.bandwidth || o.delay != 0 || o.shape != 0 || !o.window.empty())
+    throw UsageError("--design " + o.design + " is fixed: it takes no taps, window, frequency, shape or delay");
   return mirrored(
       *std::find_if(std::begin(kSets), std::end(kSets), [&](const FixedSet& s) { return o.design == s.name; }));
 }
@@ -173,7 +182,8 @@ void add_filter(CLI::App& program) {
   command->add_option("--cutoff", o->cutoff, "Edge, Hz")->type_name("F")->group(group);
   command->add_option("--center", o->center, "Middle of the band, Hz")->type_name("F")->group(group);
   command->add_option("--bandwidth", o->bandwidth, "Width of the band, Hz")->type_name("F")->group(group);
-  command->add_option("--shape", o->shape, "Shape of the sinh designs; 0 chooses it by the taps")
+  command->add_option("--shape", o->shape, "Shape of the sinh designs, 0 to 600; 0 chooses it by the taps")
+      ->check(CLI::Range(0.0, 600.0))
       ->type_name("X")
       ->group(group);
   command->add_option("--delay", o->delay, "Delay of delayed-low-pass, seconds")->type_name("T")->group(group);

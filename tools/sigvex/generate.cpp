@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "blocks.h"
+#include "choices.h"
 #include "commands.h"
 #include "errors.h"
 #include "text.h"
@@ -80,6 +81,10 @@ void run_generate(const Options& o) {
   if (!(points >= 1 && points <= 1e12))
     throw UsageError(format("--seconds: gives %g samples, must be 1 to 1e12", points));
 
+  if (!std::isfinite(o.slope * points / *o.rate * o.amplitude + o.offset) ||
+      !std::isfinite(o.amplitude * 1e3 + o.offset))
+    throw UsageError("--amplitude, --offset and --slope make values that are too large for a number");
+
   SourceInfo info;
   info.name = o.kind;
   info.delta = 1 / *o.rate;
@@ -114,12 +119,12 @@ void add_generate(CLI::App& program) {
   add_output_options(*command, o->output);
   const char* group = "Signal";
   command->add_option("--rate", o->rate, "Samples per second")
-      ->check(CLI::PositiveNumber)
+      ->check(number_above_zero)
       ->required()
       ->type_name("R")
       ->group(group);
   CLI::Option* seconds = command->add_option("--seconds", o->seconds, "Length in seconds")
-                             ->check(CLI::PositiveNumber)
+                             ->check(number_above_zero)
                              ->type_name("T")
                              ->group(group);
   command->add_option("--points", o->points, "Length in samples")

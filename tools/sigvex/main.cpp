@@ -2,10 +2,12 @@
 #include <signal.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <iostream>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -45,6 +47,20 @@ std::vector<std::string> arguments(int argc, char** argv) {
   return list;
 }
 
+// No number of any option is NaN or infinite. Ranges that the parser checks let NaN through.
+void refuse_unbounded_numbers(CLI::App& program) {
+  for (CLI::App* command : program.get_subcommands({}))
+    for (CLI::Option* option : command->get_options()) {
+      const std::string type = option->get_type_name();
+      if (option->get_positional() || type.starts_with("NAME") || type.starts_with("TEXT") || type.starts_with("FILE"))
+        continue;
+      option->check([](const std::string& text) {
+        const std::optional<double> number = sigvex_tool::to_number(text);
+        return number && !std::isfinite(*number) ? text + " is not a finite number" : std::string();
+      });
+    }
+}
+
 int run(int argc, char** argv) {
   CLI::App program("Measures signals: reads a recording, shows what is in it.", "sigvex");
   program.set_version_flag("--version", version(), "Print the version and exit");
@@ -57,6 +73,8 @@ int run(int argc, char** argv) {
       "  sigvex spectrum recording.wav                 its strongest lines and the noise floor\n"
       "  sigvex spectrum --plot - recording.wav        the same with a picture in the terminal\n"
       "  sigvex convert recording.wav recording.csv    another file format\n"
+      "  sigvex correlate stereo.wav --with 2          how much later the second channel comes\n"
+      "  sigvex window FlatTop --plot -                what a window does to a spectrum\n"
       "  sigvex filter in.wav out.wav --design low-pass --cutoff 3000\n"
       "  sigvex resample in.wav out.wav --to-rate 16000\n"
       "\n"
@@ -71,6 +89,17 @@ int run(int argc, char** argv) {
   sigvex_tool::add_filter(program);
   sigvex_tool::add_resample(program);
   sigvex_tool::add_decimate(program);
+  refuse_unbounded_numbers(program);
+  if (argc > 1 && argv[1][0] != '-') {
+    std::string known;
+    bool found = false;
+    for (const CLI::App* command : program.get_subcommands({})) {
+      found |= command->get_name() == argv[1];
+      known += (known.empty() ? "" : ", ") + command->get_name();
+    }
+    if (!found)
+      throw sigvex_tool::UsageError(sigvex_tool::in_quotes(argv[1]) + ": no such command; the commands are " + known);
+  }
   try {
     program.parse(arguments(argc, argv));
   } catch (const CLI::Success& request) {  // --help, --version

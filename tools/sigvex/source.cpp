@@ -88,16 +88,6 @@ bool is_dsp_text(std::string_view head) {
   return false;
 }
 
-// Checks of an option's text; what they return completes the message "--rate: ...".
-std::string number_above_zero(const std::string& text) {
-  const std::optional<double> number = to_number(text);
-  return number && *number > 0 && std::isfinite(*number) ? "" : in_quotes(text) + " must be a number above 0";
-}
-std::string number_from_zero(const std::string& text) {
-  const std::optional<double> number = to_number(text);
-  return number && *number >= 0 && std::isfinite(*number) ? "" : in_quotes(text) + " must be a number from 0 on";
-}
-
 }  // namespace
 
 void add_input_options(CLI::App& command, InputOptions& o) {

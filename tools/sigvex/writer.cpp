@@ -4,7 +4,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstring>
 #include <nlohmann/json.hpp>
 #include <vector>
 
@@ -92,10 +94,11 @@ class JsonWriter : public Writer {
   bool single_, first_ = true;
 };
 
+// Headers of audio files are completed at the end: what goes into a pipe is made in a temporary file.
 class AudioWriter : public Writer {
  public:
   AudioWriter(OutputFile& out, const SourceInfo& info, const std::string& format, bool single)
-      : name_(info.name), format_(format) {
+      : out_(out), name_(info.name), format_(format) {
     const double rate = 1 / info.delta;
     if (!(std::fabs(rate - std::round(rate)) < 1e-6 * rate) || rate < 1 || rate > 2147483647)
       throw DataError(
@@ -106,7 +109,10 @@ class AudioWriter : public Writer {
     sound.format = format == "flac"  ? SF_FORMAT_FLAC | SF_FORMAT_PCM_24
                    : format == "ogg" ? SF_FORMAT_OGG | SF_FORMAT_VORBIS
                                      : SF_FORMAT_WAV | (single ? SF_FORMAT_FLOAT : SF_FORMAT_DOUBLE);
-    file_.reset(sf_open_fd(fileno(out.stream()), SFM_WRITE, &sound, SF_FALSE));
+    if (!out.is_regular()) copy_.reset(std::tmpfile());
+    if (!out.is_regular() && !copy_)
+      throw DataError("temporary file for the audio output: " + std::string(std::strerror(errno)));
+    file_.reset(sf_open_fd(fileno(copy_ ? copy_.get() : out.stream()), SFM_WRITE, &sound, SF_FALSE));
     if (!file_) throw DataError("audio output: " + std::string(sf_strerror(nullptr)));
     sf_command(file_.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
     channels_ = info.channels;
@@ -122,13 +128,22 @@ class AudioWriter : public Writer {
       throw DataError(name_ + sigvex_tool::format(": reaches %g, but full scale of ", loudest_) + format_ +
                       " is 1; give a gain, or write WAV, which has no limit");
     file_.reset();
+    if (!copy_) return;
+    std::rewind(copy_.get());
+    std::string block(1 << 16, '\0');
+    for (size_t got; (got = std::fread(block.data(), 1, block.size(), copy_.get())) > 0;)
+      out_.write(block.substr(0, got));
+    if (std::ferror(copy_.get()))
+      throw DataError("temporary file for the audio output: " + std::string(std::strerror(errno)));
   }
 
  private:
   struct Close {
     void operator()(SNDFILE* file) const { sf_close(file); }
   };
+  OutputFile& out_;
   std::string name_, format_;
+  File copy_;
   std::unique_ptr<SNDFILE, Close> file_;
   size_t channels_ = 1;
   double loudest_ = 0;
