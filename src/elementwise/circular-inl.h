@@ -16,97 +16,98 @@ HWY_BEFORE_NAMESPACE();
 namespace sigvex::elementwise {
 namespace HWY_NAMESPACE {
 
-// |x| less its quadrants, n of them: r in two parts, |r| <= pi/4. Fine is what this reduction serves: |x| up to 2^20
-// quadrants, the products of n with the first two parts of pi/2 being exact that far, and r not so small beside x that
-// the third part has too few bits.
-struct Reduced {
-  VI n;
-  Sum r;
-  M fine;
+// |x| less its quadrants, n of them: r in two parts, |r| <= pi/4, the low one at most half a unit of the high one. Fine
+// is what this reduction serves: where the products of n are exact, and r not so small beside x that digits are
+// missing.
+template <class T> struct Reduced {
+  VI<T> n;
+  Sum<T> r;
+  M<T> fine;
 };
 
-template <class T> HWY_INLINE Reduced reduced(V magnitude) {
-  const Whole n = whole(magnitude, 2 * std::numbers::inv_pi);
-  const V rest = negmuladd(n.value, set(0x1.921fb544p+0), magnitude);  // exact
-  const M near = hn::Le(magnitude, set(0x1.9p+20));
-  if constexpr (!kDouble<T>) return {n.bits, {negmuladd(n.value, set(0x1.0b4611a626331p-34), rest), hn::Zero(d)}, near};
-  const V second = n.value * set(0x1.0b4611a8p-34), r = rest - second;
-  const V low = negmuladd(n.value, set(-0x1.d9cceba3f91f2p-66), (rest - r) - second);
-  return {n.bits, {r, low}, hn::And(near, hn::Ge(hn::Abs(r), magnitude * set(0x1p-60)))};
+template <class T> HWY_INLINE Reduced<T> reduced(V<T> magnitude) {
+  const Whole<T> n = whole<T>(magnitude, 2 * std::numbers::inv_pi);
+  constexpr double kFar = kDouble<T> ? 0x1.9p+20 : kFused ? 0x1p17 : 0x1.9p12, kNear = kDouble<T> ? 0x1p-33 : 0x1p-24;
+  Sum<T> r;
+  if constexpr (kFused) {
+    const V<T> second = set<T>(kRightAngle<T>[1]), rest = negmuladd(n.value, set<T>(kRightAngle<T>[0]), magnitude);
+    r.high = negmuladd(n.value, second, rest);
+    r.low = negmuladd(n.value, set<T>(kRightAngle<T>[2]), negmuladd(n.value, second, rest - r.high));
+  } else {
+    const V<T> rest = magnitude - n.value * set<T>(kRightAngleUnfused<T>[0]);
+    const V<T> second = n.value * set<T>(kRightAngleUnfused<T>[1]), high = rest - second;
+    r = fast_sum<T>(high, ((rest - high) - second) - n.value * set<T>(kRightAngleUnfused<T>[2]));
+  }
+  const M<T> near = hn::Le(magnitude, set<T>(kFar));
+  return {n.bits, r, hn::And(near, hn::Ge(hn::Abs(r.high), magnitude * set<T>(kNear)))};
 }
 
-// The sine and the cosine of r, each in two parts.
-struct SinCos {
-  Sum sin, cos;
-};
+// The sine and the cosine of r, each in two parts. Where the last bit counts, the cosine's second part is small and
+// what the low part of r does to the sine is not rounded to it; otherwise the cosine is 1 and the rest of it.
+template <class T> struct SinCos { Sum<T> sin, cos; };
 
-template <class T> HWY_INLINE SinCos sin_cos(Sum r) {
-  const V square = r.high * r.high, half = r.high * set(0.5), one = set(1);
-  const V near_cos = negmuladd(half, r.high, one);
-  const V sin_tail = square * r.high * polynomial(kSin<T>, square);
-  const V cos_tail = square * square * polynomial(kCos<T>, square);
-  if constexpr (!kDouble<T>) return {{r.high, sin_tail}, {near_cos, cos_tail}};
-  const V lost = remainder(one - near_cos, half, r.high);  // by near_cos
-  return {{r.high, muladd(r.low, near_cos + cos_tail, sin_tail)},
-          {near_cos, lost + negmuladd(r.low, r.high + sin_tail, cos_tail)}};
+template <class T, bool kExact = !kFused> HWY_INLINE SinCos<T> sin_cos(Sum<T> r) {
+  const V<T> square = r.high * r.high, half = r.high * set<T>(0.5), one = set<T>(1), cube = square * r.high;
+  const V<T> sin_poly = polynomial(kSin<T>, square), cos_poly = polynomial(kCos<T>, square);
+  const V<T> cos_tail = negmuladd(r.high, r.low, square * square * cos_poly);
+  if constexpr (!kExact) return {{r.high, muladd(cube, sin_poly, r.low)}, {one, negmuladd(half, r.high, cos_tail)}};
+  const V<T> near_cos = negmuladd(half, r.high, one), lost = remainder<T>(one - near_cos, half, r.high);
+  return {{r.high, muladd(r.low, near_cos, cube * sin_poly)}, {near_cos, lost + cos_tail}};
 }
 
-HWY_INLINE M odd(VI n) { return hn::RebindMask(d, hn::TestBit(n, hn::Set(di, 1))); }
-HWY_INLINE V negated_by_bit_1(VI n, V x) {
-  return from_bits(hn::Xor(bits(x), hn::ShiftLeft<62>(hn::And(n, hn::Set(di, 2)))));
+template <class T> HWY_INLINE M<T> odd(VI<T> n) { return hn::RebindMask(D<T>(), hn::TestBit(n, set_bits<T>(1))); }
+template <class T> HWY_INLINE V<T> negated_by_bit_1(VI<T> n, V<T> x) {
+  return from_bits<T>(hn::Xor(bits<T>(x), hn::ShiftLeft<8 * sizeof(T) - 2>(hn::And(n, set_bits<T>(2)))));
 }
-HWY_INLINE V with_sign_of(V x, V y) {  // y, its sign changed where x is negative
-  return hn::Xor(y, hn::And(x, hn::SignBit(d)));
-}
-
-HWY_INLINE V sin_of_quadrant(VI n, const SinCos& s) {
-  return negated_by_bit_1(n, rounded(choose(odd(n), s.cos, s.sin)));
-}
-HWY_INLINE V cos_of_quadrant(VI n, const SinCos& s) {
-  return negated_by_bit_1(n + hn::Set(di, 1), rounded(choose(odd(n), s.sin, s.cos)));
+template <class T> HWY_INLINE V<T> with_sign_of(V<T> x, V<T> y) {  // y, its sign changed where x is negative
+  return hn::Xor(y, hn::And(x, minus<T>()));
 }
 
-template <class T> HWY_INLINE V sin(V x) {
-  const Reduced a = reduced<T>(hn::Abs(x));
-  const V y = with_sign_of(x, sin_of_quadrant(a.n, sin_cos<T>(a.r)));
-  return patch(
+template <class T> HWY_INLINE V<T> sin_of_quadrant(VI<T> n, const SinCos<T>& s) {
+  return negated_by_bit_1<T>(n, rounded(choose<T>(odd<T>(n), s.cos, s.sin)));
+}
+template <class T> HWY_INLINE V<T> cos_of_quadrant(VI<T> n, const SinCos<T>& s) {
+  return negated_by_bit_1<T>(n + set_bits<T>(1), rounded(choose<T>(odd<T>(n), s.sin, s.cos)));
+}
+
+template <class T> HWY_INLINE V<T> sin(V<T> x) {
+  const Reduced<T> a = reduced<T>(hn::Abs(x));
+  const V<T> y = with_sign_of<T>(x, sin_of_quadrant<T>(a.n, sin_cos<T>(a.r)));
+  return patch<T>(
       a.fine, y, [](double at) { return std::sin(at); }, x);
 }
-template <class T> HWY_INLINE V cos(V x) {
-  const Reduced a = reduced<T>(hn::Abs(x));
-  return patch(
-      a.fine, cos_of_quadrant(a.n, sin_cos<T>(a.r)), [](double at) { return std::cos(at); }, x);
+template <class T> HWY_INLINE V<T> cos(V<T> x) {
+  const Reduced<T> a = reduced<T>(hn::Abs(x));
+  return patch<T>(
+      a.fine, cos_of_quadrant<T>(a.n, sin_cos<T>(a.r)), [](double at) { return std::cos(at); }, x);
 }
 
 // magnitude (cos angle, sin angle)
-template <class T> HWY_INLINE Points rectangular(V magnitude, V angle) {
-  const Reduced a = reduced<T>(hn::Abs(angle));
-  const SinCos s = sin_cos<T>(a.r);
-  const V re = patch(
-      a.fine, cos_of_quadrant(a.n, s), [](double at) { return std::cos(at); }, angle);
-  const V im = patch(
-      a.fine, with_sign_of(angle, sin_of_quadrant(a.n, s)), [](double at) { return std::sin(at); }, angle);
-  return {magnitude * re, magnitude * im};
+template <class T> HWY_INLINE Points<T> rectangular(V<T> magnitude, V<T> angle) {
+  const Reduced<T> a = reduced<T>(hn::Abs(angle));
+  const SinCos<T> s = sin_cos<T>(a.r);
+  const V<T> cosine = cos_of_quadrant<T>(a.n, s), sine = with_sign_of<T>(angle, sin_of_quadrant<T>(a.n, s));
+  return {magnitude * patch<T>(
+                          a.fine, cosine, [](double at) { return std::cos(at); }, angle),
+          magnitude * patch<T>(
+                          a.fine, sine, [](double at) { return std::sin(at); }, angle)};
 }
 
-template <class T> HWY_INLINE V tan(V x) {
-  const Reduced a = reduced<T>(hn::Abs(x));
-  const SinCos s = sin_cos<T>(a.r);
-  V y;
-  if constexpr (kDouble<T>) {
-    const Sum sine = fast_sum(s.sin.high, s.sin.low), cosine = fast_sum(s.cos.high, s.cos.low);
-    y = rounded(quotient(choose(odd(a.n), cosine, sine), choose(odd(a.n), sine, cosine)));
-  } else {
-    const V sine = rounded(s.sin), cosine = rounded(s.cos);
-    y = hn::IfThenElse(odd(a.n), cosine, sine) / hn::IfThenElse(odd(a.n), sine, cosine);
-  }
-  y = negated_by_bit_1(hn::ShiftLeft<1>(a.n), with_sign_of(x, y));  // -1/tan in the odd quadrants
-  return patch(
-      a.fine, y, [](double at) { return std::tan(at); }, x);
+template <class T> HWY_INLINE V<T> tan(V<T> x) {
+  const Reduced<T> a = reduced<T>(hn::Abs(x));
+  const SinCos<T> s = sin_cos<T, true>(a.r);
+  const Sum<T> sine = fast_sum<T>(s.sin.high, s.sin.low), cosine = fast_sum<T>(s.cos.high, s.cos.low);
+  const M<T> swap = odd<T>(a.n);
+  const V<T> y = rounded(quotient<T>(choose<T>(swap, cosine, sine), choose<T>(swap, sine, cosine)));
+  const V<T> mirrored = negated_by_bit_1<T>(hn::ShiftLeft<1>(a.n), with_sign_of<T>(x, y));  // -1/tan in odd quadrants
+  return patch<T>(
+      a.fine, mirrored, [](double at) { return std::tan(at); }, x);
 }
 
 // sin(x) / x
-template <class T> HWY_INLINE V sinc(V x) { return hn::IfThenElse(hn::Eq(x, hn::Zero(d)), set(1), sin<T>(x) / x); }
+template <class T> HWY_INLINE V<T> sinc(V<T> x) {
+  return hn::IfThenElse(hn::Eq(x, zero<T>()), set<T>(1), sin<T>(x) / x);
+}
 
 }  // namespace HWY_NAMESPACE
 }  // namespace sigvex::elementwise

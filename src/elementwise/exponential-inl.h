@@ -6,6 +6,7 @@
 #define SIGVEX_ELEMENTWISE_EXPONENTIAL_INL_H
 #endif
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -17,40 +18,40 @@ namespace sigvex::elementwise {
 namespace HWY_NAMESPACE {
 
 // e^x as scale + scale * fraction, |fraction| < 0.022, times 2^power. For results, and scales, that are normal numbers.
-struct Exponential {
-  V scale, fraction;
-};
+template <class T> struct Exponential { V<T> scale, fraction; };
 
-template <class T> HWY_INLINE Exponential exponential(V x, int power = 0) {
-  const Whole n = whole(x, 16 * std::numbers::log2e);
-  // The first part of ln 2 / 16 has so few bits that its product with n is exact.
-  const V r = negmuladd(n.value, set(0x1.cf79abc9e3b3ap-44), negmuladd(n.value, set(0x1.62e42fefap-5), x));
-  const VI two_to_n = hn::ShiftLeft<52>(hn::ShiftRight<4>(n.bits) + hn::Set(di, static_cast<uint64_t>(power)));
-  const V scale = from_bits(bits(lookup16(kExp2, n.bits)) + two_to_n);
-  V fraction = muladd(r * r, polynomial(kExp<T>, r), r);
-  if constexpr (kDouble<T>) fraction = fraction + lookup16(kExp2Error, n.bits);
-  return {scale, fraction};
+template <class T, int kPower = 0> HWY_INLINE Exponential<T> exponential(V<T> x) {
+  const Whole<T> n = whole<T>(x, 16 * std::numbers::log2e);
+  const V<T> rest = negmuladd(n.value, set<T>(kLn2Over16<T>[0]), x);
+  const V<T> r = negmuladd(n.value, set<T>(kLn2Over16<T>[1]), rest);
+  VI<T> scale = bits<T>(lookup16(kExp2<T>, n.bits)) + hn::ShiftLeft<kFraction<T> - 4>(n.bits);
+  if constexpr (kPower != 0) scale = scale + set_bits<T>(static_cast<Bits<T>>(kPower) << kFraction<T>);
+  const V<T> fraction = muladd(r * r, polynomial(kExp<T>, r), r);
+  return {from_bits<T>(scale), fraction + lookup16(kExp2Error<T>, n.bits)};
 }
-HWY_INLINE V rounded(Exponential e) { return muladd(e.scale, e.fraction, e.scale); }
+template <class T> HWY_INLINE V<T> rounded(Exponential<T> e) { return muladd(e.scale, e.fraction, e.scale); }
 
-// e^x, infinity and denormals included.
-template <class T> HWY_INLINE V exp(V x) {
-  const M fine = hn::Le(hn::Abs(x), set(kDouble<T> ? 708 : 200));
-  return patch(
-      fine, rounded(exponential<T>(x)), [](double at) { return std::exp(at); }, x);
+// The largest argument whose exponential, and its inverse, are well inside the range of normal numbers.
+template <class T> constexpr T kExpLimit = kDouble<T> ? 708 : 87;
+
+// e^x for x up to a limit, the smaller of kExpLimit and what is given; denormals included, NaN stays.
+template <class T> HWY_INLINE V<T> exp_up_to(T limit, V<T> x) {
+  const M<T> fine = hn::Ge(x, set<T>(-kExpLimit<T>));
+  const V<T> y = rounded(exponential<T>(hn::Min(x, set<T>(std::min(limit, kExpLimit<T>)))));
+  return patch<T>(
+      fine, y, [](double at) { return std::exp(at); }, x);
 }
 
 // The rules of dspi_exp and dspi_exp10.
-template <class T> HWY_INLINE V exp_capped(V x) {
-  const M over = hn::Gt(x, set(Limits<T>::ln_huge));
-  const V within = hn::IfThenElse(over, hn::Zero(d), x);
-  return hn::IfThenElse(over, set(Limits<T>::huge), exp<T>(within));
+template <class T> HWY_INLINE V<T> exp_capped(V<T> x) {
+  constexpr T kLimit = Limits<T>::ln_huge;
+  return hn::IfThenElse(hn::Gt(x, set<T>(kLimit)), set<T>(Limits<T>::huge), exp_up_to<T>(kLimit, x));
 }
 // A part out of range counts as huge, and so does its power: below -huge and NaN give huge as well.
-template <class T> HWY_INLINE V exp10_capped(V x) {
-  const M inside = hn::And(hn::Le(x, set(Limits<T>::log10_huge)), hn::Ge(x, set(-Limits<T>::huge)));
-  const V within = hn::IfThenElseZero(inside, x);
-  return hn::IfThenElse(inside, exp<T>(within * set(std::numbers::ln10)), set(Limits<T>::huge));
+template <class T> HWY_INLINE V<T> exp10_capped(V<T> x) {
+  const M<T> inside = hn::And(hn::Le(x, set<T>(Limits<T>::log10_huge)), hn::Ge(x, set<T>(-Limits<T>::huge)));
+  const V<T> power = exp_up_to<T>(kExpLimit<T>, hn::IfThenElseZero(inside, x) * set<T>(std::numbers::ln10));
+  return hn::IfThenElse(inside, power, set<T>(Limits<T>::huge));
 }
 
 }  // namespace HWY_NAMESPACE

@@ -14,50 +14,43 @@ namespace sigvex::elementwise {
 namespace HWY_NAMESPACE {
 
 // Half of e^x and of e^-x, x >= 0; the latter is not needed to full precision, nor below what counts beside the former.
-struct Halves {
-  Exponential growing, falling;
-};
-template <class T> HWY_INLINE Halves halves_of(V x) {
-  return {exponential<T>(x, -1), exponential<T>(hn::Neg(hn::Min(x, set(40))), -1)};
+template <class T> struct Halves { Exponential<T> growing, falling; };
+template <class T> HWY_INLINE Halves<T> halves_of(V<T> x) {
+  return {exponential<T, -1>(x), exponential<T, -1>(hn::Neg(hn::Min(x, set<T>(40))))};
 }
-HWY_INLINE V low_part(Exponential e) { return e.scale * e.fraction; }
+template <class T> HWY_INLINE V<T> low_part(Exponential<T> e) { return e.scale * e.fraction; }
 
-template <class T> HWY_INLINE V cosh(V x) {
-  const V a = hn::Abs(x);
+template <class T> HWY_INLINE V<T> cosh(V<T> x) {
+  const V<T> a = hn::Abs(x);
   const auto [growing, falling] = halves_of<T>(a);
-  const Sum sum = fast_sum(growing.scale, falling.scale);
-  const V y = sum.high + (sum.low + (low_part(growing) + low_part(falling)));
-  return patch(
-      hn::Le(a, set(709)), y, [](double at) { return std::cosh(at); }, x);
+  const Sum<T> sum = fast_sum<T>(growing.scale, falling.scale);
+  const V<T> y = sum.high + (sum.low + (low_part(growing) + low_part(falling)));
+  return patch<T>(
+      hn::Le(a, set<T>(kExpLimit<T>)), y, [](double at) { return std::cosh(at); }, x);
 }
 
-template <class T> HWY_INLINE V sinh(V x) {
-  const V a = hn::Abs(x), square = a * a;
+template <class T> HWY_INLINE V<T> sinh(V<T> x) {
+  const V<T> a = hn::Abs(x), square = a * a;
   const auto [growing, falling] = halves_of<T>(a);
-  const Sum sum = fast_sum(growing.scale, hn::Neg(falling.scale));
-  const V far = sum.high + (sum.low + (low_part(growing) - low_part(falling)));
-  const V near = muladd(a * square, polynomial(kSinh<T>, square), a);
-  const V y = with_sign_of(x, hn::IfThenElse(hn::Lt(a, set(1)), near, far));
-  return patch(
-      hn::Le(a, set(709)), y, [](double at) { return std::sinh(at); }, x);
+  const Sum<T> sum = fast_sum<T>(growing.scale, hn::Neg(falling.scale));
+  const V<T> far = sum.high + (sum.low + (low_part(growing) - low_part(falling)));
+  const V<T> near = muladd(a * square, polynomial(kSinh<T>, square), a);
+  const V<T> y = with_sign_of<T>(x, hn::IfThenElse(hn::Lt(a, set<T>(1)), near, far));
+  return patch<T>(
+      hn::Le(a, set<T>(kExpLimit<T>)), y, [](double at) { return std::sinh(at); }, x);
 }
 
 // 1 - 2 / (e^2x + 1) away from 0
-template <class T> HWY_INLINE V tanh(V x) {
-  const V a = hn::Abs(x), square = a * a, one = set(1);
-  const Exponential power = exponential<T>(hn::Min(a + a, set(40)));
-  V far;
-  if constexpr (kDouble<T>) {
-    const Sum below = fast_sum(power.scale, one), sum = fast_sum(below.high, below.low + low_part(power));
-    const V inverse = one / sum.high;  // what it lacks, times two: the second factor of the last product
-    const V rest = (remainder(one, inverse, sum.high) - inverse * sum.low) * (inverse + inverse);
-    const Sum difference = fast_sum(one, hn::Neg(inverse + inverse));
-    far = difference.high + (difference.low - rest);
-  } else {
-    far = one - set(2) / (rounded(power) + one);
-  }
-  const V near = muladd(a * square, polynomial(kTanh<T>, square), a);
-  return with_sign_of(x, hn::IfThenElse(hn::Lt(a, set(0.5625)), near, hn::IfThenElse(hn::Eq(x, x), far, x)));
+template <class T> HWY_INLINE V<T> tanh(V<T> x) {
+  const V<T> a = hn::Abs(x), square = a * a, one = set<T>(1);
+  const Exponential<T> power = exponential<T>(hn::Min(a + a, set<T>(40)));
+  const Sum<T> below = fast_sum<T>(power.scale, one), sum = fast_sum<T>(below.high, below.low + low_part<T>(power));
+  const V<T> inverse = one / sum.high, twice = inverse + inverse;
+  const V<T> rest = (remainder<T>(one, inverse, sum.high) - inverse * sum.low) * twice;  // what twice lacks
+  const Sum<T> difference = fast_sum<T>(one, hn::Neg(twice));
+  const V<T> far = difference.high + (difference.low - rest);
+  const V<T> near = muladd(a * square, polynomial(kTanh<T>, square), a);
+  return with_sign_of<T>(x, hn::IfThenElse(hn::Lt(a, set<T>(0.5625)), near, hn::IfThenElse(hn::Eq(x, x), far, x)));
 }
 
 }  // namespace HWY_NAMESPACE

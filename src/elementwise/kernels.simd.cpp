@@ -17,29 +17,29 @@ HWY_BEFORE_NAMESPACE();
 namespace sigvex::elementwise {
 namespace HWY_NAMESPACE {
 
-template <class T, V (*function)(V)> void map(const T* x, T* y, size_t n) {
-  each_sample(x, y, n, [](V at) HWY_ATTR { return function(at); });
+template <class T, V<T> (*function)(V<T>)> void map(const T* x, T* y, size_t n) {
+  each_sample(x, y, n, [](V<T> at) HWY_ATTR { return function(at); });
 }
-template <class T, Points (*function)(Points)> void map_points(const T* x, T* y, size_t n) {
-  each_point(x, y, n, [](Points z) HWY_ATTR { return function(z); });
+template <class T, Points<T> (*function)(Points<T>)> void map_points(const T* x, T* y, size_t n) {
+  each_point(x, y, n, [](Points<T> z) HWY_ATTR { return function(z); });
 }
-template <class T, V (*function)(V, V)> void map_to_real(const T* x, T* y, size_t n) {
-  each_point_to_real(x, y, n, [](Points z) HWY_ATTR { return function(z.re, z.im); });
+template <class T, V<T> (*function)(V<T>, V<T>)> void map_to_real(const T* x, T* y, size_t n) {
+  each_point_to_real(x, y, n, [](Points<T> z) HWY_ATTR { return function(z.re, z.im); });
 }
 
 template <class T> void db(const T* x, T* y, size_t n, T factor) {
-  each_sample(x, y, n, [by = set(factor)](V at) HWY_ATTR { return by * log10_or_floor<T>(at); });
+  each_sample(x, y, n, [by = set<T>(factor)](V<T> at) HWY_ATTR { return by * log10_or_floor<T>(at); });
 }
 template <class T> void db_of_points(const T* x, T* y, size_t n, T factor) {
-  each_point(x, y, n, [by = set(factor)](Points z) HWY_ATTR { return db_of_point<T>(z, by); });
+  each_point(x, y, n, [by = set<T>(factor)](Points<T> z) HWY_ATTR { return db_of_point<T>(z, by); });
 }
 
-template <class T> HWY_INLINE V phase(V re, V im) { return angle<T>(im, re); }
-template <class T> HWY_INLINE Points exp_of_point(Points z) { return rectangular<T>(exp_capped<T>(z.re), z.im); }
-template <class T> HWY_INLINE Points exp10_of_point(Points z) {
-  return rectangular<T>(exp10_capped<T>(z.re), z.im * set(std::numbers::ln10));
+template <class T> HWY_INLINE V<T> phase(V<T> re, V<T> im) { return angle<T>(im, re); }
+template <class T> HWY_INLINE Points<T> exp_of_point(Points<T> z) { return rectangular<T>(exp_capped<T>(z.re), z.im); }
+template <class T> HWY_INLINE Points<T> exp10_of_point(Points<T> z) {
+  return rectangular<T>(exp10_capped<T>(z.re), z.im * set<T>(std::numbers::ln10));
 }
-template <class T> HWY_INLINE Points rectangular_of(Points z) { return rectangular<T>(z.re, z.im); }
+template <class T> HWY_INLINE Points<T> rectangular_of(Points<T> z) { return rectangular<T>(z.re, z.im); }
 
 template <class T> const MathKernels<T>* kernels() {
   static constexpr MathKernels<T> table = {

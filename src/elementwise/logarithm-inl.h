@@ -17,69 +17,68 @@ HWY_BEFORE_NAMESPACE();
 namespace sigvex::elementwise {
 namespace HWY_NAMESPACE {
 
-struct Decomposed {
-  V e;
-  Sum r;
-  VI cell;
+template <class T> struct Decomposed {
+  V<T> e;
+  Sum<T> r;
+  VI<T> cell;
 };
 
 // For positive normal numbers.
-HWY_INLINE Decomposed decompose(V x) {
-  const VI from_start = bits(x) - hn::Set(di, std::bit_cast<uint64_t>(kLogStart) - (uint64_t{1023} << 52));
-  const VI exponent = hn::ShiftRight<52>(from_start);  // biased
-  const V e = from_bits(hn::Or(exponent, hn::Set(di, std::bit_cast<uint64_t>(0x1p52)))) - set(0x1p52 + 1023);
-  const V m = from_bits(bits(x) - hn::ShiftLeft<52>(exponent) + hn::Set(di, uint64_t{1023} << 52));
-  const VI cell = hn::ShiftRight<48>(from_start);
-  const V c = lookup16(kInverse, cell);
-  const V product = m * c;
-  return {e, {product - set(1), hn::Neg(remainder(product, m, c))}, cell};
+template <class T> HWY_INLINE Decomposed<T> decompose(V<T> x) {
+  constexpr Bits<T> kOne = kBias<T> << kFraction<T>;
+  constexpr T kShifter = T(Bits<T>{1} << kFraction<T>);  // its unit is 1
+  const VI<T> from_start = bits<T>(x) - set_bits<T>(std::bit_cast<Bits<T>>(kLogStart<T>) - kOne);
+  const VI<T> exponent = hn::ShiftRight<kFraction<T>>(from_start);  // biased
+  const VI<T> shifted = hn::Or(exponent, set_bits<T>(std::bit_cast<Bits<T>>(kShifter)));
+  const V<T> e = from_bits<T>(shifted) - set<T>(kShifter + T(kBias<T>));
+  const V<T> m = from_bits<T>(bits<T>(x) - hn::ShiftLeft<kFraction<T>>(exponent) + set_bits<T>(kOne));
+  const VI<T> cell = hn::ShiftRight<kFraction<T> - 4>(from_start);
+  const V<T> c = lookup16(kInverse<T>, cell), product = m * c;
+  return {e, {product - set<T>(1), lost_by<T>(product, m, c)}, cell};
 }
 
-// What the low part of r adds to log(1 + r).
-HWY_INLINE V log1p_slope(Sum r) { return negmuladd(r.low, r.high, r.low); }
-
-template <class T> HWY_INLINE V ln_of_normal(V x) {
-  const auto [e, r, cell] = decompose(x);
-  const V square = r.high * r.high;
-  if constexpr (!kDouble<T>) {
-    const V whole_part = muladd(e, set(std::numbers::ln2), lookup16(kLnHigh, cell));
-    return whole_part + muladd(square, polynomial(kLog1p<T>, r.high), r.high);
-  }
-  const V tail = muladd(square, polynomial(kLog1p<T>, r.high), log1p_slope(r));
-  const Sum sum = fast_sum(muladd(e, set(0x1.62e42fefa38p-1), lookup16(kLnHigh, cell)), r.high);
-  const V low = muladd(e, set(0x1.ef35793c7673p-45), lookup16(kLnLow, cell));
-  return sum.high + (tail + (sum.low + low));
+// log(1 + r) - r
+template <class T> HWY_INLINE V<T> log1p_tail(Sum<T> r) {
+  return muladd(r.high * r.high, polynomial(kLog1p<T>, r.high), negmuladd(r.low, r.high, r.low));
 }
 
-template <class T> HWY_INLINE V log10_of_normal(V x) {
-  const auto [e, r, cell] = decompose(x);
-  const V factor = set(std::numbers::log10e), square = r.high * r.high;
-  if constexpr (!kDouble<T>) {
-    const V whole_part = muladd(e, set(0x1.34413509f79ffp-2), lookup16(kLog10High, cell));
-    return muladd(muladd(square, polynomial(kLog1p<T>, r.high), r.high), factor, whole_part);
-  }
-  const V product = r.high * factor;  // r log10 e, in two parts
-  const V low_product = muladd(r.high, set(0x1.95355baaafad3p-57), hn::Neg(remainder(product, r.high, factor)));
-  const V tail = muladd(muladd(square, polynomial(kLog1p<T>, r.high), log1p_slope(r)), factor, low_product);
-  const Sum sum = fast_sum(muladd(e, set(0x1.34413509f8p-2), lookup16(kLog10High, cell)), product);
-  const V low = muladd(e, set(-0x1.80433b83b532ap-44), lookup16(kLog10Low, cell));
-  return sum.high + (tail + (sum.low + low));
+// e log 2 + log(1/c) + term, the latter small beside the former two unless these are 0.
+template <class T>
+HWY_INLINE V<T> log_sum(const Decomposed<T>& x, Log2Parts<T> log2, V<T> high, V<T> low, Sum<T> term) {
+  const Sum<T> sum = fast_sum<T>(muladd(x.e, set<T>(log2.high), high), term.high);
+  return sum.high + (term.low + (sum.low + muladd(x.e, set<T>(log2.low), low)));
+}
+
+template <class T> HWY_INLINE V<T> ln_of_normal(V<T> x) {
+  const Decomposed<T> parts = decompose<T>(x);
+  const V<T> high = lookup16(kLnHigh<T>, parts.cell), low = lookup16(kLnLow<T>, parts.cell);
+  return log_sum<T>(parts, kLn2<T>, high, low, {parts.r.high, log1p_tail<T>(parts.r)});
+}
+
+template <class T> HWY_INLINE V<T> log10_of_normal(V<T> x) {
+  const Decomposed<T> parts = decompose<T>(x);
+  const V<T> high = lookup16(kLog10High<T>, parts.cell), low = lookup16(kLog10Low<T>, parts.cell);
+  const V<T> r = parts.r.high, factor = set<T>(std::numbers::log10e), product = r * factor;
+  const V<T> rest = muladd(r, set<T>(kLog10ERest<T>), lost_by<T>(product, r, factor));
+  return log_sum<T>(parts, kLog10Of2<T>, high, low, {product, muladd(log1p_tail<T>(parts.r), factor, rest)});
 }
 
 // For x >= tiny; infinity stays.
-template <class T> HWY_INLINE V ln(V x) { return hn::IfThenElse(hn::Eq(x, set(HUGE_VAL)), x, ln_of_normal<T>(x)); }
-template <class T> HWY_INLINE V log10(V x) {
-  return hn::IfThenElse(hn::Eq(x, set(HUGE_VAL)), x, log10_of_normal<T>(x));
+template <class T> HWY_INLINE V<T> ln(V<T> x) {
+  return hn::IfThenElse(hn::Eq(x, set<T>(HUGE_VAL)), x, ln_of_normal<T>(x));
+}
+template <class T> HWY_INLINE V<T> log10(V<T> x) {
+  return hn::IfThenElse(hn::Eq(x, set<T>(HUGE_VAL)), x, log10_of_normal<T>(x));
 }
 
 // Anything below the smallest normal number has the logarithm of that, NaN too.
-template <class T> HWY_INLINE V log_or_floor(V x) {
-  const M normal = hn::Ge(x, set(Limits<T>::tiny));
-  return hn::IfThenElse(normal, ln<T>(x), set(Limits<T>::ln_tiny));
+template <class T> HWY_INLINE V<T> log_or_floor(V<T> x) {
+  const M<T> normal = hn::Ge(x, set<T>(Limits<T>::tiny));
+  return hn::IfThenElse(normal, ln<T>(x), set<T>(Limits<T>::ln_tiny));
 }
-template <class T> HWY_INLINE V log10_or_floor(V x) {
-  const M normal = hn::Ge(x, set(Limits<T>::tiny));
-  return hn::IfThenElse(normal, log10<T>(x), set(Limits<T>::log10_tiny));
+template <class T> HWY_INLINE V<T> log10_or_floor(V<T> x) {
+  const M<T> normal = hn::Ge(x, set<T>(Limits<T>::tiny));
+  return hn::IfThenElse(normal, log10<T>(x), set<T>(Limits<T>::log10_tiny));
 }
 
 }  // namespace HWY_NAMESPACE
