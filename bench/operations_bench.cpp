@@ -126,6 +126,11 @@ void sequence() {
               EACH(kReal, i, unzpad, a->points / 2) EACH(kReal, i, zinter, 2) EACH(kReal, u, zinter, b, 2)
 }
 
+void filters() {
+  EACH(kBoth, d, hwfilt, b, DSP_FIR_SET_39, 3, nullptr)
+  EACH(kBoth, i, hwfilt, DSP_FIR_SET_39, 3, 1, 0)
+}
+
 void statistics() {
   EACH(kBoth, s, sum, b)
   EACH(kBoth, s, mean, b)
@@ -182,6 +187,7 @@ int main(int argc, char** argv) {
   elementwise();
   two_vectors();
   sequence();
+  filters();
   statistics();
   polynomials();
   tables<double>("dsp", dsp_interp, dsp_cspline, dspb_cspline_2d);

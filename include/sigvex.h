@@ -1874,8 +1874,8 @@ DSP_API int32_t dspfd_deci(const dspf_vector *in, dspf_vector *out, int32_t fact
  * before the multiplication. Complex taps are mirrored as they are, not conjugated.
  *   half     L points, real or complex, their delta of no account; fewer than 1: the output is a copy of the input and the
  *            state is untouched
- *   method   always term by term, with the same bits whatever the blocks; a long filter is faster by transforms, written
- *            out for dspd_fir
+ *   method   always term by term, with the same bits whatever the blocks. Where dspd_fir works by transforms, it is faster
+ *            on the filter written out; for a decimation dspd_sfir_deci computes only what is kept
  *   sizes    output: the points of the input, complex if the input or the taps are
  *   delta    the input's
  *   state    the last 2 L - 2 points of the input stream, oldest first
