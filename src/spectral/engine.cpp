@@ -9,20 +9,23 @@
 namespace sigvex {
 namespace {
 
-template <class T> Status run(const ComplexTables<T>& tables, T* data, bool inverse, T scale) {
-  Workspace work(tables.pool, tables.kernels->work_size(tables.bits) * sizeof(T));
+template <class T> Status run_complex(T* data, size_t n, bool inverse) {
+  const Lease<ComplexTables<T>> tables = complex_tables<T>(std::countr_zero(n));
+  if (!tables) return kFailure;
+  Workspace work(tables->pool, tables->kernels->work_size(tables->bits) * sizeof(T));
   if (!work) return kFailure;
-  (inverse ? tables.inverse : tables.forward)(tables.bits, tables.roots, data, work.as<T>(), scale);
+  const auto run = inverse ? tables->inverse : tables->forward;
+  run(tables->bits, tables->roots, data, work.as<T>(), inverse ? T(1) : 1 / static_cast<T>(n));
   return kSuccess;
 }
 
-template <class T> Status run_real(Vector<T>& v, size_t n) {
-  const int bits = std::countr_zero(n);
-  const Lease<RealTables<T>> tables = real_tables<T>(bits);
+template <class T> Status run_real(T* data, size_t n, bool inverse) {
+  const Lease<RealTables<T>> tables = real_tables<T>(std::countr_zero(n));
   if (!tables) return kFailure;
   const ComplexTables<T>& half = *tables->half;
-  SIGVEX_TRY(run(half, v.data, false, 1 / static_cast<T>(2 * n)));
-  half.kernels->split(half.bits, tables->roots, v.data);
+  Workspace work(half.pool, half.kernels->work_size(half.bits) * sizeof(T));
+  if (!work) return kFailure;
+  (inverse ? tables->inverse : tables->forward)(*tables, data, work.as<T>(), inverse ? T(1) : 1 / static_cast<T>(n));
   return kSuccess;
 }
 
@@ -42,20 +45,25 @@ bool power_of_two(int32_t n) { return std::has_single_bit(count(n)); }
 
 template <class T> Status complex_transform(Vector<T>& v, bool inverse) {
   SIGVEX_TRY(dspi::rtoc<T>(v));
-  const size_t n = points<T>(v);
-  const Lease<ComplexTables<T>> tables = complex_tables<T>(std::countr_zero(n));
-  return tables ? run(*tables, v.data, inverse, inverse ? T(1) : 1 / static_cast<T>(n)) : kFailure;
+  return run_complex<T>(v.data, points<T>(v), inverse);
 }
 
-// Neighbouring samples are the parts of half as many complex points, whose transform is split into the bins.
 template <class T> Status real_transform(Vector<T>& v) {
   const size_t n = points<T>(v);
   SIGVEX_TRY(reshape<T>(v, n, 1));
-  if (run_real<T>(v, n) < 0) {
+  if (run_real<T>(v.data, n, false) < 0) {
     v.complex = 0;
     return kFailure;
   }
   v.points = static_cast<int32_t>(n / 2 + 1);
+  return kSuccess;
+}
+
+template <class T> Status real_inverse_transform(Vector<T>& v) {
+  const size_t n = 2 * points<T>(v) - 2;
+  SIGVEX_TRY(reshape<T>(v, n, 1));
+  SIGVEX_TRY(run_real<T>(v.data, n, true));
+  v.complex = 0;
   return kSuccess;
 }
 
@@ -74,6 +82,7 @@ template <class T> Status convolve(const Vector<T>& spectrum, const Convolution<
 #define SIGVEX_INSTANTIATE(T)                             \
   template Status complex_transform<T>(Vector<T>&, bool); \
   template Status real_transform<T>(Vector<T>&);          \
+  template Status real_inverse_transform<T>(Vector<T>&);  \
   template Status kernel_spectrum<T>(Vector<T>&);         \
   template Status convolve<T>(const Vector<T>&, const Convolution<T>&);
 SIGVEX_INSTANTIATE(double)

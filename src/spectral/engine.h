@@ -15,6 +15,10 @@ template <class T> Status complex_transform(Vector<T>& v, bool inverse);
 // Of a real v: leaves bins 0 .. n/2, complex, in storage for n complex points. n is a power of two above 2.
 template <class T> Status real_transform(Vector<T>& v);
 
+// Of n/2 + 1 complex bins: leaves the n real samples, in storage for n complex points. The imaginary parts of the first
+// and the last bin count for nothing. n is a power of two above 2.
+template <class T> Status real_inverse_transform(Vector<T>& v);
+
 // Circular convolutions with a kernel that is kept as its spectrum, which stands in an order of the engine's own: no
 // transform is put in natural order, and nothing is done for zeros behind the input or points nobody wants.
 //

@@ -1,4 +1,7 @@
 // dspi_fft dspi_rfft dspi_irfft
+#include <algorithm>
+#include <bit>
+
 #include "core/exports.h"
 #include "elementwise/operations.h"
 #include "spectral/dfti.h"
@@ -41,10 +44,18 @@ template <class T> Status rfft(Vector<T>& v) {
   return kSuccess;
 }
 
+// Where the own kernels serve and the bins are those of a real transform, half the full spectrum is enough.
 template <class T> Status irfft(Vector<T>& v) {
-  SIGVEX_TRY(orecon<T>(v, 0));
-  SIGVEX_TRY(fft<T>(v, 1));
-  return real<T>(v);
+  const size_t n = 2 * std::max(points<T>(v), size_t{1}) - 2;
+  if (dft_flags<T>() & DSP_DFT_USE_MKL || n <= 2 || !std::has_single_bit(n) || !fits(n)) {
+    SIGVEX_TRY(orecon<T>(v, 0));
+    SIGVEX_TRY(fft<T>(v, 1));
+    return real<T>(v);
+  }
+  SIGVEX_TRY(rtoc<T>(v));
+  SIGVEX_TRY(real_inverse_transform<T>(v));
+  v.delta = bin_spacing<T>(v.delta, n);
+  return kSuccess;
 }
 
 }  // namespace sigvex::dspi

@@ -16,11 +16,12 @@ template <class T> struct EngineKernels {
   Transform<T> (*forward)(int bits);
   Transform<T> (*inverse)(int bits);
 
-  // The h = 2^bits points that come of transforming h pairs of neighbouring real samples as complex points, scaled by
-  // half of what the result is to be: turned into bins 0 .. h of the real transform.
+  // Real transforms of 2h samples, h = 2^bits: the samples to bins 0 .. h and back, which needs room for h + 1 points.
+  // The table is what they need beside that of the complex transform of h points.
   size_t (*split_size)(int bits);
   void (*fill_split)(int bits, const TripleTable<T>& roots, T* table);
-  void (*split)(int bits, const T* table, T* data);
+  RealTransform<T> (*real_forward)(int bits);
+  RealTransform<T> (*real_inverse)(int bits);
 };
 
 inline constexpr size_t kAlignment = 64;

@@ -10,7 +10,7 @@
 #include <type_traits>
 
 #include "spectral/columns-inl.h"
-#include "spectral/pairs-inl.h"
+#include "spectral/real-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace sigvex {
@@ -141,50 +141,35 @@ template <class T, bool kInverse> Transform<T> transform_of(int bits) {
   return with_passes<T>(bits, [](auto passes) -> Transform<T> { return decltype(passes)::template run<kInverse>; });
 }
 
-template <class D, class T = hn::TFromD<D>> void fill_split(D, size_t h, const TripleTable<T>& roots, T* to) {
-  constexpr size_t L = kLanes<D>;
-  for (size_t k = 0; k < h / 2; k += L, to += 2 * L) {
-    for (size_t l = 0; l < L; ++l) {
-      const Point<T> w = root_of(roots, k + lane_point<D>(l), 2 * h);
-      to[l] = w.im;  // -i w
-      to[l + L] = -w.re;
-    }
-  }
-}
-
-// With a = z[k] + conj z[h-k] and d = -i w^k (z[k] - conj z[h-k]): bin k is a + d, bin h-k the conjugate of a - d. For
-// k = 0, z[h] is z[0]; the bin in the middle is twice the conjugate of its point.
-template <class D, class T = hn::TFromD<D>> void split(D d, size_t h, const T* roots, T* x) {
-  constexpr size_t L = kLanes<D>;
-  x[2 * h] = x[0];
-  x[2 * h + 1] = x[1];
-  x[h] = 2 * x[h];
-  x[h + 1] = -2 * x[h + 1];
-  for (size_t k = 0; k < h / 2; k += L) {
-    T *const front = x + 2 * k, *const back = x + 2 * (h - k - (L - 1));
-    const ComplexOf<D> z = load_points<false>(d, front), mirrored = load_points<false>(d, back);
-    const ComplexOf<D> y{hn::Reverse(d, mirrored.re), hn::Neg(hn::Reverse(d, mirrored.im))};
-    const ComplexOf<D> sum = z + y, turned = (z - y) * load_block(d, roots, k / L);
-    const ComplexOf<D> mirror = sum - turned;
-    store_points<false>(d, sum + turned, front);
-    store_points<false>(d, {hn::Reverse(d, mirror.re), hn::Neg(hn::Reverse(d, mirror.im))}, back);
-  }
-}
-
-template <class T> size_t split_size(int bits) { return size_t{1} << bits; }
+template <class T> size_t split_size(int bits) { return (real_in_registers<T>(bits) ? size_t{8} : size_t{1}) << bits; }
 template <class T> void fill_split(int bits, const TripleTable<T>& roots, T* table) {
   const size_t h = size_t{1} << bits;
+  if (with_real_in_registers<T>(bits, [&](auto real) { real.fill(roots, table); })) return;
   with_lanes<T>(h / 2, [&](auto d) { fill_split(d, h, roots, table); });
 }
-template <class T> void split(int bits, const T* table, T* data) {
-  const size_t h = size_t{1} << bits;
-  with_lanes<T>(h / 2, [&](auto d) HWY_ATTR { split(d, h, table, data); });
+
+template <class T> void real_forward(const RealTables<T>& tables, T* data, T* work, T scale) {
+  const ComplexTables<T>& half = *tables.half;
+  const size_t h = size_t{1} << half.bits;
+  half.forward(half.bits, half.roots, data, work, scale / 2);
+  with_lanes<T>(h / 2, [&](auto d) HWY_ATTR { split<false>(d, h, tables.roots, data); });
+}
+template <class T> void real_inverse(const RealTables<T>& tables, T* data, T* work, T scale) {
+  const ComplexTables<T>& half = *tables.half;
+  const size_t h = size_t{1} << half.bits;
+  with_lanes<T>(h / 2, [&](auto d) HWY_ATTR { split<true>(d, h, tables.roots, data); });
+  half.inverse(half.bits, half.roots, data, work, scale);
+}
+template <class T, bool kInverse> RealTransform<T> real_of(int bits) {
+  RealTransform<T> transform = kInverse ? real_inverse<T> : real_forward<T>;
+  with_real_in_registers<T>(bits, [&](auto real) { transform = decltype(real)::template run<kInverse>; });
+  return transform;
 }
 
 template <class T> const EngineKernels<T>* kernels() {
-  static constexpr EngineKernels<T> table = {
-      table_size<T>,         work_size<T>,  fill_table<T>, transform_of<T, false>,
-      transform_of<T, true>, split_size<T>, fill_split<T>, split<T>};
+  static constexpr EngineKernels<T> table = {table_size<T>,          work_size<T>,          fill_table<T>,
+                                             transform_of<T, false>, transform_of<T, true>, split_size<T>,
+                                             fill_split<T>,          real_of<T, false>,     real_of<T, true>};
   return &table;
 }
 const EngineKernels<double>* kernels_double() { return kernels<double>(); }

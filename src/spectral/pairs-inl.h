@@ -94,18 +94,19 @@ template <class T, size_t R, size_t C, size_t P> struct InPairs {
   }
 
   template <bool kInverse> static void run(int, const T* table, T* data, T*, T factor) {
-    in_registers<kInverse>(table, data, factor,
-                           [&](size_t k, hn::VFromD<D> z) HWY_ATTR { hn::StoreU(z, d, data + 2 * k); });
+    in_registers<kInverse>(
+        table, factor, [&](size_t k) HWY_ATTR { return hn::LoadU(d, data + 2 * k); },
+        [&](size_t k, hn::VFromD<D> z) HWY_ATTR { hn::StoreU(z, d, data + 2 * k); });
   }
 
-  // store(k, z) takes points k to k + P - 1. The scale joins the roots, which wait for nothing.
-  template <bool kInverse, class Store>
-  static HWY_INLINE void in_registers(const T* table, const T* data, T factor, Store store) {
+  // load(k) gives and store(k, z) takes points k to k + P - 1. The scale joins the roots, which wait for nothing.
+  template <bool kInverse, class Load, class Store>
+  static HWY_INLINE void in_registers(const T* table, T factor, Load load, Store store) {
     using Z = Pairs<D, kInverse>;
     const auto scale = hn::Set(d, factor);
     Z x[C / P][R];
     for (size_t g = 0; g < C / P; ++g) {
-      for (size_t k = 0; k < R; ++k) x[g][k].v = hn::LoadU(d, data + 2 * (C * k + P * g));
+      for (size_t k = 0; k < R; ++k) x[g][k].v = load(C * k + P * g);
       transform(d, x[g]);
       if (!kInverse) x[g][0].v = hn::Mul(x[g][0].v, scale);
       for (size_t k = 1; k < R; ++k, table += 4 * P) {

@@ -117,6 +117,8 @@ template <class T> RealTables<T>* build_real(int bits) {
   if (!table) return nullptr;
   half->kernels->fill_split(bits - 1, *roots, to);
   table->half = half;
+  table->forward = half->kernels->real_forward(bits - 1);
+  table->inverse = half->kernels->real_inverse(bits - 1);
   table->roots = to;
   return table;
 }

@@ -51,10 +51,15 @@ template <class T> struct ComplexTables : TableHead {
   void release_parts() { pool.release(); }
 };
 
+// A real transform in place, its result times scale; work is that of the complex one of half the length.
+template <class T> struct RealTables;
+template <class T> using RealTransform = void (*)(const RealTables<T>& tables, T* data, T* work, T scale);
+
 // What a real transform of 2^bits samples runs on: half as many complex points, and the roots that split them.
 template <class T> struct RealTables : TableHead {
   const ComplexTables<T>* half;
   const T* roots;
+  RealTransform<T> forward, inverse;
 };
 
 // Leases for n = 2^bits > 2; empty when memory is exhausted.

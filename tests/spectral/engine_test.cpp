@@ -4,7 +4,7 @@
 namespace sigvex_test {
 namespace {
 
-TWINS(i, fft, rfft);
+TWINS(i, fft, rfft, irfft);
 TWIN(, free_internal);
 
 template <class T> struct Engine : ::testing::Test {};
@@ -57,6 +57,10 @@ template <class T> void check_length(size_t n, const char* target) {
   EXPECT_EQ(rfft(half.get()), 0);
   EXPECT_EQ(half->allocated, static_cast<int32_t>(2 * n));
   EXPECT_LE(transform_error(half, [&](size_t k) { return real_bins[k] * scale; }), bound<T>(n));
+  half[1] = half[n + 1] = T(5);  // no real transform has imaginary parts there
+  EXPECT_EQ(irfft(half.get()), 0);
+  EXPECT_EQ(half->allocated, static_cast<int32_t>(2 * n));
+  EXPECT_LE(difference(half, x), 2 * bound<T>(n));
 
   // A view at an odd address: the same bits, and nothing beside them is touched.
   std::vector<T> storage(2 * n + 2, T(7));
