@@ -46,6 +46,11 @@ std::optional<double> figure_of(uint32_t type, const Figure& figure, int32_t poi
   return value;
 }
 
+// Without a -0.0000.
+std::string shown(double value, int decimals) {
+  return format("%.*f", decimals, std::fabs(value) < 0.5 * std::pow(10, -decimals) ? 0.0 : value);
+}
+
 std::string table(const std::vector<uint32_t>& types, int32_t points) {
   Rows rows("l" + std::string(std::size(kFigures), 'r'));
   std::vector<std::string> headings = {"window"}, units = {""};
@@ -59,7 +64,7 @@ std::string table(const std::vector<uint32_t>& types, int32_t points) {
     std::vector<std::string> row = {window_name(type)};
     for (const Figure& figure : kFigures) {
       const std::optional<double> value = figure_of(type, figure, points);
-      row.push_back(value ? format("%.*f", figure.decimals, *value + 0.0) : "-");
+      row.push_back(value ? shown(*value, figure.decimals) : "-");
     }
     rows.add(row);
   }
