@@ -4,7 +4,7 @@
 #include "core/exports.h"
 #include "core/limits.h"
 #include "elementwise/operations.h"
-#include "stats/blocks.h"
+#include "stats/kernels.h"
 #include "stats/operations.h"
 #include "stats/result.h"
 
@@ -50,26 +50,16 @@ template <class T> Point<T> geometric_mean_complex(const Vector<T>& v) {
 
 // A zero is looked for beside the sum and not in it: infinite terms of both signs would end in NaN.
 template <class T> T harmonic_mean(const T* x, size_t n) {
-  bool zero = false;
-  const auto [total] = block_sums<T, 1>(n, [x, &zero](size_t k) {
-    zero |= x[k] == 0;
-    return Sums<T, 1>{T(1) / x[k]};
-  });
-  if (n == 0 || zero) return 0;
+  const auto [total, zeros] = sums<2, T>(stats_kernels<T>().reciprocals, x, n);
+  if (n == 0 || zeros > 0) return 0;
   return total == 0 ? Limits<T>::huge : static_cast<T>(n) / total;
 }
-
-template <class T> T recip_or_huge(T x) { return x > 0 ? T(1) / x : Limits<T>::huge; }
 
 template <class T> Point<T> harmonic_mean_complex(const Vector<T>& v) {
   const size_t n = points<T>(v);
   if (n == 0) return {0, 0};
-  const auto [re, im] = block_sums<T, 2>(n, [&v](size_t k) {
-    const Point<T> z = clamped(point<T>(v, k));
-    const T r = recip_or_huge(magsq(z));
-    return Sums<T, 2>{r * z.re, -(r * z.im)};
-  });
-  const T r = recip_or_huge(magsq(Point<T>{re, im}));
+  const auto [re, im] = sums<2, T>(stats_kernels<T>().reciprocal_points, v.data, n);
+  const T m = magsq(Point<T>{re, im}), r = m > 0 ? 1 / m : Limits<T>::huge;
   return {r * re * static_cast<T>(n), -(r * im * static_cast<T>(n))};
 }
 

@@ -6,7 +6,7 @@
 
 #include "core/exports.h"
 #include "core/limits.h"
-#include "stats/blocks.h"
+#include "stats/kernels.h"
 #include "stats/operations.h"
 #include "stats/result.h"
 
@@ -22,21 +22,16 @@ template <class T> T variance(const Vector<T>& v) {
   const size_t n = points<T>(v);
   if (n == 0) return 0;
   const T* const x = v.data;
+  const StatsKernels<T>& kernels = stats_kernels<T>();
   const T third = static_cast<T>(0.3333333333333333), weight = T(1) / static_cast<T>(n);
   if (!v.complex) {
     const T center = shift_sum(x, n) * third;
-    const auto [s1, s2] = block_sums<T, 2>(n, [=](size_t k) {
-      const T d = clamped(x[k] - center);
-      return Sums<T, 2>{d, d * d};
-    });
+    const auto [s1, s2] = sums<2, T>(kernels.deviations, x, n, {center, T(0)});
     const T m1 = s1 * weight;
     return s2 * weight - m1 * m1;
   }
   const Point<T> center{shift_sum(x, n, 2, 0) * third, shift_sum(x, n, 2, 1) * third};
-  const auto [re1, im1, re2, im2] = block_sums<T, 4>(n, [=](size_t k) {
-    const Point<T> d{clamped(x[2 * k] - center.re), clamped(x[2 * k + 1] - center.im)};
-    return Sums<T, 4>{d.re, d.im, d.re * d.re, d.im * d.im};
-  });
+  const auto [re1, im1, re2, im2] = sums<4, T>(kernels.deviations_of_points, x, n, center);
   const Point<T> m1{re1 * weight, im1 * weight};
   return re2 * weight + im2 * weight - m1.re * m1.re - m1.im * m1.im;
 }
@@ -55,10 +50,7 @@ template <class T> bool constant(const T* x, size_t n) {
 template <class T> T skewness(const T* x, size_t n) {
   if (constant(x, n)) return 0;
   const T center = shift_sum(x, n) / 3, count = static_cast<T>(n);
-  const auto [s1, s2, s3] = block_sums<T, 3>(n, [=](size_t k) {
-    const T d = clamped(x[k] - center);
-    return Sums<T, 3>{d, d * d, d * d * d};
-  });
+  const auto [s1, s2, s3] = sums<3, T>(stats_kernels<T>().cubed_deviations, x, n, {center, T(0)});
   const T m1 = s1 / count, m2 = s2 / count, m3 = s3 / count;
   const T numerator = m3 - 3 * m2 * m1 + 2 * m1 * m1 * m1;
   const T var = m2 - m1 * m1, denominator = var * std::sqrt(var);
@@ -69,12 +61,10 @@ template <class T> T skewness(const T* x, size_t n) {
 template <class T> T excess_kurtosis(const T* x, size_t n) {
   constexpr T kNone = -3;  // of no samples, and of samples without deviation
   if (constant(x, n)) return kNone;
-  const auto [total] = block_sums<T, 1>(n, [x](size_t k) { return Sums<T, 1>{clamped(x[k])}; });
+  const StatsKernels<T>& kernels = stats_kernels<T>();
+  const auto [total] = sums<1, T>(kernels.clamped, x, n);
   const T weight = T(1) / static_cast<T>(n), mean = total * weight;
-  const auto [s2, s4] = block_sums<T, 2>(n, [=](size_t k) {
-    const T d = clamped(x[k] - mean), square = d * d;
-    return Sums<T, 2>{square, square * square};
-  });
+  const auto [s2, s4] = sums<2, T>(kernels.fourth_powers, x, n, {mean, T(0)});
   const T var = s2 * weight, q = s4 * weight, var2 = var * var;
   if (var2 == 0) return q == 0 ? kNone : Limits<T>::huge;
   return q / var2 - 3;

@@ -1,12 +1,12 @@
 // dsps_peak
 #include <algorithm>
 #include <cmath>
-#include <functional>
 
 #include "core/exports.h"
 #include "core/limits.h"
 #include "core/scratch.h"
 #include "stats/operations.h"
+#include "stats/search.h"
 
 namespace sigvex::dsps {
 namespace {
@@ -16,27 +16,18 @@ template <class T> struct Peak {
   Status status = kSuccess;
 };
 
-// What the search compares and the refinements interpolate: samples, or squared magnitudes of points.
-template <class T> struct Levels {
-  const Vector<T>& v;
-
-  size_t count() const { return points<T>(v); }
-  T operator[](size_t k) const { return v.complex ? magsq_capped(point<T>(v, k)) : v.data[k]; }
-};
-
 // A sample replaces the best so far when that does not hold against it: a NaN does, and is replaced by the next sample.
-template <class T, class Holds> size_t search(const Levels<T>& y, T best, Holds holds) {
-  size_t index = 0;
-  for (size_t k = 0, n = y.count(); k < n; ++k) {
-    if (const T sample = y[k]; !holds(best, sample)) best = sample, index = k;
-  }
-  return index;
-}
-
 template <class T> size_t chosen(const Levels<T>& y, uint32_t flags, int32_t index) {
   if (flags & DSP_PEAK_AT_INDEX) return std::min(count(index), y.count() - 1);
-  if (flags & DSP_PEAK_MINIMUM) return search(y, Limits<T>::huge, std::less_equal<T>());
-  return search(y, -Limits<T>::huge, std::greater_equal<T>());
+  const bool largest = !(flags & DSP_PEAK_MINIMUM);
+  const auto one_by_one = [&y, largest](Best<T>& best, size_t first, size_t n) {
+    for (size_t k = first; k < first + n; ++k) {
+      const bool holds = largest ? best.level >= y[k] : best.level <= y[k];
+      if (!holds) best.take(y[k], k);
+    }
+    return true;
+  };
+  return search(y, largest, largest ? -Limits<T>::huge : Limits<T>::huge, one_by_one).index(y);
 }
 
 template <class T> Peak<T> unrefined(const Levels<T>& y, size_t k) { return {y[k], static_cast<T>(k)}; }

@@ -1,29 +1,25 @@
 // dsps_sum dsps_magsq_sum
 #include "core/exports.h"
-#include "core/limits.h"
-#include "stats/blocks.h"
+#include "stats/kernels.h"
 #include "stats/operations.h"
 #include "stats/result.h"
 
 namespace sigvex::dsps {
 
 template <class T> Status sum(const Vector<T>& v, Vector<T>& result) {
-  const T* const x = v.data;
+  const StatsKernels<T>& kernels = stats_kernels<T>();
   if (!v.complex) {
-    const auto [re] = block_sums<T, 1>(points<T>(v), [x](size_t k) { return Sums<T, 1>{x[k]}; });
+    const auto [re] = sums<1, T>(kernels.samples, v.data, points<T>(v));
     return write_point<T>(result, 0, {re, T(0)});
   }
-  const auto [re, im] = block_sums<T, 2>(points<T>(v), [x](size_t k) { return Sums<T, 2>{x[2 * k], x[2 * k + 1]}; });
+  const auto [re, im] = sums<2, T>(kernels.points, v.data, points<T>(v));
   return write_point<T>(result, v.complex, {re, im});
 }
 
 template <class T> Status magsq_sum(const Vector<T>& v, Vector<T>& result) {
-  const T* const x = v.data;
-  const auto squares = [&](auto square) { return block_sums<T, 1>(points<T>(v), square)[0]; };
-  if (!v.complex) {
-    return write_real<T>(result, squares([x](size_t k) { return Sums<T, 1>{clamped(x[k]) * clamped(x[k])}; }));
-  }
-  return write_real<T>(result, squares([&v](size_t k) { return Sums<T, 1>{magsq(clamped(point<T>(v, k)))}; }));
+  const StatsKernels<T>& kernels = stats_kernels<T>();
+  return write_real<T>(result,
+                       sums<1, T>(v.complex ? kernels.squared_magnitudes : kernels.squares, v.data, points<T>(v))[0]);
 }
 
 }  // namespace sigvex::dsps

@@ -4,6 +4,7 @@
 #include <random>
 #include <string_view>
 
+#include "support/cpu_targets.h"
 #include "support/twin.h"
 
 namespace sigvex_test {
@@ -70,25 +71,35 @@ template <class T, class Term> T sum_of_blocks(size_t n, Term term) {
   return total;
 }
 
-TYPED_TEST(Statistics, SumsRunInBlocksToTheLastBit) {
+TYPED_TEST(Statistics, SumsRunInBlocksToTheLastBitOnEveryTarget) {
   using T = TypeParam;
-  for (size_t n : {1, 2, 3, 4, 5, 2047, 2048, 2049, 4095, 4096, 4097, 16 * 2048 + 17, 27 * 2048 - 1}) {
-    const Vec<T> x = noise<T>(n, false), z = noise<T>(n, true);
-    const auto blocks = [n](auto term) { return sum_of_blocks<T>(n, term); };
-    const T count = static_cast<T>(n), weight = 1 / count,
-            center = (x[n / 2] + x[0] + x[n - 1]) * T(0.3333333333333333);
-    const T re = blocks([&](size_t k) { return z[2 * k]; }), im = blocks([&](size_t k) { return z[2 * k + 1]; });
-    const T squares = blocks([&](size_t k) { return z[2 * k] * z[2 * k] + z[2 * k + 1] * z[2 * k + 1]; });
-    const T m1 = weight * blocks([&](size_t k) { return x[k] - center; });
-    const T m2 = weight * blocks([&](size_t k) { return (x[k] - center) * (x[k] - center); });
-    EXPECT_TRUE(exactly(result_of<T>("sum", x), {blocks([&](size_t k) { return x[k]; })})) << n;
-    EXPECT_TRUE(exactly(result_of<T>("sum", z), {re, im})) << n;
-    EXPECT_TRUE(exactly(result_of<T>("mean", z), {re * weight, im * weight})) << n;
-    EXPECT_TRUE(exactly(result_of<T>("hmean", x), {count / blocks([&](size_t k) { return 1 / x[k]; })})) << n;
-    EXPECT_TRUE(exactly(result_of<T>("magsq_sum", z), {squares})) << n;
-    EXPECT_TRUE(exactly(result_of<T>("rms", z), {std::sqrt(squares / count)})) << n;
-    EXPECT_TRUE(exactly(result_of<T>("pop_var", x), {m2 - m1 * m1})) << n;
-  }
+  for_each_cpu_target([](const char* target) {
+    for (size_t n : {1, 2, 3, 4, 5, 2047, 2048, 2049, 4095, 4096, 4097, 16 * 2048 + 17, 27 * 2048 - 1}) {
+      SCOPED_TRACE(target + std::to_string(n));
+      const Vec<T> x = noise<T>(n, false), z = noise<T>(n, true);
+      const auto blocks = [n](auto term) { return sum_of_blocks<T>(n, term); };
+      const T count = static_cast<T>(n), weight = 1 / count, third = T(0.3333333333333333);
+      const auto sum = [&](size_t part) { return blocks([&](size_t k) { return z[2 * k + part]; }); };
+      const auto mean_square = [&](size_t part, int power) {  // of the deviations from the shift point, or their mean
+        const T center = (z[n / 2 * 2 + part] + z[part] + z[2 * (n - 1) + part]) * third;
+        const T mean = weight * blocks([&](size_t k) {
+                         const T d = z[2 * k + part] - center;
+                         return power == 1 ? d : d * d;
+                       });
+        return power == 1 ? mean * mean : mean;
+      };
+      const T squares = blocks([&](size_t k) { return z[2 * k] * z[2 * k] + z[2 * k + 1] * z[2 * k + 1]; });
+      const T variance = mean_square(0, 2) + mean_square(1, 2) - mean_square(0, 1) - mean_square(1, 1);
+      const T power = blocks([&](size_t k) { return x[k] * x[k]; });
+      EXPECT_TRUE(exactly(result_of<T>("sum", x), {blocks([&](size_t k) { return x[k]; })}));
+      EXPECT_TRUE(exactly(result_of<T>("sum", z), {sum(0), sum(1)}));
+      EXPECT_TRUE(exactly(result_of<T>("mean", z), {sum(0) * weight, sum(1) * weight}));
+      EXPECT_TRUE(exactly(result_of<T>("hmean", x), {count / blocks([&](size_t k) { return 1 / x[k]; })}));
+      EXPECT_TRUE(exactly(result_of<T>("magsq_sum", z), {squares}));
+      EXPECT_TRUE(exactly(result_of<T>("rms", x), {std::sqrt(power / count)}));
+      EXPECT_TRUE(exactly(result_of<T>("pop_var", z), {variance}));
+    }
+  });
 }
 
 // Against the central moments in long double. With deviations of at most R from the shift point, the mean of their p-th
@@ -184,18 +195,31 @@ TYPED_TEST(Statistics, AtTheEdges) {
       {"excess", {kTiny<T>, 0}, {-3}},
       {"excess", {0, 0, 0, 0, 0, faint, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, {huge}},
   };
-  for (const auto& row : rows) {
-    EXPECT_TRUE(exactly(result_of(row.name, row.input), row.expected)) << row.name << ", row " << &row - rows;
-  }
+  for_each_cpu_target([&](const char* target) {
+    for (const auto& row : rows) {
+      EXPECT_TRUE(exactly(result_of(row.name, row.input), row.expected)) << row.name << &row - rows << target;
+    }
+  });
 }
 
 TYPED_TEST(Statistics, TheFirstOfEqualsWinsAcrossBlocks) {
   using T = TypeParam;
-  for (size_t first : {0, 2047, 2048, 9000}) {
-    Vec<T> v(std::vector<std::complex<T>>(17 * 2048 + 6));
-    v[2 * first + 1] = v[2 * 9001] = v[2 * (11 * 2048 - 1)] = v[2 * (17 * 2048 + 5)] = 3;
-    EXPECT_TRUE(exactly(result_of("max", v), {0, 3})) << first;
-  }
+  const T least = T(-0.0);
+  for_each_cpu_target([&](const char* target) {
+    for (size_t first : {0, 2047, 2048, 9000}) {
+      Vec<T> v(std::vector<std::complex<T>>(17 * 2048 + 6)), x(std::vector<T>(9002, -1)), at, after;
+      v[2 * first + 1] = v[2 * 9001] = v[2 * (11 * 2048 - 1)] = v[2 * (17 * 2048 + 5)] = 3;
+      x[first] = least;
+      x[9001] = 0;
+      EXPECT_TRUE(exactly(result_of("max", v), {0, 3})) << first << target;
+      EXPECT_TRUE(exactly(result_of("max", x), {least})) << first << target;
+      EXPECT_EQ(TWIN_OF(s, peak)(x, at, 0, 0), 0);
+      x[first + 1] = kNaN<T>;  // after which the search begins anew
+      EXPECT_EQ(TWIN_OF(s, peak)(x, after, 0, 0), 0);
+      EXPECT_TRUE(exactly(at, {least, static_cast<T>(first)})) << target;
+      EXPECT_TRUE(exactly(after, {first == 9000 ? kNaN<T> : T(0), 9001})) << target;
+    }
+  });
 }
 
 TYPED_TEST(Statistics, OfNothingTheResultIsStated) {

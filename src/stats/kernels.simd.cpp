@@ -1,0 +1,266 @@
+#include "stats/kernels.h"
+
+#define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "stats/kernels.simd.cpp"
+#include <hwy/cache_control.h>
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include <algorithm>
+
+#include "core/limits.h"
+#include "stats/blocks.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace sigvex::stats {
+namespace HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+// The scalars that a stream of samples gives at once: a vector of 128 bits.
+template <class D> constexpr size_t kPiece = hn::MaxLanes(D()) == 1 ? 1 : 16 / sizeof(hn::TFromD<D>);
+
+#if HWY_TARGET != HWY_SCALAR
+// One piece from each of the streams first, first + step ...; stream s begins at x + at(s).
+template <class D, class T, class At> HWY_INLINE hn::Vec<D> pieces(D d, const T* x, size_t first, size_t step, At at) {
+  if constexpr (hn::MaxLanes(d) <= kPiece<D>) {
+    return hn::LoadU(d, x + at(first));
+  } else {
+    const hn::Half<D> half;
+    constexpr size_t kStreams = hn::MaxLanes(half) / kPiece<D>;
+    return hn::Combine(d, pieces(half, x, first + step * kStreams, step, at), pieces(half, x, first, step, at));
+  }
+}
+
+// The next piece of every stream, turned: y[i] holds scalar i of each, stream s in lane s.
+template <class D, class T, class At> HWY_INLINE void load_turned(D d, const T* x, At at, hn::Vec<D>* y) {
+  if constexpr (kPiece<D> == 2) {
+    const auto a = pieces(d, x, 0, 2, at), b = pieces(d, x, 1, 2, at);
+    y[0] = hn::InterleaveLower(d, a, b);
+    y[1] = hn::InterleaveUpper(d, a, b);
+  } else {
+    const hn::Repartition<double, D> pairs;
+    const auto a = pieces(d, x, 0, 4, at), b = pieces(d, x, 1, 4, at);
+    const auto c = pieces(d, x, 2, 4, at), e = pieces(d, x, 3, 4, at);
+    const auto ab = hn::BitCast(pairs, hn::InterleaveLower(d, a, b));
+    const auto ce = hn::BitCast(pairs, hn::InterleaveLower(d, c, e));
+    const auto ab2 = hn::BitCast(pairs, hn::InterleaveUpper(d, a, b));
+    const auto ce2 = hn::BitCast(pairs, hn::InterleaveUpper(d, c, e));
+    y[0] = hn::BitCast(d, hn::InterleaveLower(pairs, ab, ce));
+    y[1] = hn::BitCast(d, hn::InterleaveUpper(pairs, ab, ce));
+    y[2] = hn::BitCast(d, hn::InterleaveLower(pairs, ab2, ce2));
+    y[3] = hn::BitCast(d, hn::InterleaveUpper(pairs, ab2, ce2));
+  }
+}
+#endif
+template <class T, class At> HWY_INLINE void load_turned(hn::Simd<T, 1, 0> d, const T* x, At, hn::Vec<decltype(d)>* y) {
+  y[0] = hn::LoadU(d, x);
+}
+
+// Eight streams at most: more would crowd each other out of the cache, where blocks of a power of two bytes share a
+// set. What a point adds to each sum: terms(d, x, add), x being its scalars and add(s, term) the addition to sum s.
+template <size_t kWidth, size_t kSums, class T, class Terms>
+HWY_INLINE void block_sums(const T* x, size_t n, T* totals, Terms terms) {
+  std::fill_n(totals, kSums, T(0));
+  const auto run = [&](auto d, size_t blocks, size_t length, auto at) HWY_ATTR {
+    using D = decltype(d);
+    constexpr size_t kTile = std::max(kWidth, kPiece<D>), kLine = 64;
+    const size_t next = kWidth * blocks * kBlock, ahead = n >= 2 * blocks * kBlock ? next : 0;  // the next blocks
+    hn::Vec<D> sum[kSums], y[kTile];
+    for (auto& s : sum) s = hn::Zero(d);
+    const auto add = [&sum](size_t s, auto term) HWY_ATTR { sum[s] = sum[s] + term; };
+    for (size_t k = 0; k < kWidth * length; k += kTile) {
+      if (k * sizeof(T) % kLine == 0) {
+        for (size_t b = 0; b < hn::MaxLanes(D()); ++b) hwy::Prefetch(x + at(b) + k + ahead);
+      }
+      for (size_t i = 0; i < kTile; i += kPiece<D>) load_turned(d, x + k + i, at, y + i);
+      for (size_t i = 0; i < kTile; i += kWidth) terms(d, y + i, add);
+    }
+    HWY_ALIGN T lanes[kSums][hn::MaxLanes(D())];
+    for (size_t s = 0; s < kSums; ++s) hn::Store(sum[s], d, lanes[s]);
+    for (size_t b = 0; b < blocks; ++b) {
+      for (size_t s = 0; s < kSums; ++s) totals[s] += lanes[s][b];
+    }
+    x += kWidth * blocks * length;
+    n -= blocks * length;
+  };
+  const hn::CappedTag<T, 8> d;
+  constexpr size_t kLanes = hn::MaxLanes(d), kStride = kWidth * kBlock;
+  while (n >= kLanes * kBlock) run(d, kLanes, kBlock, [](size_t b) { return b * kStride; });
+  // A few whole blocks: the lanes behind the last one repeat it.
+  if (const size_t few = n / kBlock; few > 1) {
+    run(d, few, kBlock, [few](size_t b) { return std::min(b, few - 1) * kStride; });
+  }
+  while (n > 0) run(hn::CappedTag<T, 1>(), 1, std::min(n, kBlock), [](size_t) { return size_t{0}; });
+}
+
+// The guards of core/limits.h on lanes.
+template <class D, class V = hn::Vec<D>> HWY_INLINE V clamped(D d, V x) {
+  const V high = hn::Set(d, Limits<hn::TFromD<D>>::huge), low = hn::Neg(high);
+  const V capped = hn::IfThenElse(hn::Gt(x, high), high, x);
+  return hn::IfThenElse(hn::Ge(capped, low), capped, low);
+}
+template <class D, class V = hn::Vec<D>> HWY_INLINE V magsq_capped(D d, V re, V im) {
+  const V high = hn::Set(d, Limits<hn::TFromD<D>>::huge);
+  const auto bounded = hn::And(hn::Le(hn::Abs(re), high), hn::Le(hn::Abs(im), high));
+  return hn::IfThenElse(bounded, re * re + im * im, high);
+}
+
+template <class T> void samples(const T* x, size_t n, Point<T>, T* totals) {
+  block_sums<1, 1>(x, n, totals, [](auto, const auto* y, auto add) HWY_ATTR { add(0, y[0]); });
+}
+template <class T> void points(const T* x, size_t n, Point<T>, T* totals) {
+  block_sums<2, 2>(x, n, totals, [](auto, const auto* y, auto add) HWY_ATTR {
+    add(0, y[0]);
+    add(1, y[1]);
+  });
+}
+template <class T> void clamped_samples(const T* x, size_t n, Point<T>, T* totals) {
+  block_sums<1, 1>(x, n, totals, [](auto d, const auto* y, auto add) HWY_ATTR { add(0, clamped(d, y[0])); });
+}
+template <class T> void squares(const T* x, size_t n, Point<T>, T* totals) {
+  block_sums<1, 1>(x, n, totals, [](auto d, const auto* y, auto add) HWY_ATTR {
+    const auto c = clamped(d, y[0]);
+    add(0, c * c);
+  });
+}
+template <class T> void squared_magnitudes(const T* x, size_t n, Point<T>, T* totals) {
+  block_sums<2, 1>(x, n, totals, [](auto d, const auto* y, auto add) HWY_ATTR {
+    const auto re = clamped(d, y[0]), im = clamped(d, y[1]);
+    add(0, re * re + im * im);
+  });
+}
+template <class T> void reciprocals(const T* x, size_t n, Point<T>, T* totals) {
+  block_sums<1, 2>(x, n, totals, [](auto d, const auto* y, auto add) HWY_ATTR {
+    const auto one = hn::Set(d, T(1));
+    add(0, one / y[0]);
+    add(1, hn::IfThenElseZero(hn::Eq(y[0], hn::Zero(d)), one));
+  });
+}
+template <class T> void reciprocal_points(const T* x, size_t n, Point<T>, T* totals) {
+  block_sums<2, 2>(x, n, totals, [](auto d, const auto* y, auto add) HWY_ATTR {
+    const auto re = clamped(d, y[0]), im = clamped(d, y[1]), m = re * re + im * im;
+    const auto r = hn::IfThenElse(hn::Gt(m, hn::Zero(d)), hn::Set(d, T(1)) / m, hn::Set(d, Limits<T>::huge));
+    add(0, r * re);
+    add(1, hn::Neg(r * im));
+  });
+}
+template <class T> void deviations(const T* x, size_t n, Point<T> center, T* totals) {
+  block_sums<1, 2>(x, n, totals, [center](auto d, const auto* y, auto add) HWY_ATTR {
+    const auto by = clamped(d, y[0] - hn::Set(d, center.re));
+    add(0, by);
+    add(1, by * by);
+  });
+}
+template <class T> void deviations_of_points(const T* x, size_t n, Point<T> center, T* totals) {
+  block_sums<2, 4>(x, n, totals, [center](auto d, const auto* y, auto add) HWY_ATTR {
+    const auto re = clamped(d, y[0] - hn::Set(d, center.re)), im = clamped(d, y[1] - hn::Set(d, center.im));
+    add(0, re);
+    add(1, im);
+    add(2, re * re);
+    add(3, im * im);
+  });
+}
+template <class T> void cubed_deviations(const T* x, size_t n, Point<T> center, T* totals) {
+  block_sums<1, 3>(x, n, totals, [center](auto d, const auto* y, auto add) HWY_ATTR {
+    const auto by = clamped(d, y[0] - hn::Set(d, center.re)), square = by * by;
+    add(0, by);
+    add(1, square);
+    add(2, square * by);
+  });
+}
+template <class T> void fourth_powers(const T* x, size_t n, Point<T> center, T* totals) {
+  block_sums<1, 2>(x, n, totals, [center](auto d, const auto* y, auto add) HWY_ATTR {
+    const auto by = clamped(d, y[0] - hn::Set(d, center.re)), square = by * by;
+    add(0, square);
+    add(1, square * square);
+  });
+}
+
+struct Above {
+  template <class V> HWY_INLINE auto lanes(V a, V b) const { return hn::Gt(a, b); }
+  template <class T> bool operator()(T a, T b) const { return a > b; }
+};
+struct Below {
+  template <class V> HWY_INLINE auto lanes(V a, V b) const { return hn::Lt(a, b); }
+  template <class T> bool operator()(T a, T b) const { return a < b; }
+};
+template <class D> HWY_INLINE hn::Vec<D> level(D d, const hn::TFromD<D>* x, std::integral_constant<size_t, 1>) {
+  return hn::LoadU(d, x);
+}
+template <class D> HWY_INLINE hn::Vec<D> level(D d, const hn::TFromD<D>* z, std::integral_constant<size_t, 2>) {
+  hn::Vec<D> re, im;
+  hn::LoadInterleaved2(d, z, re, im);
+  return magsq_capped(d, re, im);
+}
+
+template <size_t kWidth, class Better, class T> bool improve(const T* x, size_t n, T& best) {
+  constexpr std::integral_constant<size_t, kWidth> width;
+  constexpr Better better;
+  bool nan = false;
+  const auto run = [&](auto d, auto vectors) HWY_ATTR {
+    using D = decltype(d);
+    constexpr size_t kLanes = hn::MaxLanes(D()), kVectors = decltype(vectors)::value;
+    hn::Vec<D> top[kVectors];
+    auto strange = hn::Ne(hn::Zero(d), hn::Zero(d));
+    for (auto& t : top) t = hn::Set(d, best);
+    for (; n >= kVectors * kLanes; n -= kVectors * kLanes, x += kWidth * kVectors * kLanes) {
+      for (size_t i = 0; i < kVectors; ++i) {
+        const auto y = level(d, x + kWidth * i * kLanes, width);
+        top[i] = hn::IfThenElse(better.lanes(y, top[i]), y, top[i]);
+        strange = hn::Or(strange, hn::IsNaN(y));
+      }
+    }
+    HWY_ALIGN T lanes[kVectors][kLanes];
+    for (size_t i = 0; i < kVectors; ++i) hn::Store(top[i], d, lanes[i]);
+    for (const auto& row : lanes) {
+      for (const T y : row) best = better(y, best) ? y : best;
+    }
+    nan |= !hn::AllFalse(d, strange);
+  };
+  run(hn::ScalableTag<T>(), std::integral_constant<size_t, 4>());
+  run(hn::CappedTag<T, 1>(), std::integral_constant<size_t, 1>());
+  return nan;
+}
+
+template <class T> const StatsKernels<T>* kernels() {
+  static constexpr StatsKernels<T> table = {
+      .samples = samples<T>,
+      .points = points<T>,
+      .clamped = clamped_samples<T>,
+      .squares = squares<T>,
+      .squared_magnitudes = squared_magnitudes<T>,
+      .reciprocals = reciprocals<T>,
+      .reciprocal_points = reciprocal_points<T>,
+      .deviations = deviations<T>,
+      .deviations_of_points = deviations_of_points<T>,
+      .cubed_deviations = cubed_deviations<T>,
+      .fourth_powers = fourth_powers<T>,
+      .largest = improve<1, Above, T>,
+      .smallest = improve<1, Below, T>,
+      .largest_point = improve<2, Above, T>,
+      .smallest_point = improve<2, Below, T>,
+  };
+  return &table;
+}
+const StatsKernels<double>* kernels_double() { return kernels<double>(); }
+const StatsKernels<float>* kernels_float() { return kernels<float>(); }
+
+}  // namespace HWY_NAMESPACE
+}  // namespace sigvex::stats
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace sigvex {
+namespace stats {
+HWY_EXPORT(kernels_double);
+HWY_EXPORT(kernels_float);
+const StatsKernels<double>& best(double) { return *HWY_DYNAMIC_DISPATCH(kernels_double)(); }
+const StatsKernels<float>& best(float) { return *HWY_DYNAMIC_DISPATCH(kernels_float)(); }
+}  // namespace stats
+
+template <> const StatsKernels<double>& stats_kernels<double>() { return stats::best(0.0); }
+template <> const StatsKernels<float>& stats_kernels<float>() { return stats::best(0.0F); }
+
+}  // namespace sigvex
+#endif
