@@ -10,70 +10,33 @@
 #include <algorithm>
 
 #include "core/limits.h"
+#include "core/streams-inl.h"
 #include "stats/blocks.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace sigvex::stats {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
-
-// The scalars that a stream of samples gives at once: a vector of 128 bits.
-template <class D> constexpr size_t kPiece = hn::MaxLanes(D()) == 1 ? 1 : 16 / sizeof(hn::TFromD<D>);
-
-#if HWY_TARGET != HWY_SCALAR
-// One piece from each of the streams first, first + step ...; stream s begins at x + at(s).
-template <class D, class T, class At> HWY_INLINE hn::Vec<D> pieces(D d, const T* x, size_t first, size_t step, At at) {
-  if constexpr (hn::MaxLanes(d) <= kPiece<D>) {
-    return hn::LoadU(d, x + at(first));
-  } else {
-    const hn::Half<D> half;
-    constexpr size_t kStreams = hn::MaxLanes(half) / kPiece<D>;
-    return hn::Combine(d, pieces(half, x, first + step * kStreams, step, at), pieces(half, x, first, step, at));
-  }
-}
-
-// The next piece of every stream, turned: y[i] holds scalar i of each, stream s in lane s.
-template <class D, class T, class At> HWY_INLINE void load_turned(D d, const T* x, At at, hn::Vec<D>* y) {
-  if constexpr (kPiece<D> == 2) {
-    const auto a = pieces(d, x, 0, 2, at), b = pieces(d, x, 1, 2, at);
-    y[0] = hn::InterleaveLower(d, a, b);
-    y[1] = hn::InterleaveUpper(d, a, b);
-  } else {
-    const hn::Repartition<double, D> pairs;
-    const auto a = pieces(d, x, 0, 4, at), b = pieces(d, x, 1, 4, at);
-    const auto c = pieces(d, x, 2, 4, at), e = pieces(d, x, 3, 4, at);
-    const auto ab = hn::BitCast(pairs, hn::InterleaveLower(d, a, b));
-    const auto ce = hn::BitCast(pairs, hn::InterleaveLower(d, c, e));
-    const auto ab2 = hn::BitCast(pairs, hn::InterleaveUpper(d, a, b));
-    const auto ce2 = hn::BitCast(pairs, hn::InterleaveUpper(d, c, e));
-    y[0] = hn::BitCast(d, hn::InterleaveLower(pairs, ab, ce));
-    y[1] = hn::BitCast(d, hn::InterleaveUpper(pairs, ab, ce));
-    y[2] = hn::BitCast(d, hn::InterleaveLower(pairs, ab2, ce2));
-    y[3] = hn::BitCast(d, hn::InterleaveUpper(pairs, ab2, ce2));
-  }
-}
-#endif
-template <class T, class At> HWY_INLINE void load_turned(hn::Simd<T, 1, 0> d, const T* x, At, hn::Vec<decltype(d)>* y) {
-  y[0] = hn::LoadU(d, x);
-}
+namespace streams = sigvex::streams::HWY_NAMESPACE;
 
 // Eight streams at most: more would crowd each other out of the cache, where blocks of a power of two bytes share a
 // set. What a point adds to each sum: terms(d, x, add), x being its scalars and add(s, term) the addition to sum s.
 template <size_t kWidth, size_t kSums, class T, class Terms>
 HWY_INLINE void block_sums(const T* x, size_t n, T* totals, Terms terms) {
   std::fill_n(totals, kSums, T(0));
-  const auto run = [&](auto d, size_t blocks, size_t length, auto at) HWY_ATTR {
+  const auto run = [&](auto d, size_t first, size_t blocks, size_t length, auto at) HWY_ATTR {
     using D = decltype(d);
-    constexpr size_t kTile = std::max(kWidth, kPiece<D>), kLine = 64;
-    const size_t next = kWidth * blocks * kBlock, ahead = n >= 2 * blocks * kBlock ? next : 0;  // the next blocks
+    constexpr size_t kPiece = streams::kPiece<D>, kTile = std::max(kWidth, kPiece), kLine = 64;
+    const T* const from = x + kWidth * first;
+    const size_t ahead = n - first >= 2 * blocks * kBlock ? kWidth * blocks * kBlock : 0;  // to the next blocks
     hn::Vec<D> sum[kSums], y[kTile];
     for (auto& s : sum) s = hn::Zero(d);
     const auto add = [&sum](size_t s, auto term) HWY_ATTR { sum[s] = sum[s] + term; };
     for (size_t k = 0; k < kWidth * length; k += kTile) {
       if (k * sizeof(T) % kLine == 0) {
-        for (size_t b = 0; b < hn::MaxLanes(D()); ++b) hwy::Prefetch(x + at(b) + k + ahead);
+        for (size_t b = 0; b < hn::MaxLanes(D()); ++b) hwy::Prefetch(from + at(b) + k + ahead);
       }
-      for (size_t i = 0; i < kTile; i += kPiece<D>) load_turned(d, x + k + i, at, y + i);
+      for (size_t i = 0; i < kTile; i += kPiece) streams::load(d, from + k + i, at, y + i);
       for (size_t i = 0; i < kTile; i += kWidth) terms(d, y + i, add);
     }
     HWY_ALIGN T lanes[kSums][hn::MaxLanes(D())];
@@ -81,17 +44,8 @@ HWY_INLINE void block_sums(const T* x, size_t n, T* totals, Terms terms) {
     for (size_t b = 0; b < blocks; ++b) {
       for (size_t s = 0; s < kSums; ++s) totals[s] += lanes[s][b];
     }
-    x += kWidth * blocks * length;
-    n -= blocks * length;
   };
-  const hn::CappedTag<T, 8> d;
-  constexpr size_t kLanes = hn::MaxLanes(d), kStride = kWidth * kBlock;
-  while (n >= kLanes * kBlock) run(d, kLanes, kBlock, [](size_t b) { return b * kStride; });
-  // A few whole blocks: the lanes behind the last one repeat it.
-  if (const size_t few = n / kBlock; few > 1) {
-    run(d, few, kBlock, [few](size_t b) { return std::min(b, few - 1) * kStride; });
-  }
-  while (n > 0) run(hn::CappedTag<T, 1>(), 1, std::min(n, kBlock), [](size_t) { return size_t{0}; });
+  streams::side_by_side<kBlock, kWidth>(hn::CappedTag<T, 8>(), n, run);
 }
 
 // The guards of core/limits.h on lanes.

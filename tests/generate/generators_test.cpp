@@ -1,5 +1,6 @@
 #include <tuple>
 
+#include "support/cpu_targets.h"
 #include "support/twin.h"
 
 namespace sigvex_test {
@@ -35,20 +36,23 @@ template <class T> std::vector<std::complex<T>> phasors(int n, T delta, double f
   return result;
 }
 
-TYPED_TEST(Generators, OscillatorsTurnAndRestartExactly) {
+TYPED_TEST(Generators, OscillatorsTurnAndRestartExactlyOnEveryTarget) {
   using T = TypeParam;
-  for (const int n : {0, 1, 255, 256, 257, 1023, 1024, 1025, 2303}) {
-    const std::vector<std::complex<T>> expected = phasors<T>(n, T(0.01), 3.7, 0.3);
-    for (const bool wide : {false, true}) {
-      Vec<T> cosine = blank<T>(n, wide, T(0.01)), turning = blank<T>(n, wide, T(0.01));
-      std::vector<T> real;
-      for (const std::complex<T> p : expected) real.insert(real.end(), wide ? 2 : 1, p.real());
-      for (size_t k = 1; wide && k < real.size(); k += 2) real[k] = 0;
-      EXPECT_EQ(cos(cosine.get(), 3.7, 0.3) | cexp(turning.get(), 3.7, 0.3), 0);
-      EXPECT_TRUE(exactly(cosine, real) && exactly(turning, wide ? Vec<T>(expected).samples() : real)) << n;
-      EXPECT_TRUE(cosine->complex == wide && turning->complex == wide && turning->delta == T(0.01));
+  for_each_cpu_target([](const char* target) {
+    for (const int n : {0, 1, 255, 256, 257, 1023, 1024, 1025, 2303, 6000}) {
+      const std::vector<std::complex<T>> expected = phasors<T>(n, T(0.01), 3.7, 0.3);
+      for (const bool wide : {false, true}) {
+        Vec<T> cosine = blank<T>(n, wide, T(0.01)), turning = blank<T>(n, wide, T(0.01));
+        std::vector<T> real;
+        for (const std::complex<T> p : expected) real.insert(real.end(), wide ? 2 : 1, p.real());
+        for (size_t k = 1; wide && k < real.size(); k += 2) real[k] = 0;
+        EXPECT_EQ(cos(cosine.get(), 3.7, 0.3) | cexp(turning.get(), 3.7, 0.3), 0);
+        EXPECT_TRUE(exactly(cosine, real)) << n << target;
+        EXPECT_TRUE(exactly(turning, wide ? Vec<T>(expected).samples() : real)) << n << target;
+        EXPECT_TRUE(cosine->complex == wide && turning->complex == wide && turning->delta == T(0.01));
+      }
     }
-  }
+  });
 }
 
 TYPED_TEST(Generators, TheLineIsARunningSum) {
