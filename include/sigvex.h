@@ -880,7 +880,7 @@ DSP_API int32_t dspfi_bitrev_scale(dspf_vector *v, float  factor);
  */
 enum {
   DSP_DFT_MKL_AVAILABLE = 0x1000, /**< transform library and OpenMP runtime are loaded; cannot be set or cleared */
-  DSP_DFT_USE_MKL = 0x2000,       /**< transforms of power-of-two length compute through the library */
+  DSP_DFT_USE_MKL = 0x2000,       /**< power-of-two transforms, alone or as steps of others, are the library's */
   DSP_DFT_KEEP_PLANS = 0x4000     /**< its plans stay cached; without it all are released after each transform */
 };
 

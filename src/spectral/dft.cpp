@@ -9,6 +9,7 @@
 #include "spectral/engine.h"
 #include "spectral/operations.h"
 #include "spectral/roots.h"
+#include "spectral/settings.h"
 
 namespace sigvex {
 namespace {
@@ -21,6 +22,7 @@ template <class T> struct Bluestein {
   Vector<T> chirp;   // e^(-i pi k^2/N), N points
   Vector<T> kernel;  // spectrum of the conjugate chirp, mirrored, M points
   int32_t length;    // N, 0 while the two vectors are not built
+  bool natural;      // the order of the spectrum: that of dspi_fft, or the engine's own
 };
 template <class T> constinit Bluestein<T> bluestein{};
 
@@ -39,7 +41,7 @@ template <class T> Status build_chirp(Vector<T>& chirp, int32_t length) {
   return kSuccess;
 }
 
-template <class T> Status build_kernel(Vector<T>& kernel, const Vector<T>& chirp) {
+template <class T> Status build_kernel(Vector<T>& kernel, const Vector<T>& chirp, bool natural) {
   const size_t m = convolution_length(chirp.points);
   SIGVEX_TRY(shape<T>(kernel, m, 1));
   SIGVEX_TRY(dspi::zero<T>(kernel));
@@ -49,25 +51,47 @@ template <class T> Status build_kernel(Vector<T>& kernel, const Vector<T>& chirp
     set_point<T>(kernel, k, {z.re, -z.im});
     set_point<T>(kernel, m - k, {z.re, -z.im});
   }
-  return kernel_spectrum<T>(kernel);
+  return natural ? dspi::fft<T>(kernel, 1) : kernel_spectrum<T>(kernel);
 }
 
-template <class T> Status prepare(Bluestein<T>& work, int32_t length) {
-  if (work.length == length) return kSuccess;
+template <class T> Status prepare(Bluestein<T>& work, int32_t length, bool natural) {
+  if (work.length == length && work.natural == natural) return kSuccess;
   if (!fits(2 * convolution_length(length))) return kFailure;
   work.length = 0;
   SIGVEX_TRY(build_chirp<T>(work.chirp, length));
-  SIGVEX_TRY(build_kernel<T>(work.kernel, work.chirp));
+  SIGVEX_TRY(build_kernel<T>(work.kernel, work.chirp, natural));
   work.length = length;
+  work.natural = natural;
   return kSuccess;
+}
+
+// In whole transforms, which the transform library can compute.
+template <class T> Status transform_by_steps(Vector<T>& v, const Bluestein<T>& work, bool inverse) {
+  const auto times = [&](const Vector<T>& factors) {
+    return inverse ? dspb::conj_mul<T>(v, factors, v) : dspb::mul<T>(v, factors, v);
+  };
+  SIGVEX_TRY(times(work.chirp));
+  SIGVEX_TRY(dspi::zpad<T>(v, work.kernel.points));
+  SIGVEX_TRY(dspi::fft<T>(v, 1));
+  SIGVEX_TRY(times(work.kernel));
+  SIGVEX_TRY(dspi::fft<T>(v, 0));
+  v.points = work.length;
+  SIGVEX_TRY(times(work.chirp));
+  return inverse ? kSuccess : dspi::scale<T>(v, T(1) / static_cast<T>(work.length));
 }
 
 // The first `bins` points of the transform of v.
 template <class T> Status chirp_transform(Vector<T>& v, bool inverse, size_t bins) {
+  const bool by_library = dft_flags<T>() & DSP_DFT_USE_MKL;
   const WorkLock lock;
   Bluestein<T>& work = bluestein<T>;
   const int32_t n = v.points, complex = v.complex;
-  SIGVEX_TRY(prepare<T>(work, n));
+  SIGVEX_TRY(prepare<T>(work, n, by_library));
+  if (by_library) {
+    SIGVEX_TRY(transform_by_steps<T>(v, work, inverse));
+    v.points = static_cast<int32_t>(bins);
+    return kSuccess;
+  }
   SIGVEX_TRY(reshape<T>(v, points<T>(work.kernel), 1));
   const T factor = inverse ? T(1) : T(1) / static_cast<T>(n);
   const Status status =
@@ -108,8 +132,9 @@ template <class T> Status rdft(Vector<T>& v) {
   const int32_t n = v.points;
   if (power_of_two(n)) return rfft<T>(v);
   if (n < 2) return dft<T>(v, 0);
+  const T delta = v.delta;
   SIGVEX_TRY(chirp_transform<T>(v, false, count(n) / 2 + 1));
-  v.delta = bin_spacing<T>(v.delta, count(n));
+  v.delta = bin_spacing<T>(delta, count(n));
   return kSuccess;
 }
 

@@ -10,7 +10,7 @@
 namespace sigvex_test {
 namespace {
 
-TWINS(i, fft, rfft);
+TWINS(i, fft, rfft, dft);
 TWINS(, dft_set_flags, omp_set_num_threads, free_internal, lib_init);
 
 template <class T> struct Dfti : ::testing::Test {};
@@ -79,6 +79,25 @@ TYPED_TEST(Dfti, PlansAreDroppedAfterEachTransformUnlessKept) {
     EXPECT_EQ(dft_set_flags.of<T>()(0), 0);
     EXPECT_EQ(fft(v.get(), 0U), 0);
     EXPECT_EQ(library.created, 4);  // the library's own kernels
+  });
+}
+
+// The first use of all is one of these here; and a kernel of one back end never serves the other.
+TYPED_TEST(Dfti, LengthsBetweenPowersComputeThroughItToo) {
+  using T = TypeParam;
+  IN_FRESH_PROCESS({
+    StandIn& library = use_stand_in();
+    Vec<T> v{1, 2, 4};
+    for (const int backwards : {0, DSP_DFT_USE_MKL | DSP_DFT_KEEP_PLANS}) {
+      EXPECT_EQ(dft(v.get(), 0U), 0);
+      EXPECT_TRUE(library.created == 1 && library.length == 4 && library.computed == 1) << library.computed;
+      EXPECT_EQ(dft_set_flags.of<T>()(static_cast<uint32_t>(backwards)), 0);
+      EXPECT_EQ(dft(v.get(), 1U), 0);
+      EXPECT_TRUE(close(v, std::vector<T>{1, 0, 2, 0, 4, 0}, kTolerance<T>, 1)) << backwards;
+    }
+    EXPECT_TRUE(library.computed == 2 && library.backward == 4);
+    library.failing = 'x';
+    EXPECT_EQ(dft(v.get(), 0U), -1);
   });
 }
 
