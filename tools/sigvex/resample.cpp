@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "blocks.h"
+#include "choices.h"
 #include "commands.h"
 #include "errors.h"
 #include "text.h"
@@ -198,7 +199,7 @@ void add_resample(CLI::App& program) {
   add_output_options(*command, o->output);
   const char* group = "Resampling";
   CLI::Option* to_rate = command->add_option("--to-rate", o->to_rate, "New samples per second")
-                             ->check(CLI::PositiveNumber)
+                             ->check(number_above_zero)
                              ->type_name("R")
                              ->group(group);
   command->add_option("--ratio", o->ratio, "Old rate over new rate, a number or P/Q, instead")
