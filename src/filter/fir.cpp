@@ -181,7 +181,7 @@ Status filter_by_transform(const Vector<T>& in, const Vector<T>& taps, Vector<T>
   const size_t n = points<T>(in), s = transform_size<T>(in, taps), past = points<T>(taps) - 1;
   const size_t width = in.complex ? 2 : 1;
   SIGVEX_TRY(find_or_build<T>(taps, s, in.complex));
-  SIGVEX_TRY(shape<T>(out, s, in.complex));
+  SIGVEX_TRY(shape<T>(out, s, in.complex ? 1 : 0));
   std::copy_n(in.data, n * width, out.data);
   std::fill(out.data + n * width, out.data + s * width, T(0));
   const bool calm = !state || comparable<T>(*state, in);

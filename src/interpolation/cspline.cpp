@@ -20,7 +20,7 @@ Status cspline(const Vector<T>* x, const Vector<T>& y, const Vector<T>& xi, Vect
     }
   }
   const auto run = [&](Vector<T>& out) {
-    SIGVEX_TRY(shape<T>(out, points<T>(xi), y.complex));
+    SIGVEX_TRY(shape<T>(out, points<T>(xi), y.complex ? 1 : 0));
     out.delta = xi.delta;
     evaluate(t, xi, out.data, [&](size_t k, size_t part) {
       const auto at = [&](size_t j) { return End{t.x[j], t.value(j, part), slopes[j * t.width + part]}; };

@@ -70,7 +70,7 @@ Status cspline_2d(const Vector<T>& xi, const Vector<T>& yi, Vector<T>& result, c
   if (refused<T>(columns, xi, strict) || refused<T>(rows, yi, strict)) return kFailure;
   const Surface<T> f(columns, rows, surface, kind);
   const auto run = [&](Vector<T>& out) {
-    SIGVEX_TRY(shape<T>(out, n, surface.complex));
+    SIGVEX_TRY(shape<T>(out, n, surface.complex ? 1 : 0));
     out.delta = xi.delta;
     const size_t width = surface.complex ? 2 : 1;
     size_t i = 0, j = 0;

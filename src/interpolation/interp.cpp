@@ -90,7 +90,7 @@ Status interp(const Vector<T>* x, const Vector<T>& y, const Vector<T>& xi, Vecto
   const uint32_t kind = mode & ~uint32_t{DSP_INTERP_STRICT};
   if (kind > DSP_INTERP_CUBIC || refused<T>(table.x, xi, mode & DSP_INTERP_STRICT)) return kFailure;
   const auto run = [&](Vector<T>& out) {
-    SIGVEX_TRY(shape<T>(out, points<T>(xi), y.complex));
+    SIGVEX_TRY(shape<T>(out, points<T>(xi), y.complex ? 1 : 0));
     out.delta = xi.delta;
     if (kind == DSP_INTERP_NEAREST) interpolate<Nearest, T>(table, xi, out.data);
     else if (kind == DSP_INTERP_LINEAR) interpolate<Linear, T>(table, xi, out.data);

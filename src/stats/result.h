@@ -14,7 +14,7 @@ template <class T> Status write_real(Vector<T>& result, T value) {
 
 // One point of the form that the input had.
 template <class T> Status write_point(Vector<T>& result, int32_t complex, Point<T> value) {
-  SIGVEX_TRY(shape<T>(result, 1, complex));
+  SIGVEX_TRY(shape<T>(result, 1, complex ? 1 : 0));
   result.data[0] = value.re;
   if (complex) result.data[1] = value.im;
   return kSuccess;
