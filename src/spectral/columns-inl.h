@@ -15,6 +15,8 @@
 #define SIGVEX_SPECTRAL_COLUMNS_INL_H
 #endif
 
+#include <hwy/cache_control.h>
+
 #include <algorithm>
 #include <type_traits>
 
@@ -319,8 +321,10 @@ template <class T> class Columns {
     }
   }
 
-  // A group of transformed columns, times the joining roots, into its tile of every row of tiles.
+  // A group of transformed columns, times the joining roots, into its tile of every row of tiles. What will have left
+  // the caches before the rows come is written past them.
   HWY_INLINE void join(const T* x, const T* joining, T* to) const {
+    const bool beyond_caches = n1_ * n2_ * 2 * sizeof(T) >= size_t{1} << 23;
     size_t row[L];
     for (size_t l = 0; l < L; ++l) row[l] = r1_.row_of(l, n1_);
     for (size_t k = 0; k < n1_; k += L, to += 2 * L * n2_) {
@@ -329,8 +333,13 @@ template <class T> class Columns {
       C z[L], y[L];
       for (size_t l = 0; l < L; ++l) z[l] = load_block(d, first, row[l]) * (w * load_block(d, joining, l));
       transpose_points(d, z, y);
-      for (size_t l = 0; l < L; ++l) store_block(d, y[l], to, l);
+      if (beyond_caches) {
+        for (size_t l = 0; l < L; ++l) stream_block(d, y[l], to, l);
+      } else {
+        for (size_t l = 0; l < L; ++l) store_block(d, y[l], to, l);
+      }
     }
+    if (beyond_caches) hwy::FlushStream();
   }
 
   // The way back of join.

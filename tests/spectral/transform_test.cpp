@@ -2,6 +2,7 @@
 #include <bit>
 #include <functional>
 
+#include "support/cpu_targets.h"
 #include "support/failing_storage.h"
 #include "support/reference_transform.h"
 
@@ -41,6 +42,24 @@ TYPED_TEST(Transform, EveryLengthWithinItsErrorBound) {
         }
       }
     }
+  }
+}
+
+// Convolutions of two points up to those in sweeps over memory; 4097 points are one more than half of what is padded.
+TYPED_TEST(Transform, LengthsThatAreNoPowerOfTwoOnEveryCpuTarget) {
+  using T = TypeParam;
+  for (const auto& [n, step] :
+       std::initializer_list<Length>{{3}, {5}, {9}, {100, 3}, {1009, 97}, {4097, 911}, {8191, 1777}}) {
+    const Vec<T> z = noise<T>(n, true), x = noise<T>(n, false);
+    const ReferenceTransform forward(z, false), inverse(z, true), real(x, false);
+    for_each_cpu_target([&, n = n, step = step](const char* target) {
+      Vec<T> a = z, b = z, c = x, d = x;
+      ASSERT_EQ(dft(a.get(), 0U) | dft(b.get(), 1U) | dft(c.get(), 0U) | rdft(d.get()), 0);
+      EXPECT_LE(transform_error(a, forward, step), transform_bound<T>(n)) << n << ' ' << target;
+      EXPECT_LE(transform_error(b, inverse, step), transform_bound<T>(n)) << n << ' ' << target;
+      EXPECT_LE(transform_error(c, real, step), transform_bound<T>(n)) << n << ' ' << target;
+      EXPECT_TRUE(std::equal(d->data, d->data + 2 * d->points, c->data)) << n << ' ' << target;
+    });
   }
 }
 
