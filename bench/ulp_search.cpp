@@ -113,6 +113,17 @@ const Function kFunctions[] = {
     {"tanh", dspi_tanh, dspfi_tanh, mpfr_tanh, {-3, 3}, {-3, 3}, false},
 };
 
+// Composed of two roundings and more: their errors exceed an ulp.
+int exact_sinc(mpfr_t z, const mpfr_t x, mpfr_rnd_t rounding) {
+  mpfr_sin(z, x, rounding);
+  return mpfr_div(z, z, x, rounding);
+}
+const Function kComposed[] = {
+    {"exp10", dspi_exp10, dspfi_exp10, mpfr_exp10, {-300, 100}, {-37, 15}, false},
+    {"sinc", dspi_sinc, dspfi_sinc, exact_sinc, {-1e6, 1e6}, {-1e5, 1e5}, true},
+    {"sinc", dspi_sinc, dspfi_sinc, exact_sinc, {-10, 10}, {-10, 10}, false},
+};
+
 const PointFunction kPointFunctions[] = {
     {"mag", dspi_mag, dspfi_mag, mpfr_hypot, false},
     {"phase", dspi_phase, dspfi_phase, mpfr_atan2, true},
@@ -230,5 +241,6 @@ int main(int argc, char** argv) {
     };
     rows(kFunctions);
     rows(kPointFunctions);
+    rows(kComposed);
   });
 }

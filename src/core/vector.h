@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "core/widest.h"
 #include "sigvex.h"
 
 namespace sigvex {
@@ -53,20 +54,24 @@ template <class T> void set_point(Vector<T>& v, size_t k, Point<T> z) {
 // x = f(x) for every scalar: the samples of a real vector, both parts of a complex one.
 template <class T, class F> Status each_scalar(Vector<T>& v, F f) {
   T* const x = v.data;
-  for (size_t k = 0, n = size<T>(v); k < n; ++k) x[k] = f(x[k]);
+  const size_t n = size<T>(v);
+  on_widest_vectors([=]() mutable {
+    for (size_t k = 0; k < n; ++k) x[k] = f(x[k]);
+  });
   return kSuccess;
 }
 
 // z = f(z) for every point of a complex vector.
 template <class T, class F> Status each_point(Vector<T>& v, F f) {
-  for (size_t k = 0, n = points<T>(v); k < n; ++k) set_point<T>(v, k, f(point<T>(v, k)));
-  return kSuccess;
-}
-
-// Turns a complex vector into a real one in place: each point gives one sample.
-template <class T, class F> Status each_point_to_real(Vector<T>& v, F f) {
-  v.complex = 0;
-  for (size_t k = 0, n = points<T>(v); k < n; ++k) v.data[k] = f(point<T>(v, k));
+  T* const x = v.data;
+  const size_t n = points<T>(v);
+  on_widest_vectors([=]() mutable {
+    for (size_t k = 0; k < n; ++k) {
+      const Point<T> y = f(Point<T>{x[2 * k], x[2 * k + 1]});
+      x[2 * k] = y.re;
+      x[2 * k + 1] = y.im;
+    }
+  });
   return kSuccess;
 }
 

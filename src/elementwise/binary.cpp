@@ -4,6 +4,7 @@
 #include "core/scratch.h"
 #include "elementwise/operations.h"
 #include "elementwise/products.h"
+#include "elementwise/rules.h"
 
 namespace sigvex::dspb {
 namespace {
@@ -26,15 +27,21 @@ template <class T, class F> Status combine(const Vector<T>& a, const Vector<T>& 
   const bool real_a = !a.complex, real_b = !b.complex;  // before the result, which may be one of them, gets its form
   SIGVEX_TRY(prepare_result<T>(a, b, result));
   const size_t n = points<T>(result);
-  if (real_a && real_b) {
-    for (size_t k = 0; k < n; ++k) result.data[k] = f(a.data[k], b.data[k]);
-  } else if (real_a) {
-    for (size_t k = n; k-- > 0;) set_point<T>(result, k, f(a.data[k], point<T>(b, k)));
-  } else if (real_b) {
-    for (size_t k = n; k-- > 0;) set_point<T>(result, k, f(point<T>(a, k), b.data[k]));
-  } else {
-    for (size_t k = 0; k < n; ++k) set_point<T>(result, k, f(point<T>(a, k), point<T>(b, k)));
-  }
+  const T *const x = a.data, *const y = b.data;
+  T* const z = result.data;
+  on_widest_vectors([=] {
+    if (real_a && real_b) {
+      for (size_t k = 0; k < n; ++k) z[k] = f(x[k], y[k]);
+    } else if (real_a) {
+      for (size_t k = n; k-- > 0;) store<T>(z, k, f(x[k], Point<T>{y[2 * k], y[2 * k + 1]}));
+    } else if (real_b) {
+      for (size_t k = n; k-- > 0;) store<T>(z, k, f(Point<T>{x[2 * k], x[2 * k + 1]}, y[k]));
+    } else {
+      for (size_t k = 0; k < n; ++k) {
+        store<T>(z, k, f(Point<T>{x[2 * k], x[2 * k + 1]}, Point<T>{y[2 * k], y[2 * k + 1]}));
+      }
+    }
+  });
   return kSuccess;
 }
 

@@ -54,10 +54,8 @@ template <class T> Status mag(const Vector<T>& source, Vector<T>& destination) {
 
 template <class T> Status magsq(const Vector<T>& source, Vector<T>& destination) {
   if (&source == &destination) return dspi::magsq<T>(destination);
-  const bool of_points = source.complex;
-  return apply<T>(source, destination, 0, [=](const T* x, T* y, size_t n) {
-    of_points ? map_points(x, y, n, MagsqCapped()) : map_scalars(x, y, n, MagsqCapped());
-  });
+  if (source.complex) return apply<T>(source, destination, 0, math_kernels<T>().magsq_capped);
+  return apply<T>(source, destination, 0, [](const T* x, T* y, size_t n) { map_scalars(x, y, n, MagsqCapped()); });
 }
 
 }  // namespace sigvex::dspu

@@ -29,18 +29,18 @@ template <class T> Status each_point_by(Vector<T>& v, typename MathKernels<T>::M
 template <class T> Status rtoc(Vector<T>& v) {
   if (v.complex) return kSuccess;
   SIGVEX_TRY(reshape<T>(v, points<T>(v), 1));
-  spread(v.data, v.data, points<T>(v), [](T x) -> Point<T> { return {x, T(0)}; });
+  math_kernels<T>().points_of_samples(v.data, v.data, points<T>(v));
   return kSuccess;
 }
 
 template <class T> Status real(Vector<T>& v) {
   if (!v.complex) return kSuccess;
-  return each_point_to_real<T>(v, [](Point<T> z) { return z.re; });
+  return to_real<T>(v, math_kernels<T>().real);
 }
 
 template <class T> Status imag(Vector<T>& v) {
   if (!v.complex) return each_scalar<T>(v, [](T) { return T(0); });
-  return each_point_to_real<T>(v, [](Point<T> z) { return z.im; });
+  return to_real<T>(v, math_kernels<T>().imag);
 }
 
 template <class T> Status conj(Vector<T>& v) {
@@ -53,7 +53,7 @@ template <class T> Status mag(Vector<T>& v) {
 }
 
 template <class T> Status magsq(Vector<T>& v) {
-  return v.complex ? each_point_to_real<T>(v, MagsqCapped()) : each_scalar<T>(v, MagsqCapped());
+  return v.complex ? to_real<T>(v, math_kernels<T>().magsq_capped) : each_scalar<T>(v, MagsqCapped());
 }
 
 template <class T> Status phase(Vector<T>& v) {

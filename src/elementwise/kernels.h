@@ -19,8 +19,11 @@ template <class T> struct MathKernels {
   // The same for n points; those that give angles or magnitudes give one sample for each, and x may be y there too.
   Map exp_of_points, exp10_of_points, log_of_points, root_of_points;
   void (*db_of_points)(const T* x, T* y, size_t n, T factor);
-  Map phase, magnitude;
+  Map phase, magnitude, magsq_capped, real, imag;
   Map polar, rectangular;  // (re, im) to (magnitude, phase) and back
+
+  // z[k] = (x[k], 0), from the last to the first: z may be x.
+  Map points_of_samples;
 };
 
 template <class T> const MathKernels<T>& math_kernels();  // the best for this CPU

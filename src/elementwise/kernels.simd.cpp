@@ -35,11 +35,26 @@ template <class T> void db_of_points(const T* x, T* y, size_t n, T factor) {
 }
 
 template <class T> HWY_INLINE V<T> phase(V<T> re, V<T> im) { return angle<T>(im, re); }
+template <class T> HWY_INLINE V<T> magsq_of(V<T> re, V<T> im) { return magsq_capped<T>({re, im}); }
+template <class T> HWY_INLINE V<T> first(V<T> re, V<T>) { return re; }
+template <class T> HWY_INLINE V<T> second(V<T>, V<T> im) { return im; }
 template <class T> HWY_INLINE Points<T> exp_of_point(Points<T> z) { return rectangular<T>(exp_capped<T>(z.re), z.im); }
 template <class T> HWY_INLINE Points<T> exp10_of_point(Points<T> z) {
   return rectangular<T>(exp10_capped<T>(z.re), z.im * set<T>(std::numbers::ln10));
 }
 template <class T> HWY_INLINE Points<T> rectangular_of(Points<T> z) { return rectangular<T>(z.re, z.im); }
+
+template <class T> void points_of_samples(const T* x, T* z, size_t n) {
+  for (; n % kLanes < T >> 0; --n) {
+    const T sample = x[n - 1];
+    z[2 * n - 2] = sample;
+    z[2 * n - 1] = 0;
+  }
+  for (; n > 0; n -= kLanes<T>) {
+    const size_t k = n - kLanes<T>;
+    store_points<T>({load(x + k), zero<T>()}, z + 2 * k);
+  }
+}
 
 template <class T> const MathKernels<T>* kernels() {
   static constexpr MathKernels<T> table = {
@@ -65,8 +80,12 @@ template <class T> const MathKernels<T>* kernels() {
       .db_of_points = db_of_points<T>,
       .phase = map_to_real<T, phase<T>>,
       .magnitude = map_to_real<T, hypot<T>>,
+      .magsq_capped = map_to_real<T, magsq_of<T>>,
+      .real = map_to_real<T, first<T>>,
+      .imag = map_to_real<T, second<T>>,
       .polar = map_points<T, polar<T>>,
       .rectangular = map_points<T, rectangular_of<T>>,
+      .points_of_samples = points_of_samples<T>,
   };
   return &table;
 }

@@ -29,7 +29,6 @@ struct Absolute {
 
 struct MagsqCapped {
   template <class T> T operator()(T x) const { return bounded(x) ? x * x : Limits<T>::huge; }
-  template <class T> T operator()(Point<T> z) const { return magsq_capped(z); }
 };
 
 template <class T> void store(T* samples, size_t k, T x) { samples[k] = x; }
@@ -40,16 +39,29 @@ template <class T> void store(T* points, size_t k, Point<T> z) {
 
 // y = f(x) for n samples, or points; y may be x.
 template <class T, class F> void map_scalars(const T* x, T* y, size_t n, F f) {
-  for (size_t k = 0; k < n; ++k) y[k] = f(x[k]);
+  on_widest_vectors([=] {
+    for (size_t k = 0; k < n; ++k) y[k] = f(x[k]);
+  });
 }
 template <class T, class F> void map_points(const T* x, T* y, size_t n, F f) {
-  for (size_t k = 0; k < n; ++k) store<T>(y, k, f(Point<T>{x[2 * k], x[2 * k + 1]}));
+  on_widest_vectors([=] {
+    for (size_t k = 0; k < n; ++k) store<T>(y, k, f(Point<T>{x[2 * k], x[2 * k + 1]}));
+  });
 }
 
 // Spreads n samples into points f(x), from the last to the first: the points may grow over the samples themselves, so
-// that no second buffer is needed.
+// that no second buffer is needed. In blocks that are read whole before they are written.
 template <class T, class F> void spread(const T* samples, T* points, size_t n, F f) {
-  while (n-- > 0) store<T>(points, n, f(samples[n]));
+  on_widest_vectors([=]() mutable {
+    constexpr size_t kBlock = 16;
+    while (n % kBlock > 0) --n, store<T>(points, n, f(samples[n]));
+    while (n > 0) {
+      n -= kBlock;
+      T block[kBlock];
+      for (size_t k = 0; k < kBlock; ++k) block[k] = samples[n + k];
+      for (size_t k = 0; k < kBlock; ++k) store<T>(points, n + k, f(block[k]));
+    }
+  });
 }
 
 // Calls f with the elements that move as one: samples, or whole points.
