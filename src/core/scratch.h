@@ -1,6 +1,9 @@
 // Temporaries and the storage operations the rest of the library builds on.
 #pragma once
 
+#include <algorithm>
+#include <functional>
+
 #include "core/vector.h"
 
 namespace sigvex::dsp {
@@ -32,7 +35,11 @@ template <class T> Status reshape(Vector<T>& v, size_t n, int32_t complex);
 template <class T> Status exhausted(Vector<T>& v);
 
 // Whether the samples of two records overlap in memory, the records being different or the same.
-template <class T> bool overlap(const Vector<T>& a, const Vector<T>& b);
+template <class T> bool overlap(const Vector<T>& a, const Vector<T>& b) {
+  const std::less<const T*> before;
+  return before(a.data, b.data + std::max(size<T>(b), count(b.allocated))) &&
+         before(b.data, a.data + std::max(size<T>(a), count(a.allocated)));
+}
 
 // Whether writing one record would disturb the other.
 template <class T> bool shares(const Vector<T>& a, const Vector<T>& b) { return &a == &b || overlap<T>(a, b); }

@@ -1,7 +1,6 @@
 // dsp_init dsp_destroy dsp_alloc dsp_realloc dsp_lib_alloc dsp_lib_free dsp_lib_realloc
 #include <algorithm>
 #include <cstdlib>
-#include <functional>
 #include <utility>
 
 #include "core/exports.h"
@@ -48,12 +47,6 @@ template <class T> Status exhausted(Vector<T>& v) {
   release<T>(v);
   v.data = nullptr;
   return grown<T>(v);
-}
-
-template <class T> bool overlap(const Vector<T>& a, const Vector<T>& b) {
-  const std::less<const T*> before;
-  return before(a.data, b.data + std::max(size<T>(b), count(b.allocated))) &&
-         before(b.data, a.data + std::max(size<T>(a), count(a.allocated)));
 }
 
 template <class T> Status shape(Vector<T>& v, size_t n, int32_t complex) {
@@ -128,10 +121,9 @@ Status lib_realloc(int32_t (*hook)(Vector<T>*, int32_t, int32_t), int32_t (**pre
 
 }  // namespace dsp
 
-#define SIGVEX_INSTANTIATE(T)                                   \
-  template Status exhausted<T>(Vector<T>&);                     \
-  template bool overlap<T>(const Vector<T>&, const Vector<T>&); \
-  template Status shape<T>(Vector<T>&, size_t, int32_t);        \
+#define SIGVEX_INSTANTIATE(T)                            \
+  template Status exhausted<T>(Vector<T>&);              \
+  template Status shape<T>(Vector<T>&, size_t, int32_t); \
   template Status reshape<T>(Vector<T>&, size_t, int32_t);
 SIGVEX_INSTANTIATE(double)
 SIGVEX_INSTANTIATE(float)

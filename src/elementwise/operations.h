@@ -1,7 +1,7 @@
 // The elementwise and sequence operations that other files of the library build on, generic in the precision.
 #pragma once
 
-#include "core/vector.h"
+#include "core/scratch.h"
 
 namespace sigvex::dspi {
 
@@ -69,6 +69,11 @@ template <class T> void leave_to_owner(const Vector<T>& input, Vector<T>& result
 
 // Whether an input must be read from a copy: sizing the result for `need` scalars could move the input's storage away,
 // or the result would be written over samples that are still to be read. Storage that starts at one address is safe.
-template <class T> bool endangered(const Vector<T>& input, const Vector<T>& result, size_t need);
+template <class T> bool endangered(const Vector<T>& input, const Vector<T>& result, size_t need) {
+  // A result that views is not written over: it gets a block of its own. A size that is refused moves nothing.
+  if (&input == &result || result.allocated <= 0 || !fits(need) || !overlap<T>(input, result)) return false;
+  if (result.data != input.data) return true;
+  return input.allocated <= 0 && count(result.allocated) < need;  // viewed, and about to move
+}
 
 }  // namespace sigvex

@@ -3,9 +3,10 @@
 #include <hwy/contrib/sort/vqsort.h>
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
 #include <limits>
+#include <memory>
+#include <new>
 #include <type_traits>
 
 #include "core/exports.h"
@@ -14,24 +15,11 @@
 #include "core/scratch.h"
 #include "elementwise/operations.h"
 #include "elementwise/rules.h"
+#include "elementwise/sort_key.h"
 #include "generate/random_source.h"
 
 namespace sigvex::dspi {
 namespace {
-
-// An integer that orders as the numbers do, with -0.0 before 0.0 and every NaN before the numbers.
-template <class T> struct SortKey {
-  using Int = std::conditional_t<sizeof(T) == 8, int64_t, int32_t>;
-  using Bits = std::make_unsigned_t<Int>;
-  static constexpr int kSign = 8 * sizeof(T) - 1;
-  // Number of NaNs of one sign: as keys, those with a clear sign bit stand above infinity, and this carries them around
-  // to the lower end.
-  static constexpr Bits kNaNs = (Bits{1} << (std::numeric_limits<T>::digits - 1)) - 1;
-
-  static Int fold(Int bits) { return bits ^ ((bits >> kSign) & std::numeric_limits<Int>::max()); }
-  static Int of(T x) { return static_cast<Int>(static_cast<Bits>(fold(std::bit_cast<Int>(x))) + kNaNs); }
-  static T value(Int key) { return std::bit_cast<T>(fold(static_cast<Int>(static_cast<Bits>(key) - kNaNs))); }
-};
 
 // NaN counts as below every number.
 template <class T> int compare(T a, T b) {
@@ -148,13 +136,37 @@ template <class T> void sort_samples(T* x, size_t n) {
   }
 }
 
+// Sorts the squared magnitudes with their places, in vectors, and then the points of equal ones among themselves.
+// False, and nothing done, for a few points and where there is no memory for it.
+template <class T> bool sort_by_magnitude(Point<T>* z, size_t n) {
+  using Place = std::conditional_t<sizeof(T) == 8, hwy::K64V64, hwy::K32V32>;
+  constexpr size_t kVectorsPay = 256;
+  if (n < kVectorsPay) return false;
+  const std::unique_ptr<Place[]> order(new (std::nothrow) Place[n]);
+  const std::unique_ptr<Point<T>[]> given(new (std::nothrow) Point<T>[n]);
+  if (!order || !given) return false;
+  for (size_t k = 0; k < n; ++k) {
+    const T m = magsq(z[k]);
+    order[k].value = static_cast<decltype(Place::value)>(k);
+    order[k].key = m == m ? SortKey<T>::rank(m) : 0;  // one NaN is like another
+  }
+  std::copy_n(z, n, given.get());
+  hwy::Sorter()(order.get(), n, hwy::SortAscending());
+  for (size_t k = 0; k < n; ++k) z[k] = given[order[k].value];
+  for (size_t first = 0, end; first < n; first = end) {
+    for (end = first + 1; end < n && order[end].key == order[first].key;) ++end;
+    if (end - first > 1) std::sort(z + first, z + end, before<T>);
+  }
+  return true;
+}
+
 template <class T> Status sort(Vector<T>& v) {
   if (!v.complex) {
     sort_samples<T>(v.data, points<T>(v));
     return kSuccess;
   }
   Point<T>* const z = reinterpret_cast<Point<T>*>(v.data);
-  std::sort(z, z + points<T>(v), before<T>);
+  if (!sort_by_magnitude<T>(z, points<T>(v))) std::sort(z, z + points<T>(v), before<T>);
   return kSuccess;
 }
 

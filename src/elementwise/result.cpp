@@ -3,28 +3,22 @@
 #include "elementwise/operations.h"
 
 namespace sigvex {
-namespace {
-
-template <class T> bool starts_with(const Vector<T>& result, const Vector<T>& input) {
-  return result.data == input.data;
-}
-
-}  // namespace
 
 template <class T> void leave_to_owner(const Vector<T>& input, Vector<T>& result, size_t need) {
-  const bool owned = &input != &result && starts_with<T>(result, input) && input.allocated > 0;
+  const bool owned = &input != &result && result.data == input.data && input.allocated > 0;
   if (owned && count(result.allocated) < need) result.allocated = 0;
 }
 
 template <class T>
 Status size_result(const Vector<T>& a, const Vector<T>& b, size_t n, bool complex, Vector<T>& result) {
-  const bool on_a = starts_with<T>(result, a), on_b = starts_with<T>(result, b);
+  const bool on_a = result.data == a.data, on_b = result.data == b.data;
   if (!on_a && !on_b) return shape<T>(result, n, complex);
   // Not more than an input holds, whatever form another record over its storage was left with.
   const int32_t old_complex = result.complex && ((on_a && a.complex) || (on_b && b.complex));
   result.points = static_cast<int32_t>(n);
   result.complex = complex;
-  if (on_a && &result != &a && count(result.allocated) < size<T>(result)) result.allocated = 0;
+  if (size<T>(result) <= count(result.allocated)) return kSuccess;
+  if (on_a && &result != &a) result.allocated = 0;
   leave_to_owner<T>(b, result, size<T>(result));
   return dsp::realloc<T>(result, result.points, old_complex);
 }
@@ -40,19 +34,11 @@ template <class T> Status prepare_result(const Vector<T>& a, const Vector<T>& b,
   return prepare_result<T>(a, b, a.complex || b.complex, result);
 }
 
-template <class T> bool endangered(const Vector<T>& input, const Vector<T>& result, size_t need) {
-  // A result that views is not written over: it gets a block of its own. A size that is refused moves nothing.
-  if (&input == &result || result.allocated <= 0 || !fits(need) || !overlap<T>(input, result)) return false;
-  if (!starts_with<T>(result, input)) return true;
-  return input.allocated <= 0 && count(result.allocated) < need;  // viewed, and about to move
-}
-
 #define SIGVEX_INSTANTIATE(T)                                                                   \
   template void leave_to_owner<T>(const Vector<T>&, Vector<T>&, size_t);                        \
   template Status size_result<T>(const Vector<T>&, const Vector<T>&, size_t, bool, Vector<T>&); \
   template Status prepare_result<T>(const Vector<T>&, const Vector<T>&, bool, Vector<T>&);      \
-  template Status prepare_result<T>(const Vector<T>&, const Vector<T>&, Vector<T>&);            \
-  template bool endangered<T>(const Vector<T>&, const Vector<T>&, size_t);
+  template Status prepare_result<T>(const Vector<T>&, const Vector<T>&, Vector<T>&);
 SIGVEX_INSTANTIATE(double)
 SIGVEX_INSTANTIATE(float)
 #undef SIGVEX_INSTANTIATE

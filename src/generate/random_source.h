@@ -12,10 +12,7 @@ class RandomSource {
   // The state is the start value spread by SplitMix64, as the generator's authors advise; never all zero.
   void seed(uint32_t value);
 
-  // 0 .. 32767
-  uint32_t draw() { return static_cast<uint32_t>(draws(1)); }
-
-  // Up to four draws as one number, the first of them in its lowest 15 bits.
+  // Up to four draws of 0 .. 32767 as one number, the first of them in its lowest 15 bits.
   uint64_t draws(int n) {
     if (left_ == 0) refill();
     const int have = left_ < n ? left_ : n;
@@ -29,8 +26,8 @@ class RandomSource {
 
   // 31 bits of three draws, the last one in the low 15 bits.
   uint32_t draw31() {
-    const uint32_t first = draw(), second = draw(), third = draw();
-    return first << 16 | (second & 1) << 15 | third;
+    const uint64_t three = draws(3), first = three & 0x7FFF, second = three >> 15 & 1, third = three >> 30;
+    return static_cast<uint32_t>(first << 16 | second << 15 | third);
   }
 
  private:

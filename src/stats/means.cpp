@@ -1,9 +1,13 @@
 // dsps_mean dsps_rms dsps_gmean dsps_hmean dsps_median
+#include <hwy/contrib/sort/vqsort.h>
+
 #include <cmath>
+#include <vector>
 
 #include "core/exports.h"
 #include "core/limits.h"
 #include "elementwise/operations.h"
+#include "elementwise/sort_key.h"
 #include "stats/kernels.h"
 #include "stats/operations.h"
 #include "stats/result.h"
@@ -75,11 +79,42 @@ template <class T> Status hmean(const Vector<T>& v, Vector<T>& result) {
   return write_point<T>(result, 0, {harmonic_mean<T>(v.data, points<T>(v)), T(0)});
 }
 
+namespace {
+
+// The middle of many samples without sorting all: their keys are counted by their upper half, or quarter, and only
+// those that share it with the middle ones are sorted.
+template <class T> T median_by_counting(const T* x, size_t n) {
+  using Key = SortKey<T>;
+  using Bits = typename Key::Bits;
+  constexpr int kShift = 8 * sizeof(T) - 16;
+  std::vector<uint32_t> counts(size_t{1} << 16);
+  for (size_t k = 0; k < n; ++k) ++counts[Key::rank(x[k]) >> kShift];
+  const size_t upper = n / 2, lower = n % 2 ? upper : upper - 1;
+  size_t below = 0, first = 0;  // samples below the class of the lower middle one, and that class
+  while (below + counts[first] <= lower) below += counts[first++];
+  size_t end = below + counts[first], last = first;
+  while (end <= upper) end += counts[++last];
+  std::vector<Bits> middle(end - below + 1);  // one more, for what does not belong here
+  size_t found = 0;
+  for (size_t k = 0; k < n; ++k) {
+    const Bits rank = Key::rank(x[k]), its_class = rank >> kShift;
+    middle[found] = rank;
+    found += static_cast<size_t>(its_class >= first) & static_cast<size_t>(its_class <= last);
+  }
+  hwy::Sorter()(middle.data(), found, hwy::SortAscending());
+  const T low = Key::ranked(middle[lower - below]), high = Key::ranked(middle[upper - below]);
+  return n % 2 ? high : (low + high) * T(0.5);
+}
+
+}  // namespace
+
 template <class T> Status median(const Vector<T>& v, Vector<T>& result) {
+  constexpr size_t kCountingPays = 1 << 16;
+  const size_t n = points<T>(v), width = v.complex ? 2 : 1;
+  if (!v.complex && n >= kCountingPays) return write_real<T>(result, median_by_counting<T>(v.data, n));
   Scratch<T> sorted;
   SIGVEX_TRY(dsp::copy<T>(sorted, v));
   SIGVEX_TRY(dspi::sort<T>(sorted));
-  const size_t n = points<T>(v), width = v.complex ? 2 : 1;
   const auto middle = [&](size_t part) {
     const auto at = [&](size_t k) { return sorted.data[k * width + part]; };
     if (n == 0) return T(0);

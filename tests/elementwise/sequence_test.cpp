@@ -245,6 +245,23 @@ TYPED_TEST(Sequence, SortAndShuffleKeepEveryPoint) {
   }
 }
 
+// Many points of few magnitudes, NaN and infinite ones among them, against a plain sort by the stated order.
+TYPED_TEST(Sequence, PointsSortByMagnitudeThenParts) {
+  using T = TypeParam;
+  const auto compare = [](T a, T b) { return a < b ? -1 : a > b ? 1 : std::isnan(b) - std::isnan(a); };
+  const auto key = [](std::complex<T> z) { return z.real() * z.real() + z.imag() * z.imag(); };
+  const T values[] = {0, 1, -1, 2, -2, 3, kInf<T>, -kInf<T>, kNaN<T>, -kNaN<T>, kHuge<T> * kHuge<T>};
+  std::vector<std::complex<T>> z;
+  for (size_t k = 0; k < 3000; ++k) z.emplace_back(values[k * k % 11], values[k * 7919 % 1009 % 11]);
+  Vec<T> v(z);
+  std::sort(z.begin(), z.end(), [&](std::complex<T> a, std::complex<T> b) {
+    const int order[] = {compare(key(a), key(b)), compare(a.real(), b.real()), compare(a.imag(), b.imag())};
+    return order[0] ? order[0] < 0 : order[1] ? order[1] < 0 : order[2] < 0;
+  });
+  EXPECT_EQ(TWIN_OF(i, sort)(v), 0);
+  EXPECT_TRUE(exactly(v, Vec<T>(z).samples()));
+}
+
 TYPED_TEST(Sequence, ShuffleGivesEveryPlaceAnEqualChance) {
   using T = TypeParam;
   constexpr size_t kCount = 5, kRounds = 20000;

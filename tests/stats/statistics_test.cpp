@@ -222,6 +222,21 @@ TYPED_TEST(Statistics, TheFirstOfEqualsWinsAcrossBlocks) {
   });
 }
 
+// Spread out, all in one class, and with the two middle ones far apart.
+TYPED_TEST(Statistics, TheMedianOfManyIsThatOfTheSorted) {
+  using T = TypeParam;
+  for (const size_t n : {65535, 65536, 70001, 131072}) {
+    Vec<T> spread = noise<T>(n, false), alike(std::vector<T>(n, T(-0.1))), apart(spread);
+    for (size_t k = 0; k < n; ++k) apart[k] = k % 2 ? kInf<T> : k % 64 ? T(-2) : kNaN<T>;
+    for (const Vec<T>* v : {&spread, &alike, &apart}) {
+      std::vector<T> sorted = v->samples();
+      std::sort(sorted.begin(), sorted.end(), [](T a, T b) { return a < b || (std::isnan(a) && !std::isnan(b)); });
+      const T middle = n % 2 ? sorted[n / 2] : (sorted[n / 2 - 1] + sorted[n / 2]) * T(0.5);
+      EXPECT_TRUE(exactly(result_of("median", *v), {middle})) << n;
+    }
+  }
+}
+
 TYPED_TEST(Statistics, OfNothingTheResultIsStated) {
   using T = TypeParam;
   for (const Statistic<T>& row : statistics<T>()) {
