@@ -56,7 +56,6 @@ template <class T> Status build_kernel(Vector<T>& kernel, const Vector<T>& chirp
 
 template <class T> Status prepare(Bluestein<T>& work, int32_t length, bool natural) {
   if (work.length == length && work.natural == natural) return kSuccess;
-  if (!fits(2 * convolution_length(length))) return kFailure;
   work.length = 0;
   SIGVEX_TRY(build_chirp<T>(work.chirp, length));
   SIGVEX_TRY(build_kernel<T>(work.kernel, work.chirp, natural));
@@ -86,6 +85,7 @@ template <class T> Status chirp_transform(Vector<T>& v, bool inverse, size_t bin
   const WorkLock lock;
   Bluestein<T>& work = bluestein<T>;
   const int32_t n = v.points, complex = v.complex;
+  if (!fits(2 * convolution_length(n))) return exhausted<T>(v);
   SIGVEX_TRY(prepare<T>(work, n, by_library));
   if (by_library) {
     SIGVEX_TRY(transform_by_steps<T>(v, work, inverse));

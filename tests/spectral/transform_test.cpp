@@ -231,6 +231,7 @@ TYPED_TEST(Transform, StorageGrowsToTheConvolutionLengthOnce) {
     v->points = (1 << 28) + 2;  // 2^30 points for the convolution are beyond the record
     EXPECT_EQ(dft(v.get(), 0U), -1);
     EXPECT_EQ(counter.growths, 0);
+    EXPECT_TRUE(!v->data && v->allocated == 0 && v->points == 0);
   }
 }
 
