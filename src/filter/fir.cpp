@@ -148,11 +148,15 @@ template <class T> bool worth_transforming(const Vector<T>& in, const Vector<T>&
          fits(2 * transform_size<T>(in, taps));
 }
 
+template <class T> bool all_bounded(const T* x, size_t n) {
+  return std::all_of(x, x + n, [](T sample) { return bounded(sample); });
+}
+
 // Whether the history may enter the block's transform, whose rounding errors, or a NaN, reach every output: not where
 // it is far above the block, or unbounded. Outputs that it cannot reach then never see it.
 template <class T> bool comparable(const Vector<T>& history, const Vector<T>& in) {
   const T* const past = history.data;
-  if (!std::all_of(past, past + size<T>(history), [](T x) { return bounded(x); })) return false;
+  if (!all_bounded(past, size<T>(history))) return false;
   T peak = 0;
   for (size_t k = 0; k < size<T>(history); ++k) peak = std::max(peak, std::abs(past[k]));
   return std::any_of(in.data, in.data + size<T>(in), [peak](T x) { return 8 * std::abs(x) >= peak; });
@@ -191,9 +195,11 @@ Status filter_by_transform(const Vector<T>& in, const Vector<T>& taps, Vector<T>
   out.points = in.points;
   out.delta = in.delta;
   const Vector<T>& seam = in.complex ? c.complex_seam : c.real_seam;
-  if (calm && past - room >= kLongSeam && points<T>(seam) < s)
-    return filter_seam<T>(in, seam, out, state, past, past - room);
-  return filter_directly<T>(in, taps, out, state, past - room);
+  const size_t wrapped = past - room;
+  // A NaN among the samples leaves the outputs before it alone, as in direct sums.
+  if (calm && wrapped >= kLongSeam && points<T>(seam) < s && all_bounded(in.data, wrapped * width))
+    return filter_seam<T>(in, seam, out, state, past, wrapped);
+  return filter_directly<T>(in, taps, out, state, wrapped);
 }
 
 }  // namespace

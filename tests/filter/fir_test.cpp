@@ -107,13 +107,16 @@ TYPED_TEST(Fir, TheKeptSpectrumServesEqualTapsOnly) {
   expect_right(pairs);
 }
 
-TYPED_TEST(Fir, ALoudHistoryStaysWhereItReaches) {
+TYPED_TEST(Fir, ALoudHistoryStaysWhereItReachesAndASampleInWrappedOutputs) {
   using T = TypeParam;
   for (const T loud : {kInf<T>, kNaN<T>, kHuge<T>, T(1000)}) {
     Vec<T> in(std::vector<T>(512)), taps = noise<T>(100, false), state(std::vector<T>(99, loud)), out;
     EXPECT_EQ(filter(in, out, taps, state.get()), 0);
     EXPECT_NE(out[98], T(0));
     EXPECT_TRUE(close(cut(out, 99, 512), std::vector<T>(413), 0)) << loud;
+    in.get()->data[90] = loud;
+    EXPECT_EQ(filter(in, out, taps), 0);
+    EXPECT_TRUE(std::isfinite(out[89])) << loud;
   }
 }
 
