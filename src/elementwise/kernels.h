@@ -21,9 +21,6 @@ template <class T> struct MathKernels {
   void (*db_of_points)(const T* x, T* y, size_t n, T factor);
   Map phase, magnitude, magsq_capped, real, imag;
   Map polar, rectangular;  // (re, im) to (magnitude, phase) and back
-
-  // z[k] = (x[k], 0), from the last to the first: z may be x.
-  Map points_of_samples;
 };
 
 template <class T> const MathKernels<T>& math_kernels();  // the best for this CPU

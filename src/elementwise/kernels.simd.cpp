@@ -44,18 +44,6 @@ template <class T> HWY_INLINE Points<T> exp10_of_point(Points<T> z) {
 }
 template <class T> HWY_INLINE Points<T> rectangular_of(Points<T> z) { return rectangular<T>(z.re, z.im); }
 
-template <class T> void points_of_samples(const T* x, T* z, size_t n) {
-  for (; n % kLanes < T >> 0; --n) {
-    const T sample = x[n - 1];
-    z[2 * n - 2] = sample;
-    z[2 * n - 1] = 0;
-  }
-  for (; n > 0; n -= kLanes<T>) {
-    const size_t k = n - kLanes<T>;
-    store_points<T>({load(x + k), zero<T>()}, z + 2 * k);
-  }
-}
-
 template <class T> const MathKernels<T>* kernels() {
   static constexpr MathKernels<T> table = {
       .sin = map<T, sin<T>>,
@@ -85,7 +73,6 @@ template <class T> const MathKernels<T>* kernels() {
       .imag = map_to_real<T, second<T>>,
       .polar = map_points<T, polar<T>>,
       .rectangular = map_points<T, rectangular_of<T>>,
-      .points_of_samples = points_of_samples<T>,
   };
   return &table;
 }
