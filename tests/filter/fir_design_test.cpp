@@ -13,7 +13,7 @@ template <class T> Vec<T> designed(int32_t n, int32_t type, double p1, double p2
   Vec<T> v;
   v->points = n;
   v->complex = complex;
-  EXPECT_EQ(fir(v.get(), type, p1, p2), 0);
+  EXPECT_EQ(fir(v, type, p1, p2), 0);
   return v;
 }
 
@@ -104,7 +104,7 @@ TYPED_TEST(Design, RefusesAfterSizing) {
       v->points = n;
       v->complex = 1;
       const bool refused = type < 0 || type > 10 || ((type == 1 || type == 2) && n % 2 == 0);
-      EXPECT_EQ(fir(v.get(), type, 0.2, 0.1), refused ? -1 : 0) << n << ' ' << type;
+      EXPECT_EQ(fir(v, type, 0.2, 0.1), refused ? -1 : 0) << n << ' ' << type;
       EXPECT_TRUE(v->points == n && v->allocated == 2 * n && v->complex == !refused) << n << ' ' << type;
       for (size_t k = 1; !refused && k < v.size(); k += 2) EXPECT_EQ(v[k], 0);
     }
@@ -118,7 +118,7 @@ TYPED_TEST(Design, FixedSetsAreHalvesOfUnitGain) {
     for (const bool complex : {false, true}) {
       Vec<T> v = designed<T>(3, DSP_FIR_LOW_PASS, 0.1, 0, complex);
       const bool known = set > 99 && set < 106;
-      EXPECT_EQ(fir2(v.get(), set), known ? 0 : -1);
+      EXPECT_EQ(fir2(v, set), known ? 0 : -1);
       EXPECT_TRUE(v->points == (known ? points[set - 100] : 3) && v->complex == complex);
       const size_t width = complex ? 2 : 1, centre = v.size() - width;
       double sum = -static_cast<double>(v[centre]);

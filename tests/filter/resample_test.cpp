@@ -23,7 +23,7 @@ template <class T> Vec<T> blank(size_t n, bool complex = false) {
 template <class T> Vec<T> kernel_of(uint32_t set) {
   constexpr size_t kPoints[] = {8194, 13314, 2050, 10242, 13314};
   Vec<T> kernel = blank<T>(kPoints[set]);
-  EXPECT_EQ(built_in(kernel.get(), set), 0);
+  EXPECT_EQ(built_in(kernel, set), 0);
   return kernel;
 }
 
@@ -34,7 +34,7 @@ TYPED_TEST(Resampling, KernelsTabulateOnePeriodOfTheirSeries) {
     for (const bool complex : {false, true}) {
       const size_t width = complex ? 2 : 1;
       Vec<T> cosines = blank<T>(n, complex), powers = cosines;
-      EXPECT_EQ(rsmp_cos(cosines.get(), c.get()) | rsmp_pcos(powers.get(), c.get()), 0);
+      EXPECT_EQ(rsmp_cos(cosines, c) | rsmp_pcos(powers, c), 0);
       std::vector<long double> series(n * width), polynomial(n * width);
       series[0] = polynomial[0] = 3;
       for (size_t k = 1; k < n; ++k) {
@@ -77,7 +77,7 @@ template <class T> std::vector<double> defined(const Vec<T>& in, const Vec<T>& k
       const long double place = (position - newest + k) * steps / length;
       const size_t at = 1 + static_cast<size_t>(mode == kNearest ? place + 0.5L : place);
       const long double low = kernel[at], share = place - std::floor(place);
-      sum += value(in, newest - k) * (mode == kNearest || share == 0 ? low : low + share * (kernel[at + 1] - low));
+      sum += wide(in, newest - k) * (mode == kNearest || share == 0 ? low : low + share * (kernel[at + 1] - low));
     }
     result.push_back(static_cast<double>(sum.real()));
     if (in->complex) result.push_back(static_cast<double>(sum.imag()));
@@ -87,23 +87,22 @@ template <class T> std::vector<double> defined(const Vec<T>& in, const Vec<T>& k
 
 template <class T> void expect_definition(const char* target) {
   Vec<T> odd_steps = blank<T>(64), lone = blank<T>(2), c{T(6.7), T(0.5), T(0.25), T(-1)};  // 62 steps over 7 points
-  EXPECT_EQ(rsmp_cos(odd_steps.get(), c.get()) | rsmp_cos(lone.get(), c.get()), 0);
+  EXPECT_EQ(rsmp_cos(odd_steps, c) | rsmp_cos(lone, c), 0);
   for (const Vec<T>& given : {odd_steps, lone, kernel_of<T>(2), kernel_of<T>(3), kernel_of<T>(4)}) {
     for (const double ratio : {0.91875, 1.0, 0.01237, 3.7183, 250.3}) {
       for (const unsigned row : {0U, 1U, 3U}) {
         SCOPED_TRACE(::testing::Message() << target << ' ' << given->points << ' ' << ratio << ' ' << row);
         const uint8_t mode = row & 1;
         Vec<T> in = noise<T>(300, row & 2), kernel = given, out, same = in;
-        Record<T>* const null = nullptr;
         in->delta = 3;
-        EXPECT_EQ(resample(in.get(), out.get(), mode, kernel.get(), ratio, null), 0);
+        EXPECT_EQ(resample(in, out, mode, kernel, ratio, nullptr), 0);
         // The weights, up to 10, err by an eps and by that of the place, at most 13314 / 2^53, times a slope below 4 a
         // step; 13 of them meet samples up to 5.
         EXPECT_TRUE(close(out, defined(in, kernel, mode, ratio), 13 * 5 * (40 * kEps<T> + 1e-11), 1));
         EXPECT_TRUE(out->delta == static_cast<T>(ratio * 3) && out->complex == in->complex);
         EXPECT_TRUE(exactly(in, same.samples()) && exactly(kernel, given.samples()));
-        EXPECT_EQ(resample(same.get(), same.get(), mode, kernel.get(), ratio, null), 0);
-        EXPECT_EQ(resample(in.get(), kernel.get(), mode, kernel.get(), ratio, null), 0);
+        EXPECT_EQ(resample(same, same, mode, kernel, ratio, nullptr), 0);
+        EXPECT_EQ(resample(in, kernel, mode, kernel, ratio, nullptr), 0);
         EXPECT_TRUE(exactly(same, out.samples()) && exactly(kernel, out.samples()));
       }
     }
@@ -112,32 +111,30 @@ template <class T> void expect_definition(const char* target) {
 
 TYPED_TEST(Resampling, EveryModeAndKernelIsTheDefinition) { for_each_cpu_target(expect_definition<TypeParam>); }
 
-template <class T> void expect_kernels_of_sets(const char* target) {
-  for (uint32_t set = 0; set < 5; ++set) {
-    Vec<T> kernel = kernel_of<T>(set);
-    const size_t length = static_cast<size_t>(kernel[0]);
-    for (const double ratio : {0.91875, 2.7, 0.0313, 777.7}) {
-      for (const unsigned row : {0U, 1U, 3U}) {
-        SCOPED_TRACE(::testing::Message() << target << ' ' << set << ' ' << ratio << ' ' << row);
-        Vec<T> in = noise<T>(2000, row & 2), whole, state{0, 0, 0};
-        const uint8_t mode = row & 1;
-        const auto run = [&](Vec<T>& x, Vec<T>& y, Vec<T>& s) {
-          return rsmp2(x.get(), y.get(), mode, set, ratio, s.get());
-        };
-        in->delta = 2;
-        EXPECT_EQ(resample(in.get(), whole.get(), mode, kernel.get(), ratio, state.get()), 0);
-        EXPECT_EQ(whole->points, static_cast<int>(std::ceil(2000 / ratio)));
-        EXPECT_TRUE(state->complex == in->complex && state->delta == 2 &&
-                    state.size() == (row & 2 ? 2 : 1) * (length + 2));
-        EXPECT_TRUE(exactly(cut(state, 3, length + 2), cut(in, 2001 - length, 2000).samples()));
-        EXPECT_TRUE(exactly(whole, in_blocks(in, 60, set, run)));
+TYPED_TEST(Resampling, BuiltInSetsAreTheirKernelsAndBlocksOfAnySizesGiveTheSameBits) {
+  using T = TypeParam;
+  for_each_cpu_target([](const char* target) {
+    for (uint32_t set = 0; set < 5; ++set) {
+      const Vec<T> kernel = kernel_of<T>(set);
+      const size_t length = static_cast<size_t>(kernel[0]);
+      for (const double ratio : {0.91875, 2.7, 0.0313, 777.7}) {
+        for (const unsigned row : {0U, 1U, 3U}) {
+          SCOPED_TRACE(::testing::Message() << target << ' ' << set << ' ' << ratio << ' ' << row);
+          const uint8_t mode = row & 1;
+          Vec<T> in = noise<T>(2000, row & 2), by_kernel, state{0, 0, 0};
+          in->delta = 2;
+          EXPECT_EQ(resample(in, by_kernel, mode, kernel, ratio, state), 0);
+          EXPECT_TRUE(state->complex == in->complex && state->delta == 2 &&
+                      state.size() == (row & 2 ? 2 : 1) * (length + 2));
+          EXPECT_TRUE(exactly(cut(state, 3, length + 2), cut(in, 2001 - length, 2000).samples()));
+          const Vec<T> whole = expect_same_in_blocks(in, 60, [&](Vec<T>& x, Vec<T>& y, Record<T>* of_blocks) {
+            return rsmp2(x, y, mode, set, ratio, of_blocks);
+          });
+          EXPECT_TRUE(exactly(whole, by_kernel.samples()) && whole->points == int(std::ceil(2000 / ratio)));
+        }
       }
     }
-  }
-}
-
-TYPED_TEST(Resampling, BuiltInSetsAreTheirKernelsAndBlocksOfAnySizesGiveTheSameBits) {
-  for_each_cpu_target(expect_kernels_of_sets<TypeParam>);
+  });
 }
 
 TYPED_TEST(Resampling, RefusesWhatItCannotDo) {
@@ -145,16 +142,16 @@ TYPED_TEST(Resampling, RefusesWhatItCannotDo) {
   Vec<T> in{1, 2, 3}, pairs = noise<T>(3, true), kernel = kernel_of<T>(2), wide = blank<T>(6, true), one{3},
                       seven = blank<T>(7), kept{7, 8}, state{9};
   const auto run = [&](Vec<T>& x, uint8_t mode, Vec<T>& k, double ratio) {
-    return resample(x.get(), kept.get(), mode, k.get(), ratio, state.get());
+    return resample(x, kept, mode, k, ratio, state);
   };
   for (const double ratio : {-1.0, -0.0, std::nan(""), -HUGE_VAL}) EXPECT_EQ(run(in, 1, kernel, ratio), -1) << ratio;
   EXPECT_TRUE(run(in, 1, wide, 1) == -1 && run(in, 2, kernel, 1) == -1 && run(pairs, 0, kernel, 1) == -1);
   kernel[0] = T(0.25);
   EXPECT_TRUE(run(in, 1, kernel, 1) == -1);
-  EXPECT_TRUE(rsmp_cos(seven.get(), in.get()) == -1 && rsmp_pcos(wide.get(), pairs.get()) == -1);
+  EXPECT_TRUE(rsmp_cos(seven, in) == -1 && rsmp_pcos(wide, pairs) == -1);
   for (const uint32_t set : {5U, UINT32_MAX}) {
-    EXPECT_EQ(built_in(wide.get(), set), -1);
-    EXPECT_EQ(rsmp2(in.get(), kept.get(), kLinear, set, 1.0, state.get()), -1);
+    EXPECT_EQ(built_in(wide, set), -1);
+    EXPECT_EQ(rsmp2(in, kept, kLinear, set, 1.0, state), -1);
   }
   EXPECT_TRUE(exactly(kept, {7, 8}) && exactly(state, {9}));
   kernel[0] = 2;

@@ -22,14 +22,14 @@ template <> struct RecordOf<double> { using type = dsp_vector; };
 template <> struct RecordOf<float> { using type = dspf_vector; };
 template <class T> using Record = typename RecordOf<T>::type;
 
-// Both C functions of an operation, chosen by the precision of the record that is passed.
+// Both C functions of an operation, chosen by the precision of the records that are passed.
 template <class Double, class Float> struct Twin {
   Double in_double;
   Float in_float;
 
-  template <class... A> auto operator()(A... arguments) const {
-    if constexpr (std::is_invocable_v<Double, A...>) return in_double(arguments...);
-    else return in_float(arguments...);
+  template <class... A> auto operator()(A&&... arguments) const {
+    if constexpr (std::is_invocable_v<Double, A...>) return in_double(std::forward<A>(arguments)...);
+    else return in_float(std::forward<A>(arguments)...);
   }
   template <class T> auto of() const {
     if constexpr (std::is_same_v<T, double>) return in_double;
