@@ -198,7 +198,10 @@ template <class T> constexpr int kLong = sizeof(T) == 8 ? 12 : 13;
 template <class T> class Columns {
  public:
   explicit Columns(int bits)
-      : n1_(size_t{1} << (bits + 1) / 2), n2_(size_t{1} << bits / 2), r1_((bits + 1) / 2), r2_(bits / 2) {}
+      : r1_(column_bits(bits)),
+        r2_(bits - column_bits(bits)),
+        n1_(size_t{1} << column_bits(bits)),
+        n2_(size_t{1} << (bits - column_bits(bits))) {}
 
   size_t work_size() const { return 2 * n1_ * n2_ + 2 * L * std::max(width(n1_) * n1_, width(n2_) * n2_); }
 
@@ -256,6 +259,10 @@ template <class T> class Columns {
   using C = ComplexOf<D>;
   static constexpr D d{};
   static constexpr size_t L = kLanes<D>;
+
+  // Of an odd number of bits the columns take the larger part, except where only the smaller makes a strip of them that
+  // stays in the nearest cache beside what it is read from.
+  static int column_bits(int bits) { return bits == 15 || bits == 17 ? bits / 2 : (bits + 1) / 2; }
 
   size_t joining_size() const { return 2 * L * (L + n1_ / L); }
 
@@ -391,8 +398,8 @@ template <class T> class Columns {
     });
   }
 
-  size_t n1_, n2_;
   Radices r1_, r2_;
+  size_t n1_, n2_;
 };
 
 }  // namespace HWY_NAMESPACE
