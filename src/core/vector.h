@@ -55,7 +55,7 @@ template <class T> void set_point(Vector<T>& v, size_t k, Point<T> z) {
 template <class T, class F> Status each_scalar(Vector<T>& v, F f) {
   T* const x = v.data;
   const size_t n = size<T>(v);
-  on_widest_vectors([=]() mutable {
+  on_widest_vectors(n, [=]() mutable {
     for (size_t k = 0; k < n; ++k) x[k] = f(x[k]);
   });
   return kSuccess;
@@ -65,7 +65,7 @@ template <class T, class F> Status each_scalar(Vector<T>& v, F f) {
 template <class T, class F> Status each_point(Vector<T>& v, F f) {
   T* const x = v.data;
   const size_t n = points<T>(v);
-  on_widest_vectors([=]() mutable {
+  on_widest_vectors(n, [=]() mutable {
     for (size_t k = 0; k < n; ++k) {
       const Point<T> y = f(Point<T>{x[2 * k], x[2 * k + 1]});
       x[2 * k] = y.re;

@@ -49,11 +49,17 @@ template <class T> Status timesi(Vector<T>& v) { return each_as_complex<T>(v, Ti
 template <class T> Status limit(Vector<T>& v, int32_t, T a, T b, int32_t* clipped) {
   if (std::isnan(a) || std::isnan(b)) return kFailure;
   const T low = std::min(a, b), high = std::max(a, b);
+  T* const samples = v.data;
+  const size_t n = size<T>(v);
   size_t changed = 0;
-  each_scalar<T>(v, [=, &changed](T x) {
-    const T capped = x > high ? high : x, y = capped >= low ? capped : low;  // NaN counts as below the bounds
-    changed += y != x;
-    return y;
+  on_widest_vectors(n, [=, &changed] {
+    size_t count = 0;
+    for (size_t k = 0; k < n; ++k) {
+      const T x = samples[k], capped = x > high ? high : x;
+      samples[k] = capped >= low ? capped : low;  // NaN counts as below the bounds
+      count += samples[k] != x;
+    }
+    changed = count;
   });
   if (clipped) *clipped = changed > 0;
   return kSuccess;

@@ -2,6 +2,7 @@
 #include "core/exports.h"
 #include "core/limits.h"
 #include "core/scratch.h"
+#include "core/widest.h"
 #include "elementwise/operations.h"
 #include "elementwise/products.h"
 #include "elementwise/rules.h"
@@ -29,14 +30,16 @@ template <class T, class F> Status combine(const Vector<T>& a, const Vector<T>& 
   const size_t n = points<T>(result);
   const T *const x = a.data, *const y = b.data;
   T* const z = result.data;
-  on_widest_vectors([=] {
+  on_widest_vectors(n, [=] {
     if (real_a && real_b) {
+      SIGVEX_INDEPENDENT_TURNS
       for (size_t k = 0; k < n; ++k) z[k] = f(x[k], y[k]);
     } else if (real_a) {
       for (size_t k = n; k-- > 0;) store<T>(z, k, f(x[k], Point<T>{y[2 * k], y[2 * k + 1]}));
     } else if (real_b) {
       for (size_t k = n; k-- > 0;) store<T>(z, k, f(Point<T>{x[2 * k], x[2 * k + 1]}, y[k]));
     } else {
+      SIGVEX_INDEPENDENT_TURNS
       for (size_t k = 0; k < n; ++k) {
         store<T>(z, k, f(Point<T>{x[2 * k], x[2 * k + 1]}, Point<T>{y[2 * k], y[2 * k + 1]}));
       }

@@ -1,5 +1,7 @@
 // dspi_differ dspi_pdiffer dspi_integ dspi_unwrap dspi_unwrap_wnd
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <numbers>
 
 #include "core/exports.h"
@@ -11,11 +13,33 @@ namespace {
 
 template <class T> constexpr T kTurn = 2 * std::numbers::pi_v<T>;
 
+// std::fmod by one period, and exact as that is: the period in two parts, of which a quotient of up to 22 bits makes
+// exact products; as the upper part is rounded up, the differences are exact too.
+template <class T> class Modulo {
+ public:
+  explicit Modulo(T period) : period_(period) {
+    constexpr uint64_t kLower = (uint64_t{1} << 22) - 1;
+    upper_ = std::bit_cast<double>((std::bit_cast<uint64_t>(period_) + kLower) & ~kLower);
+    lower_ = period_ - upper_;
+    limit_ = std::isfinite(upper_) ? 0x1p22 : 0;
+  }
+  T operator()(T x) const {
+    const double size = std::abs(x), quotient = size / period_;
+    if (!(quotient < limit_)) return std::fmod(x, static_cast<T>(period_));
+    const double q = static_cast<int>(quotient);
+    const double rest = (size - q * upper_) - q * lower_;
+    return std::copysign(static_cast<T>(rest < 0 ? rest + period_ : rest), x);  // the quotient may be rounded up
+  }
+
+ private:
+  double period_, upper_, lower_, limit_;
+};
+
 // A step of a periodic quantity, by the shorter way; half a period stays as it is.
-template <class T> T wrapped(T step, T period) {
+template <class T> T wrapped(T step, T period, const Modulo<T>& modulo) {
   const T half = period / 2;
   if (step >= -half && step <= half) return step;
-  const T rest = std::fmod(step, period);
+  const T rest = modulo(step);
   if (rest > half) return rest - period;
   return rest < -half ? rest + period : rest;
 }
@@ -39,30 +63,38 @@ template <class T> Status differ(Vector<T>& v) {
 
 template <class T> Status pdiffer(Vector<T>& v) {
   if (v.complex) return kFailure;
-  return differences<T>(v, [](T step) { return wrapped(step, kTurn<T>); });
+  const Modulo<T> turns(kTurn<T>);
+  return differences<T>(v, [&turns](T step) { return wrapped(step, kTurn<T>, turns); });
 }
 
 template <class T> Status integ(Vector<T>& v) {
   const T step = v.delta;
+  T* const x = v.data;
+  const size_t n = size<T>(v);
+  T re = 0, im = 0;
   if (v.complex) {
-    Point<T> sum{0, 0};
-    return each_point<T>(v, [&sum, step](Point<T> z) -> Point<T> {
-      sum = {sum.re + z.re, sum.im + z.im};
-      return {step * sum.re, step * sum.im};
-    });
+    for (size_t k = 0; k < n; k += 2) {
+      x[k] = step * (re += x[k]);
+      x[k + 1] = step * (im += x[k + 1]);
+    }
+  } else {
+    for (size_t k = 0; k < n; ++k) x[k] = step * (re += x[k]);
   }
-  T sum = 0;
-  return each_scalar<T>(v, [&sum, step](T x) { return step * (sum += x); });
+  return kSuccess;
 }
 
 // A step within half a period leaves the sample as it is, to the bit.
 template <class T> Status unwrap_wnd(Vector<T>& v, T period) {
   if (v.complex || !(period > 0)) return kFailure;
+  const Modulo<T> modulo(period);
+  T* const x = v.data;
   T previous = 0;
-  return each_scalar<T>(v, [&previous, period](T x) {
-    const T step = x - previous, shorter = wrapped(step, period);
-    return previous = shorter == step ? x : previous + shorter;
-  });
+  for (size_t k = 0, n = points<T>(v); k < n; ++k) {
+    const T step = x[k] - previous, shorter = wrapped(step, period, modulo);
+    previous = shorter == step ? x[k] : previous + shorter;
+    x[k] = previous;
+  }
+  return kSuccess;
 }
 
 template <class T> Status unwrap(Vector<T>& v) { return unwrap_wnd<T>(v, kTurn<T>); }

@@ -1,9 +1,12 @@
 // dsps_hist
+#include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "core/exports.h"
 #include "core/limits.h"
 #include "core/scratch.h"
+#include "core/widest.h"
 #include "elementwise/operations.h"
 
 namespace sigvex::dsps {
@@ -17,16 +20,32 @@ template <class T> class Bins {
   Bins(Vector<T>& counts, T lo, T width)
       : counts_(counts.data), n_(points<T>(counts)), lo_(lo), width_(width), end_(static_cast<T>(n_)) {}
 
-  void add(T sample) {
-    const T v = position(sample);
-    if (v >= 0 && v < end_) {
-      counts_[static_cast<size_t>(v)] += 1;
-    } else if (v >= end_ && v < end_ * kTop) {
-      counts_[n_ - 1] += 1;
+  // Their places first, in vectors, then the counts one by one.
+  void add(const T* samples, size_t n) {
+    std::array<T, kBatch> at;
+    for (; n > 0; n -= std::min(n, kBatch)) {
+      const size_t batch = std::min(n, kBatch);
+      on_widest_vectors([=, this, to = at.data()] {
+        for (size_t k = 0; k < batch; ++k) to[k] = position(samples[k]);
+      });
+      for (size_t k = 0; k < batch; ++k) count(at[k]);
+      samples += batch;
+    }
+  }
+  void add(const Point<T>* z, size_t n) {
+    std::array<T, kBatch> levels;
+    for (; n > 0; n -= std::min(n, kBatch)) {
+      const size_t batch = std::min(n, kBatch);
+      on_widest_vectors([=, to = levels.data()] {
+        for (size_t k = 0; k < batch; ++k) to[k] = magnitude(z[k]);
+      });
+      add(levels.data(), batch);
+      z += batch;
     }
   }
 
  private:
+  static constexpr size_t kBatch = 512;
   // A sample on the top edge, found just outside by rounding, belongs to the last bin.
   static constexpr T kTop = 1 + 10 * Limits<T>::epsilon;
 
@@ -34,6 +53,14 @@ template <class T> class Bins {
     const T v = sample - lo_;
     if (width_ != 0) return v / width_;
     return v == 0 ? T(0) : Limits<T>::huge;
+  }
+
+  void count(T v) {
+    if (v >= 0 && v < end_) {
+      counts_[static_cast<size_t>(v)] += 1;
+    } else if (v >= end_ && v < end_ * kTop) {
+      counts_[n_ - 1] += 1;
+    }
   }
 
   T* counts_;
@@ -51,9 +78,8 @@ template <class T> Status hist(const Vector<T>& v, Vector<T>& result, double lo,
   SIGVEX_TRY(shape<T>(out, count(bins), 0));
   SIGVEX_TRY(dspi::zero<T>(out));
   Bins<T> histogram(out, static_cast<T>(lo), static_cast<T>(width));
-  for (size_t k = 0, n = points<T>(v); k < n; ++k) {
-    histogram.add(v.complex ? magnitude(point<T>(v, k)) : v.data[k]);
-  }
+  if (v.complex) histogram.add(reinterpret_cast<const Point<T>*>(v.data), points<T>(v));
+  else histogram.add(v.data, points<T>(v));
   return shared ? dsp::copy<T>(result, scratch) : kSuccess;
 }
 

@@ -24,12 +24,18 @@ TYPED_TEST(Sequence, EachRuleAtItsEdges) {
   const auto pad2 = [](int32_t n) { return [n](Record<T>* v) { return TWIN_OF(i, zpad2)(v, n); }; };
   const auto unpad = [](int32_t n) { return [n](Record<T>* v) { return TWIN_OF(i, unzpad)(v, n); }; };
   const auto around = [](T period) { return [period](Record<T>* v) { return TWIN_OF(i, unwrap_wnd)(v, period); }; };
+  const auto stuff = [](int32_t by) { return [by](Record<T>* v) { return TWIN_OF(i, zinter)(v, by); }; };
+  const auto edge = [](T level, T hysteresis, uint32_t direction) {
+    return [=](Record<T>* v) { return TWIN_OF(i, edge)(v, level, hysteresis, direction); };
+  };
+  constexpr uint32_t up = DSP_EDGE_UP, down = DSP_EDGE_DOWN, either = DSP_EDGE_EITHER;
   const auto z = [](const std::vector<T>& scalars) { return make<T>(scalars, true); };
   const struct {
     InPlace<T> call;
     Vec<T> in, out;
     T delta = T(0.25);
     bool refused = false;
+    T new_delta = delta;
   } rows[] = {
       {d, {1, 3, 6}, {2, 4, 6}, T(0.5)},
       {d, {1, 3, 3}, {huge, 2 * huge, 0}, 0},
@@ -43,6 +49,8 @@ TYPED_TEST(Sequence, EachRuleAtItsEdges) {
       {u, {beyond}, {beyond - turn}},
       {u, {3, -3, 4}, {3, 3 + (-6 + turn), 4}},  // 4 is measured against the corrected -3
       {u, {100}, {std::fmod(T(100), turn) - turn}},
+      {u, {20000}, {std::fmod(T(20000), turn)}},  // 3183.1 turns
+      {u, {40000000}, {std::fmod(T(40000000), turn) - turn}},
       {u, {1, nan, 1}, {1, nan, nan}},
       {u, z({9, 9}), z({9, 9}), 1, true},
       {p, {0, 3, -3, beyond}, {0, 6, 2 * (-6 + turn), 2 * (beyond + 3 - turn)}, T(0.5)},
@@ -83,6 +91,31 @@ TYPED_TEST(Sequence, EachRuleAtItsEdges) {
       {drop(INT32_MIN), {1, 2, 3}, {1, 2, 3}},
       {reverse, {1, 2, 3}, {1, 2, 3}, 1, true},
       {reverse, {}, {}, 1, true},
+      {stuff(1), {1, 2, least}, {1, 2, least}},
+      {stuff(3), {1, 2, least}, {1, 0, 0, 2, 0, 0, least, 0, 0}, 6, false, 2},
+      {stuff(2), z({1, 2, 3, 4}), z({1, 2, 0, 0, 3, 4, 0, 0}), 1, false, T(0.5)},
+      {stuff(0), {1, 2}, {1, 2}, 1, true},
+      {stuff(INT32_MIN), {1, 2}, {1, 2}, 1, true},
+      {edge(0, 0, up), {-1, 1, -3, 1, 1}, {1, 5.5}, 2, false, 1},  // positions times delta: 0.5 and 2.75
+      {edge(0, 0, down), {-1, 1, -3, 1, 1}, {1.25}, 1},
+      {edge(0, 0, either), {-1, 1, -3, 1, 1}, {0.5, 1.25, 2.75}, 1},
+      {edge(0, 0, either), {1, 0, -1, 0, 0, 1}, {1, 3}, 1},  // the level itself completes a crossing, and arms none
+      {edge(1, 1, up), {0, 2, -1, 0.5, 0, 1.5, 0.5, 1.5}, {4 + T(2) / 3}, 1},  // 0 lies on the band, 0.5 within
+      {edge(0, 2, either), {-3, 1, -1, 1, -1, 3, -3}, {0.75, 5.5}, 1},  // noise fires once; down had to be armed by 3
+      {edge(0, 0, up), {0, 1, 2, 3}, {}, 1},
+      {edge(0, 0, up), {-1, nan, 1, -1, 3}, {3.25}, 1},
+      {edge(0, 0, up), {-inf, inf, -1, inf}, {0.5, 2}, 1},
+      {edge(huge, 0, up), {-1, inf, -1, 1}, {1}, 1},
+      {edge(0, inf, up), {-1, 1}, {}, 1},
+      {edge(0, 0, up), {}, {}, 1},
+      {edge(0, 0, up), {3}, {}, 1},
+      {edge(0, 0, 0), {-1, 1}, {-1, 1}, 2, true},
+      {edge(0, 0, 4), {-1, 1}, {-1, 1}, 2, true},
+      {edge(nan, 0, up), {-1, 1}, {-1, 1}, 2, true},
+      {edge(inf, 0, up), {-1, 1}, {-1, 1}, 2, true},
+      {edge(0, -1, up), {-1, 1}, {-1, 1}, 2, true},
+      {edge(0, nan, up), {-1, 1}, {-1, 1}, 2, true},
+      {edge(0, 0, up), z({-1, 1}), z({-1, 1}), 3, true},
       {sort, {3, nan, 0, -inf, least, inf, -nan, faint, most, -1}, {nan, nan, -inf, -1, faint, least, 0, 3, most, inf}},
       {sort, z({3, 4, 5, 0, 0, -5, 0, 5, nan, 0, 1, 1, -3, 4, -3, -4, 0, nan}),
        z({nan, 0, 0, nan, 1, 1, -3, -4, -3, 4, 0, -5, 0, 5, 3, 4, 5, 0})},
@@ -96,70 +129,9 @@ TYPED_TEST(Sequence, EachRuleAtItsEdges) {
       v->delta = row.delta;
       EXPECT_EQ(row.call(v), row.refused ? -1 : 0);
       EXPECT_TRUE(exactly(v, row.out.samples()));
-      EXPECT_TRUE(v->complex == row.out->complex && v->delta == row.delta);
+      EXPECT_TRUE(v->complex == row.out->complex && v->delta == row.new_delta);
       EXPECT_TRUE(!view || v->data == storage->data || exactly(storage, row.in.samples()));
     }
-  }
-}
-
-TYPED_TEST(Sequence, ZerosAreStuffedBetweenPoints) {
-  using T = TypeParam;
-  const T z = 0;
-  Vec<T> v{1, 2, T(-0.0)}, copied, complex = Vec<T>::pairs({{1, 2}, {3, 4}});
-  v->delta = 6;
-  for (const int32_t factor : {0, -3, INT32_MIN}) {
-    EXPECT_EQ(TWIN_OF(i, zinter)(v, factor), -1);
-    EXPECT_EQ(TWIN_OF(u, zinter)(v, copied, factor), -1);
-  }
-  EXPECT_TRUE(exactly(v, {1, 2, T(-0.0)}) && v->delta == 6 && copied->delta == 1 && !copied->data);
-  EXPECT_EQ(TWIN_OF(i, zinter)(v, 1), 0);
-  EXPECT_TRUE(exactly(v, {1, 2, T(-0.0)}) && v->delta == 6);
-  EXPECT_EQ(TWIN_OF(i, zinter)(v, 3), 0);
-  EXPECT_TRUE(exactly(v, {1, z, z, 2, z, z, T(-0.0), z, z}) && v->delta == 2);
-  EXPECT_EQ(TWIN_OF(u, zinter)(complex, copied, 2), 0);
-  EXPECT_TRUE(exactly(copied, {1, 2, z, z, 3, 4, z, z}) && copied->complex == 1 && copied->delta == T(0.5));
-}
-
-TYPED_TEST(Sequence, EdgesArmAndFire) {
-  using T = TypeParam;
-  constexpr T nan = kNaN<T>, inf = kInf<T>, huge = kHuge<T>;
-  constexpr uint32_t up = DSP_EDGE_UP, down = DSP_EDGE_DOWN, either = DSP_EDGE_EITHER;
-  const struct {
-    uint32_t direction;
-    T level, hysteresis;
-    Vec<T> in, out;
-    T delta = 1;
-    bool refused = false;
-  } rows[] = {
-      {up, 0, 0, {-1, 1, -3, 1, 1}, {1, 5.5}, 2},  // positions times delta: 0.5 and 2.75
-      {down, 0, 0, {-1, 1, -3, 1, 1}, {1.25}},
-      {either, 0, 0, {-1, 1, -3, 1, 1}, {0.5, 1.25, 2.75}},
-      {either, 0, 0, {1, 0, -1, 0, 0, 1}, {1, 3}},  // the level itself completes a crossing, and arms none
-      {up, 1, 1, {0, 2, -1, 0.5, 0, 1.5, 0.5, 1.5}, {4 + T(2) / 3}},  // 0 lies on the band, 0.5 within
-      {either, 0, 2, {-3, 1, -1, 1, -1, 3, -3}, {0.75, 5.5}},         // noise fires once; down had to be armed by 3
-      {up, 0, 0, {0, 1, 2, 3}, {}},
-      {up, 0, 0, {-1, nan, 1, -1, 3}, {3.25}},
-      {up, 0, 0, {-inf, inf, -1, inf}, {0.5, 2}},
-      {up, huge, 0, {-1, inf, -1, 1}, {1}},
-      {up, 0, inf, {-1, 1}, {}},
-      {up, 0, 0, {}, {}},
-      {up, 0, 0, {3}, {}},
-      {0, 0, 0, {-1, 1}, {-1, 1}, 1, true},
-      {4, 0, 0, {-1, 1}, {-1, 1}, 1, true},
-      {up, nan, 0, {-1, 1}, {-1, 1}, 1, true},
-      {up, inf, 0, {-1, 1}, {-1, 1}, 1, true},
-      {up, 0, -1, {-1, 1}, {-1, 1}, 1, true},
-      {up, 0, nan, {-1, 1}, {-1, 1}, 1, true},
-      {up, 0, 0, make<T>({-1, 1}, true), make<T>({-1, 1}, true), 3, true},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(&row - rows);
-    Vec<T> v = row.in;
-    v->delta = row.delta;
-    EXPECT_EQ(TWIN_OF(i, edge)(v, row.level, row.hysteresis, row.direction), row.refused ? -1 : 0);
-    EXPECT_TRUE(exactly(v, row.out.samples()));
-    EXPECT_EQ(v->delta, row.refused ? row.delta : 1);
-    EXPECT_EQ(v->complex, row.out->complex);
   }
 }
 
@@ -183,6 +155,8 @@ TYPED_TEST(Sequence, CountsThatAreNegativeOrDoNotFit) {
   wide->data = sample;
   wide->points = 1 << 30;
   EXPECT_EQ(TWIN_OF(b, inter)(wide, wide, woven), -1);
+  EXPECT_EQ(TWIN_OF(u, zinter)(narrow, spaced, -3), -1);
+  EXPECT_TRUE(exactly(spaced, {1, 2}));
   EXPECT_EQ(TWIN_OF(u, zinter)(narrow, spaced, 1 << 30), -1);
   EXPECT_EQ(TWIN_OF(i, zinter)(narrow, INT32_MAX), -1);
   for (const Vec<T>* refused : {&v, &view, &source, &copied, &woven, &spaced, &narrow}) {
