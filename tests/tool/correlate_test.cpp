@@ -6,12 +6,11 @@
 namespace sigvex_test {
 namespace {
 
-using Json = nlohmann::json;
 using Complex = std::complex<double>;
 using Signal = std::vector<Complex>;
 
 struct Row {
-  std::vector<std::string> options;
+  const char* options;
   // Of the sum of products at a lag with that many pairs: n and m points, energies e and f.
   double (*scale)(double pairs, double n, double m, double energies);
   bool circular = false, mean_removed = false;
@@ -19,40 +18,33 @@ struct Row {
 
 class Correlate : public Tool {
  protected:
-  std::string store(const std::string& name, const Signal& x, bool pairs) const {
-    std::vector<double> values;
-    for (Complex z : x) {
-      values.push_back(z.real());
-      if (pairs) values.push_back(z.imag());
-    }
-    return record(name, values, 0.25, pairs);
-  }
-  static Signal noise(size_t points, bool pairs, std::mt19937& random) {
+  // Noise in a file of its own.
+  Signal noise(const std::string& name, size_t points, bool pairs, std::mt19937& random) const {
     std::normal_distribution<double> normal(0.5, 1);
     Signal x(points);
-    for (Complex& z : x) z = {normal(random), pairs ? normal(random) : 0};
+    std::vector<double> values;
+    for (Complex& z : x) {
+      values.push_back(normal(random));
+      if (pairs) values.push_back(normal(random));
+      z = {values[values.size() - (pairs ? 2 : 1)], pairs ? values.back() : 0};
+    }
+    record(name, values, 0.25, pairs);
     return x;
   }
-  Json correlate(std::vector<std::string> arguments) const {
-    arguments.insert(arguments.begin(), "correlate");
-    arguments.insert(arguments.end(), {"--format", "json"});
-    const Outcome outcome = run(arguments);
-    EXPECT_EQ(outcome.status, 0) << outcome.err;
-    return outcome.status == 0 ? outcome.json() : Json();
-  }
+  json peak(const std::string& arguments) const { return result("correlate --peaks 1 " + arguments)["peaks"][0]; }
 };
 
 // By the sums themselves: unequal lengths, real with complex, one block and several.
 TEST_F(Correlate, EveryLagIsTheScaledSumOfItsProducts) {
   std::mt19937 random(5);
   const Row rows[] = {
-      {{"--scale", "sum", "--detrend", "none"}, [](double, double, double, double) { return 1.0; }},
-      {{"--scale", "sum"}, [](double, double, double, double) { return 1.0; }, false, true},
-      {{"--scale", "mean", "--detrend", "none"}, [](double, double n, double m, double) { return 1 / std::min(n, m); }},
-      {{"--scale", "mean", "--detrend", "none", "--unbiased"}, [](double p, double, double, double) { return 1 / p; }},
-      {{}, [](double, double, double, double e) { return 1 / e; }, false, true},
-      {{"--unbiased"}, [](double p, double n, double m, double e) { return std::min(n, m) / p / e; }, false, true},
-      {{"--circular"}, [](double, double, double, double e) { return 1 / e; }, true, true}};
+      {"--scale sum --detrend none", [](double, double, double, double) { return 1.0; }},
+      {"--scale sum", [](double, double, double, double) { return 1.0; }, false, true},
+      {"--scale mean --detrend none", [](double, double n, double m, double) { return 1 / std::min(n, m); }},
+      {"--scale mean --detrend none --unbiased", [](double p, double, double, double) { return 1 / p; }},
+      {"", [](double, double, double, double e) { return 1 / e; }, false, true},
+      {"--unbiased", [](double p, double n, double m, double e) { return std::min(n, m) / p / e; }, false, true},
+      {"--circular", [](double, double, double, double e) { return 1 / e; }, true, true}};
   struct Size {
     size_t a, b;
     long reach;
@@ -61,21 +53,10 @@ TEST_F(Correlate, EveryLagIsTheScaledSumOfItsProducts) {
   for (const Size& size : {Size{50, 70, 80, false}, {71, 40, 9, true}, {64, 64, 40, false}, {140001, 140001, 3, false}})
     for (const Row& row : rows) {
       if (row.circular && size.a != size.b) continue;
-      Signal a = noise(size.a, false, random), b = noise(size.b, size.pairs, random);
-      std::vector<std::string> arguments = {"correlate",
-                                            store("a.dsp", a, false),
-                                            store("b.dsp", b, size.pairs),
-                                            "--format",
-                                            "binary",
-                                            "--output",
-                                            path("r"),
-                                            "--max-lag",
-                                            std::to_string(0.25 * static_cast<double>(size.reach))};
-      arguments.insert(arguments.end(), row.options.begin(), row.options.end());
-      const Outcome outcome = run(arguments);
-      ASSERT_EQ(outcome.status, 0) << outcome.err;
-      const Vec<double> v = read_record(path("r"));
-
+      Signal a = noise("a", size.a, false, random), b = noise("b", size.b, size.pairs, random);
+      const double reach = 0.25 * static_cast<double>(size.reach);
+      output("correlate a b --format binary --output r --max-lag " + std::to_string(reach) + ' ' + row.options);
+      const Vec<double> v = read_record("r");
       const long n = static_cast<long>(size.a), m = static_cast<long>(size.b);
       double energies = 1;
       for (Signal* x : {&a, &b}) {
@@ -96,11 +77,11 @@ TEST_F(Correlate, EveryLagIsTheScaledSumOfItsProducts) {
             sum += std::conj(a[static_cast<size_t>(j)]) * b[static_cast<size_t>((j + lag + m) % m)];
             ++pairs;
           }
-        sum *= row.scale(pairs, static_cast<double>(n), static_cast<double>(m), energies);
+        const double scale = row.scale(pairs, static_cast<double>(n), static_cast<double>(m), energies);
+        sum *= scale;
         const size_t k = static_cast<size_t>(lag - first);
         // Two transforms of 2^16 points: some 20 roundings of the root of the energies.
-        const double tolerance =
-            1e-13 * energies * row.scale(pairs, static_cast<double>(n), static_cast<double>(m), energies);
+        const double tolerance = 1e-13 * energies * scale;
         ASSERT_NEAR(v[size.pairs ? 2 * k : k], sum.real(), tolerance) << lag;
         ASSERT_NEAR(size.pairs ? v[2 * k + 1] : 0, sum.imag(), tolerance) << lag;
       }
@@ -122,44 +103,38 @@ TEST_F(Correlate, ADelayIsFoundBetweenTheSamples) {
   }
   std::string csv = "one,other\n";
   for (size_t k = 0; k < a.size(); ++k) csv += std::to_string(a[k]) + "," + std::to_string(b[k]) + "\n";
-  const std::string table = write("two.csv", csv), one = record("a.dsp", a, 1e-3), other = record("b.dsp", b, 1e-3);
-  ASSERT_EQ(run({"convert", table, path("two.wav"), "--rate", "1000"}).status, 0);
-  const std::string records = write("both", contents(one) + contents(other));
-  const std::vector<std::string> rows[] = {{one, other},
-                                           {table, "--with", "other", "--rate", "1000"},
-                                           {table, table, "--with", "2", "--delta", "1e-3"},
-                                           {path("two.wav"), "--with", "2"},
-                                           {records, "--with", "2"},
-                                           {one, path("two.wav"), "--with", "2"}};
-  for (std::vector<std::string> row : rows) {
-    row.insert(row.end(), {"--max-lag", "1", "--peaks", "1"});
-    const Json peak = correlate(row)["peaks"][0];
-    EXPECT_NEAR(peak["lag"], 0.0123, 5e-6) << row[0];  // a two-hundredth of a sample: the ends of the recording
-    EXPECT_GT(peak["value"], 0.99);
+  write("two.csv", csv);
+  write("both", record("a.dsp", a, 1e-3) + record("b.dsp", b, 1e-3));
+  output("convert two.csv two.wav --rate 1000");
+  for (const char* files : {"a.dsp b.dsp", "two.csv --with other --rate 1000", "two.csv two.csv --with 2 --delta 1e-3",
+                            "two.wav --with 2", "both --with 2", "a.dsp two.wav --with 2"}) {
+    const json found = peak(std::string("--max-lag 1 ") + files);
+    EXPECT_NEAR(found["lag"], 0.0123, 5e-6) << files;  // a two-hundredth of a sample: the ends of the recording
+    EXPECT_GT(found["value"], 0.99);
   }
-  const Outcome piped =
-      run({"correlate", "-", "--with", "2", "--channel", "1", "--peaks", "1"}, contents(path("two.wav")));
-  EXPECT_NE(piped.out.find("standard input, 1 with 2: 4000 points"), std::string::npos) << piped.out << piped.err;
-  EXPECT_NE(piped.out.find("0.0123"), std::string::npos) << piped.out;
+  const std::string piped = output("correlate - --with 2 --channel 1 --peaks 1", read("two.wav"));
+  EXPECT_NE(piped.find("standard input, 1 with 2: 4000 points"), std::string::npos) << piped;
+  EXPECT_NE(piped.find("0.0123"), std::string::npos) << piped;
   // Of itself: its period, not the lag 0.
-  const std::string period = record("p.dsp", sine(5000, 1 / 33.25, 1), 1e-3);
-  EXPECT_NEAR(correlate({period, "--min-lag", "0.02"})["peaks"][0]["samples"], 33.25, 0.05);
-  const std::string rows_of = run({"correlate", one, "--max-lag", "0.001", "--format", "csv"}).out;
-  EXPECT_TRUE(rows_of.starts_with("lag (s),coefficient\n0,") && rows_of.find("\n0.001,") != rows_of.npos) << rows_of;
-  EXPECT_EQ(run({"correlate", one, "--plot", path("c.svg")}).status, 0);
-  EXPECT_NE(contents(path("c.svg")).find("</svg>"), std::string::npos);
+  record("p.dsp", sine(5000, 1 / 33.25, 1), 1e-3);
+  EXPECT_NEAR(peak("p.dsp --min-lag 0.02")["samples"], 33.25, 0.05);
+  const std::string rows = output("correlate a.dsp --max-lag 0.001 --format csv");
+  EXPECT_TRUE(rows.starts_with("lag (s),coefficient\n0,") && rows.find("\n0.001,") != rows.npos) << rows;
+  output("correlate a.dsp --plot c.svg");
+  EXPECT_NE(read("c.svg").find("</svg>"), std::string::npos);
 }
 
 TEST_F(Correlate, WhatDoesNotFitIsRefused) {
-  const std::string a = record("a.dsp", {1, 2, 3, 4}, 1), b = record("b.dsp", {1, 2, 3, 4}, 0.5),
-                    c = record("c.dsp", {1, 2}, 1);
-  expect_refusals({{{"correlate", a, b}, 1, "b.dsp: its samples are 0.5 s apart, those of"},
-                   {{"correlate", a, c, "--circular"}, 1, "have 4 and 2 points, but must be periods of one length"},
-                   {{"correlate", "-", "-"}, 2, "the standard input cannot be both recordings"},
-                   {{"correlate", a, "--with", "2"}, 1, "--with 2, but the file holds 1 record"},
-                   {{"correlate", a, "--unbiased", "--circular"}, 2, "--unbiased is for"},
-                   {{"correlate", a, "--max-lag", "1e12"}, 2, "--max-lag 1e+12: must be 0 to 6.71089e+07 s"},
-                   {{"correlate", a, "--format", "json", "--plot", "-"}, 2, "would both fill the standard output"}});
+  record("a.dsp", {1, 2, 3, 4}, 1);
+  record("b.dsp", {1, 2, 3, 4}, 0.5);
+  record("c.dsp", {1, 2}, 1);
+  expect_refusals({{"correlate a.dsp b.dsp", 1, "b.dsp: its samples are 0.5 s apart, those of"},
+                   {"correlate a.dsp c.dsp --circular", 1, "have 4 and 2 points, but must be periods of one length"},
+                   {"correlate - -", 2, "the standard input cannot be both recordings"},
+                   {"correlate a.dsp --with 2", 1, "--with 2, but the file holds 1 record"},
+                   {"correlate a.dsp --unbiased --circular", 2, "--unbiased is for"},
+                   {"correlate a.dsp --max-lag 1e12", 2, "--max-lag 1e+12: must be 0 to 6.71089e+07 s"},
+                   {"correlate a.dsp --format json --plot -", 2, "would both fill the standard output"}});
 }
 
 }  // namespace

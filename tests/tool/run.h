@@ -9,8 +9,10 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iomanip>
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -20,23 +22,16 @@ extern char** environ;
 
 namespace sigvex_test {
 
+using nlohmann::json;
+
 struct Outcome {
   int status = -1;
   std::string out, err;
-  nlohmann::json json() const { return nlohmann::json::parse(out); }
 };
 
 inline std::string contents(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
   return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-inline Vec<double> read_record(const std::string& file) {
-  Vec<double> v;
-  FILE* const stream = std::fopen(file.c_str(), "rb");
-  EXPECT_EQ(dspf_fread(v, stream), 1) << file;
-  std::fclose(stream);
-  return v;
 }
 
 // A directory of its own for every test, removed with all that is in it.
@@ -50,10 +45,10 @@ class Tool : public ::testing::Test {
   ~Tool() override { std::filesystem::remove_all(directory_); }
 
   std::string path(const std::string& name) const { return (directory_ / "work" / name).string(); }
-  std::string write(const std::string& name, const std::string& text) const {
+  void write(const std::string& name, const std::string& text) const {
     std::ofstream(path(name), std::ios::binary) << text;
-    return path(name);
   }
+  std::string read(const std::string& name) const { return contents(path(name)); }
   std::vector<std::string> files() const {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(directory_ / "work"))
@@ -62,32 +57,43 @@ class Tool : public ::testing::Test {
     return names;
   }
 
-  // A binary record of real samples, or of pairs.
+  // A binary record of real samples, or of pairs; its bytes.
   std::string record(const std::string& name, const std::vector<double>& samples, double delta,
                      bool pairs = false) const {
     Vec<double> v(samples);
     v->delta = delta;
     v->complex = pairs;
     v->points /= pairs ? 2 : 1;
-    FILE* file = std::fopen(path(name).c_str(), "wb");
+    FILE* const file = std::fopen(path(name).c_str(), "wb");
     EXPECT_EQ(dspf_fwrite(v, file), 0);
     std::fclose(file);
-    return path(name);
+    return read(name);
+  }
+  Vec<double> read_record(const std::string& name) const {
+    Vec<double> v;
+    FILE* const stream = std::fopen(path(name).c_str(), "rb");
+    EXPECT_EQ(dspf_fread(v, stream), 1) << name;
+    std::fclose(stream);
+    return v;
   }
 
-  Outcome run(std::vector<std::string> arguments, const std::string& input = {}) const {
-    arguments.insert(arguments.begin(), SIGVEX_TOOL);
+  // In the test's directory; an argument that holds blanks stands in double quotes.
+  Outcome run(const std::string& command, const std::string& input = {}) const {
+    std::vector<std::string> arguments{SIGVEX_TOOL};
+    std::istringstream words(command);
+    for (std::string word; words >> std::quoted(word);) arguments.push_back(word);
     std::vector<char*> argv;
     for (std::string& a : arguments) argv.push_back(a.data());
     argv.push_back(nullptr);
     const std::string in = (directory_ / "in").string(), out = (directory_ / "out").string(),
-                      err = (directory_ / "err").string();
+                      err = (directory_ / "err").string(), work = path("");
     std::ofstream(in, std::ios::binary) << input;
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    posix_spawn_file_actions_addchdir_np(&actions, work.c_str());
     pid_t child = 0;
     int status = -1;
     EXPECT_EQ(posix_spawn(&child, SIGVEX_TOOL, &actions, nullptr, argv.data(), environ), 0);
@@ -95,9 +101,21 @@ class Tool : public ::testing::Test {
     posix_spawn_file_actions_destroy(&actions);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(out), contents(err)};
   }
+  // What a run that must succeed prints; as JSON.
+  std::string output(const std::string& command, const std::string& input = {}) const {
+    const Outcome outcome = run(command, input);
+    EXPECT_EQ(outcome.status, 0) << command << '\n' << outcome.err;
+    return outcome.out;
+  }
+  json result(const std::string& command, const std::string& input = {}) const {
+    return json::parse(output(command + " --format json", input), nullptr, false);
+  }
+  json spectrum(const std::string& arguments, const std::string& input = {}) const {
+    return result("spectrum " + arguments, input);
+  }
 
   struct Refusal {
-    std::vector<std::string> arguments;
+    std::string command;
     int status;
     const char* message;
     std::string input = {};
@@ -105,25 +123,14 @@ class Tool : public ::testing::Test {
   // Each ends with its status and one line that says so, prints nothing else and leaves no file.
   void expect_refusals(const std::vector<Refusal>& refusals) const {
     const std::vector<std::string> before = files();
-    for (const Refusal& refusal : refusals) {
-      const Outcome outcome = run(refusal.arguments, refusal.input);
-      EXPECT_EQ(outcome.status, refusal.status) << refusal.message << outcome.err;
-      EXPECT_NE(outcome.err.find(refusal.message), std::string::npos)
-          << "got: " << outcome.err << "want: " << refusal.message;
-      EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome.err;
-      EXPECT_EQ(outcome.err.substr(0, 8), "sigvex: ");
-      EXPECT_EQ(outcome.out, "") << refusal.message;
+    for (const auto& [command, status, message, input] : refusals) {
+      const Outcome outcome = run(command, input);
+      EXPECT_TRUE(outcome.status == status && outcome.out.empty()) << command << '\n' << outcome.err;
+      EXPECT_TRUE(outcome.err.starts_with("sigvex: ") && outcome.err.find('\n') == outcome.err.size() - 1 &&
+                  outcome.err.find(message) != std::string::npos)
+          << "got: " << outcome.err << "want: " << message;
     }
     EXPECT_EQ(files(), before);
-  }
-
-  // The result of a run that must succeed, as JSON.
-  nlohmann::json measure(std::vector<std::string> arguments, const std::string& input = {}) const {
-    arguments.insert(arguments.begin(), "spectrum");
-    arguments.insert(arguments.end(), {"--format", "json"});
-    const Outcome outcome = run(arguments, input);
-    EXPECT_EQ(outcome.status, 0) << outcome.err;
-    return outcome.status == 0 ? outcome.json() : nlohmann::json();
   }
 
  private:

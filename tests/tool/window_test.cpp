@@ -3,16 +3,15 @@
 namespace sigvex_test {
 namespace {
 
-using nlohmann::json;
 using WindowCommand = Tool;
 
 TEST_F(WindowCommand, TheFiguresAreThoseOfTheWeightsItWrites) {
-  const json all = run({"window", "--format", "json", "--points", "500"}).json()["windows"];
+  const json all = result("window --points 500")["windows"];
   ASSERT_EQ(all.size(), 32u);
   for (const json& window : all) {
     const std::string name = window["name"];
-    ASSERT_EQ(run({"window", name, "--points", "500", "--format", "binary", "--output", path("w")}).status, 0) << name;
-    const Vec<double> w = read_record(path("w"));
+    output("window " + name + " --points 500 --format binary --output w");
+    const Vec<double> w = read_record("w");
     ASSERT_EQ(w->points, 500);
     EXPECT_NEAR(w[250], 1, 1e-12) << name;
     double sum = 0, square = 0;
@@ -20,13 +19,13 @@ TEST_F(WindowCommand, TheFiguresAreThoseOfTheWeightsItWrites) {
     EXPECT_NEAR(window["coherent_gain"], sum / 500, 1e-12) << name;
     EXPECT_NEAR(window["enbw"], 500 * square / (sum * sum), 1e-9) << name;
   }
-  const std::string table = run({"window", "hann"}).out;
+  const std::string table = output("window hann");
   EXPECT_NE(table.find("Hann    0.5000  1.5000      1.4236"), std::string::npos) << table;
-  EXPECT_EQ(run({"window", "Hann", "--plot", path("w.png"), "--output", path("table")}).status, 0);
-  EXPECT_EQ(contents(path("w.png")).substr(1, 3), "PNG");
-  expect_refusals({{{"window", "Hanm"}, 2, "NAME 'Hanm': unknown; the windows are"},
-                   {{"window", "--plot", path("x.svg")}, 2, "NAME is required for --plot"},
-                   {{"window", "--points", "1"}, 2, "--points"}});
+  output("window Hann --plot w.png --output table");
+  EXPECT_EQ(read("w.png").substr(1, 3), "PNG");
+  expect_refusals({{"window Hanm", 2, "NAME 'Hanm': unknown; the windows are"},
+                   {"window --plot x.svg", 2, "NAME is required for --plot"},
+                   {"window --points 1", 2, "--points"}});
 }
 
 }  // namespace
