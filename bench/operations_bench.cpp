@@ -138,7 +138,7 @@ void statistics() {
   EACH(kBoth, s, hmean, b)
   EACH(kBoth, s, median, b) EACH(kBoth, s, max, b) EACH(kBoth, s, min, b) EACH(kBoth, s, magsq_sum, b)
       EACH(kBoth, s, rms, b) EACH(kBoth, s, pop_var, b) EACH(kBoth, s, samp_stddev, b) EACH(kReal, s, skew, b)
-          EACH(kReal, s, excess, b) EACH(kReal, s, lin_regres, nullptr, b) EACH(kBoth, s, hist, b, 0, 0.01, 100)
+          EACH(kReal, s, excess, b) EACH(kReal, s, lin_regres, a, b) EACH(kBoth, s, hist, b, 0, 0.01, 100)
               EACH(kBoth, s, peak, b, 0, 0)
 }
 
