@@ -1,15 +1,13 @@
 #include <random>
 
 #include "support/cpu_targets.h"
-#include "support/twin.h"
+#include "support/reference_transform.h"
 
 namespace sigvex_test {
 namespace {
 
 template <class T> struct Polynomials : ::testing::Test {};
 TYPED_TEST_SUITE(Polynomials, Precisions);
-
-using Wide = std::complex<long double>;
 
 template <class T> Vec<T> vector_of(const std::vector<Wide>& z, bool complex) {
   std::vector<T> re;
@@ -18,10 +16,6 @@ template <class T> Vec<T> vector_of(const std::vector<Wide>& z, bool complex) {
     re.push_back(static_cast<T>(x.real())), both.emplace_back(re.back(), static_cast<T>(x.imag()));
   return complex ? Vec<T>(both) : Vec<T>(re);
 }
-template <class T> Wide at(const Vec<T>& v, size_t k) {
-  return v->complex ? Wide(v.at(k).real(), v.at(k).imag()) : Wide(v[k]);
-}
-
 // The product of (x - z) over the zeros, each in long double: exact for small integers.
 std::vector<Wide> product(const std::vector<Wide>& zeros) {
   std::vector<Wide> p{1};
@@ -60,7 +54,7 @@ TYPED_TEST(Polynomials, AreEvaluatedAsInTwiceThePrecision) {
         ASSERT_EQ(peval(p, x, y), 0);
         EXPECT_TRUE(y->delta == T(0.125) && y->complex == (row.complex_p || row.complex_x) && y->points == int(n));
         for (size_t k = 0; k < n; ++k) {
-          EXPECT_LE(std::abs(at(y, k) - expected[k]), 2 * kEps<T> * std::abs(expected[k])) << target << ' ' << k;
+          EXPECT_LE(std::abs(wide(y, k) - expected[k]), 2 * kEps<T> * std::abs(expected[k])) << target << ' ' << k;
         }
         EXPECT_EQ(peval(alias, x, alias), 0);
         EXPECT_EQ(peval(p, x, x), 0);
@@ -90,25 +84,16 @@ TYPED_TEST(Polynomials, HaveTheirExactRootsInOrder) {
   const struct {
     Vec<T> p;
     P roots;
-  } rows[] = {
-      {{-6, 11, -6, 1}, {1, 2, 3}},
-      {{1, 0, 1}, {{0, -1}, {0, 1}}},
-      {{-1, 0, 0, 0, 1}, {-1, {0, -1}, {0, 1}, 1}},
-      {{5, -4, 1, 0, 0}, {{2, -1}, {2, 1}}},
-      {{0, 0, 2, 1}, {-2, 0, 0}},
-      {{-1, 3, -3, 1}, {1, 1, 1}},
-      {{-4, 0, 3, 1}, {-2, -2, 1}},
+  } rows[] = {// clang-format off
+      {{-6, 11, -6, 1}, {1, 2, 3}}, {{1, 0, 1}, {{0, -1}, {0, 1}}}, {{-1, 0, 0, 0, 1}, {-1, {0, -1}, {0, 1}, 1}},
+      {{5, -4, 1, 0, 0}, {{2, -1}, {2, 1}}}, {{0, 0, 2, 1}, {-2, 0, 0}}, {{-1, 3, -3, 1}, {1, 1, 1}},
+      {{-4, 0, 3, 1}, {-2, -2, 1}}, {{4, 0, -4, 0, 1}, {-root2, -root2, root2, root2}},
       {{1, 0, 3, 0, 3, 0, 1}, {{0, -1}, {0, -1}, {0, -1}, {0, 1}, {0, 1}, {0, 1}}},
-      {{4, 0, -4, 0, 1}, {-root2, -root2, root2, root2}},
       {{1, T(-2e5), 1}, {near, far}},  // the small root of the textbook formula cancels
       {{1 / large, 3, 2 * large}, {-1 / large, T(-0.5) / large}},
-      {Vec<T>::pairs({{0, 2}, {-2, -1}, {1, 0}}), {{0, 1}, 2}},
-      {Vec<T>::pairs({{3, 4}, {1, 0}}), {{-3, -4}}},
-      {Vec<T>::pairs({{5, 0}, {-4, 0}, {1, 0}}), {{2, -1}, {2, 1}}},
-      {{7}, {}},
-      {{0, 0, 0}, {}},
-      {{}, {}},
-  };
+      {Vec<T>::pairs({{0, 2}, {-2, -1}, {1, 0}}), {{0, 1}, 2}}, {Vec<T>::pairs({{3, 4}, {1, 0}}), {{-3, -4}}},
+      {Vec<T>::pairs({{5, 0}, {-4, 0}, {1, 0}}), {{2, -1}, {2, 1}}}, {{7}, {}}, {{0, 0, 0}, {}}, {{}, {}}};
+  // clang-format on
   for (const auto& row : rows) {
     Vec<T> roots{1, 2, 3}, itself = row.p;
     roots->delta = itself->delta = T(0.25);
@@ -145,7 +130,7 @@ TYPED_TEST(Polynomials, OfDegreeOneHundredLeaveNothingAtTheirRoots) {
       Wide sum = a[degree - 1] / a[degree];
       long double sizes = 0;
       for (size_t k = 0; k < degree; ++k) {
-        const Wide z = at(roots, k);
+        const Wide z = wide(roots, k);
         Wide value = 0;
         long double bound = 0;
         for (size_t j = degree + 1; j-- > 0;) {
@@ -164,7 +149,7 @@ TYPED_TEST(Polynomials, OfDegreeOneHundredLeaveNothingAtTheirRoots) {
       // And back: every rounded root moves each coefficient by no more than eps times the product of (|z| + 1).
       EXPECT_EQ(pztoc(roots), 0);
       for (size_t k = 0; k <= degree; ++k) {
-        EXPECT_LE(std::abs(at(roots, k) * a[degree] - a[k]), 100 * kEps<T> * static_cast<long double>(degree)) << k;
+        EXPECT_LE(std::abs(wide(roots, k) * a[degree] - a[k]), 100 * kEps<T> * static_cast<long double>(degree)) << k;
         EXPECT_TRUE(complex || roots.at(k).imag() == 0);
       }
     }
@@ -180,23 +165,14 @@ TYPED_TEST(Polynomials, AreSolvedFromAStart) {
     Vec<T> p;
     T start, root;
     int32_t status = 0;
-  } rows[] = {{{-2, 0, 1}, 1, root2},
-              {{-2, 0, 1}, -1, -root2},
-              {{-2, 0, 1}, huge, root2},
-              {{-2, 0, 1}, 0, -root2},
-              {{-1, 3, -3, 1}, 5, 1},
-              {{2, -2, 0, 1}, 0, T(-1.7692923542386314152404094643L)},
-              {{0, 0, -1, 1}, T(0.1), 0},
-              {{0, 0, 0, 4}, T(-0.25), 0},
-              {{-6, 11, -6, 1}, T(2.9), 3},
-              {{-6, 11, -6, 1}, 1000, 3},
-              {{4, 0, -4, 0, 1}, 9, root2},
-              {{1, 0, 1}, 2, 7, -1},
-              {{5, 0}, 0, 7, -1},
-              {{}, 0, 7, -1},
-              {{1, kNaN<T>}, 0, 7, -1},
-              {{1, 1}, kInf<T>, 7, -1},
+    // clang-format off
+  } rows[] = {{{-2, 0, 1}, 1, root2}, {{-2, 0, 1}, -1, -root2}, {{-2, 0, 1}, huge, root2}, {{-2, 0, 1}, 0, -root2},
+              {{-1, 3, -3, 1}, 5, 1}, {{2, -2, 0, 1}, 0, T(-1.7692923542386314152404094643L)},
+              {{0, 0, -1, 1}, T(0.1), 0}, {{0, 0, 0, 4}, T(-0.25), 0}, {{-6, 11, -6, 1}, T(2.9), 3},
+              {{-6, 11, -6, 1}, 1000, 3}, {{4, 0, -4, 0, 1}, 9, root2}, {{1, 0, 1}, 2, 7, -1}, {{5, 0}, 0, 7, -1},
+              {{}, 0, 7, -1}, {{1, kNaN<T>}, 0, 7, -1}, {{1, 1}, kInf<T>, 7, -1},
               {Vec<T>::pairs({{1, 0}, {1, 0}}), 0, 7, -1}};
+  // clang-format on
   for (const auto& row : rows) {
     T root = 7;
     EXPECT_EQ(psolve(row.p, &root, row.start), row.status);
@@ -208,14 +184,12 @@ TYPED_TEST(Polynomials, AreSolvedFromAStart) {
     Vec<T> start;
     std::vector<T> root;
     int32_t status = 0;
-  } points[] = {{circle, Vec<T>::pairs({{2, 1}}), {0, 1}},
-                {circle, {3}, {0, -1}},
-                {pair, Vec<T>::pairs({{2, T(0.5)}}), {2, 0}},
-                {pair, Vec<T>::pairs({{T(-0.5), 2}}), {0, 1}},
-                {circle, {1, 2}, {1, 2}, -1},
-                {circle, {}, {}, -1},
-                {circle, Vec<T>::pairs({{0, kNaN<T>}}), {0, kNaN<T>}, -1},
-                {Vec<T>{3}, {1}, {1}, -1}};
+    // clang-format off
+  } points[] = {{circle, Vec<T>::pairs({{2, 1}}), {0, 1}}, {circle, {3}, {0, -1}},
+                {pair, Vec<T>::pairs({{2, T(0.5)}}), {2, 0}}, {pair, Vec<T>::pairs({{T(-0.5), 2}}), {0, 1}},
+                {circle, {1, 2}, {1, 2}, -1}, {circle, {}, {}, -1}, {Vec<T>{3}, {1}, {1}, -1},
+                {circle, Vec<T>::pairs({{0, kNaN<T>}}), {0, kNaN<T>}, -1}};
+  // clang-format on
   for (const auto& row : points) {
     Vec<T> start = row.start, root;
     root->delta = start->delta = T(0.5);
@@ -235,19 +209,18 @@ TYPED_TEST(Polynomials, AreMultipliedOutOfTheirZeros) {
   Vec<T> unity = vector_of<T>(circle, true);
   ASSERT_EQ(pztoc(unity), 0);  // in any other order the intermediate coefficients reach 2^60
   for (size_t k = 0; k <= 64; ++k)
-    EXPECT_LE(std::abs(at(unity, k) - Wide(k == 64 ? 1 : k == 0 ? -1 : 0)), 64 * kEps<T>);
+    EXPECT_LE(std::abs(wide(unity, k) - Wide(k == 64 ? 1 : k == 0 ? -1 : 0)), 64 * kEps<T>);
   const struct {
     Vec<T> zeros;
     std::vector<T> coefficients;
     int32_t status = 0;
-  } rows[] = {{{3, 1, 2}, {-6, 11, -6, 1}},
-              {{0, 0, -0.0}, {0, 0, 0, 1}},
-              {{}, {1}},
+    // clang-format off
+  } rows[] = {{{3, 1, 2}, {-6, 11, -6, 1}}, {{0, 0, -0.0}, {0, 0, 0, 1}}, {{}, {1}},
               {Vec<T>::pairs({{0, 1}, {2, 0}}), {0, 2, -2, -1, 1, 0}},
               {Vec<T>::pairs({{T(0.1), T(0.3)}, {4, 0}, {T(0.1), T(-0.3)}}), {T(-0.4), 0, T(0.9), 0, T(-4.2), 0, 1, 0}},
-              {{1, kInf<T>}, {1, kInf<T>}, -1},
-              {{kNaN<T>}, {kNaN<T>}, -1},
+              {{1, kInf<T>}, {1, kInf<T>}, -1}, {{kNaN<T>}, {kNaN<T>}, -1},
               {{std::numeric_limits<T>::max(), 2}, {std::numeric_limits<T>::max(), 2}, -1}};
+  // clang-format on
   for (const auto& row : rows) {
     Vec<T> v = row.zeros;
     v->delta = T(0.5);
