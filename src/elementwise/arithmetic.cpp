@@ -5,26 +5,11 @@
 #include "core/exports.h"
 #include "core/limits.h"
 #include "core/scratch.h"
+#include "elementwise/kernels.h"
 #include "elementwise/operations.h"
 #include "elementwise/rules.h"
 
 namespace sigvex::dspi {
-namespace {
-
-// Points f(z) of a complex vector, or a real one made complex with the points f(x).
-template <class T, class F> Status each_as_complex(Vector<T>& v, F f) {
-  if (v.complex) return each_point<T>(v, f);
-  SIGVEX_TRY(reshape<T>(v, points<T>(v), 1));
-  spread(v.data, v.data, points<T>(v), f);
-  return kSuccess;
-}
-
-template <class T> struct TimesI {
-  Point<T> operator()(T x) const { return {T(0), x}; }
-  Point<T> operator()(Point<T> z) const { return {-z.im, z.re}; }
-};
-
-}  // namespace
 
 template <class T> Status abs(Vector<T>& v) {
   if (v.complex) return kFailure;
@@ -42,9 +27,20 @@ template <class T> Status offset(Vector<T>& v, T offset) {
   return each_point<T>(v, [=](Point<T> z) -> Point<T> { return {z.re + offset, z.im}; });
 }
 
-template <class T> Status cscale(Vector<T>& v, T re, T im) { return each_as_complex<T>(v, TimesComplex<T>{re, im}); }
+template <class T> Status cscale(Vector<T>& v, T re, T im) {
+  const TimesComplex<T> f{re, im};
+  if (v.complex) return each_point<T>(v, f);
+  SIGVEX_TRY(reshape<T>(v, points<T>(v), 1));
+  spread(v.data, v.data, points<T>(v), f);
+  return kSuccess;
+}
 
-template <class T> Status timesi(Vector<T>& v) { return each_as_complex<T>(v, TimesI<T>()); }
+template <class T> Status timesi(Vector<T>& v) {
+  if (v.complex) return each_point<T>(v, [](Point<T> z) -> Point<T> { return {-z.im, z.re}; });
+  SIGVEX_TRY(reshape<T>(v, points<T>(v), 1));
+  math_kernels<T>().weave(nullptr, v.data, v.data, points<T>(v));
+  return kSuccess;
+}
 
 template <class T> Status limit(Vector<T>& v, int32_t, T a, T b, int32_t* clipped) {
   if (std::isnan(a) || std::isnan(b)) return kFailure;

@@ -2,56 +2,17 @@
 // dspi_lgamma
 #include <math.h>  // j0 j1 y0 y1 are POSIX, not C++
 
-#include <array>
-#include <cmath>
-#include <numbers>
-
 #include "core/exports.h"
-#include "core/limits.h"
+#include "elementwise/kernels.h"
 #include "elementwise/operations.h"
 
 namespace sigvex {
-namespace {
 
-// 1 / (k!)^2, the power series of I0 in (x/2)^2.
-constexpr auto kSeries = [] {
-  std::array<double, 34> c{1};
-  long double factorial = 1;
-  for (size_t k = 1; k < c.size(); ++k) {
-    factorial *= static_cast<long double>(k);
-    c[k] = static_cast<double>(1 / (factorial * factorial));
-  }
-  return c;
-}();
-
-// ((2k-1)!!)^2 / k!, the asymptotic series of I0(x) sqrt(2 pi x) / exp(x) in 1/(8 x).
-constexpr auto kAsymptotic = [] {
-  std::array<double, 22> c{1};
-  long double term = 1;
-  for (size_t k = 1; k < c.size(); ++k) {
-    const auto odd = static_cast<long double>(2 * k - 1);
-    term *= odd * odd / static_cast<long double>(k);
-    c[k] = static_cast<double>(term);
-  }
-  return c;
-}();
-
-template <size_t N> double horner(const std::array<double, N>& c, double x) {
-  double sum = c[N - 1];
-  for (size_t k = N - 1; k-- > 0;) sum = sum * x + c[k];
-  return sum;
+double bessel_i0(double x) {
+  double y;
+  math_kernels<double>().i0(&x, &y, 1);
+  return y;
 }
-
-}  // namespace
-
-// Both precisions compute in double: the coefficients of the power series leave the range of float.
-template <class T> T bessel_i0(T x) {
-  const double y = std::abs(static_cast<double>(x));
-  if (y <= 20) return static_cast<T>(horner(kSeries, y / 2 * (y / 2)));
-  return static_cast<T>(std::exp(y) / std::sqrt(2 * std::numbers::pi * y) * horner(kAsymptotic, 0.125 / y));
-}
-template double bessel_i0(double x);
-template float bessel_i0(float x);
 
 namespace dspi {
 namespace {
@@ -67,8 +28,8 @@ template <double (*function)(double), class T> Status each_real(Vector<T>& v) {
 
 template <class T> Status besi0(Vector<T>& v) {
   if (v.complex) return kFailure;
-  using L = Limits<T>;
-  return each_scalar<T>(v, [](T x) { return std::abs(x) <= L::ln_huge ? bessel_i0(x) : L::huge; });
+  math_kernels<T>().i0_or_huge(v.data, v.data, points<T>(v));
+  return kSuccess;
 }
 
 template <class T> Status besj0(Vector<T>& v) { return each_real<::j0, T>(v); }

@@ -29,7 +29,7 @@ template <class T> Status each_point_by(Vector<T>& v, typename MathKernels<T>::M
 template <class T> Status rtoc(Vector<T>& v) {
   if (v.complex) return kSuccess;
   SIGVEX_TRY(reshape<T>(v, points<T>(v), 1));
-  spread(v.data, v.data, points<T>(v), [](T x) -> Point<T> { return {x, T(0)}; });
+  math_kernels<T>().weave(v.data, nullptr, v.data, points<T>(v));
   return kSuccess;
 }
 

@@ -4,6 +4,7 @@
 
 #include "core/exports.h"
 #include "core/scratch.h"
+#include "elementwise/kernels.h"
 #include "elementwise/operations.h"
 #include "elementwise/rules.h"
 
@@ -11,8 +12,8 @@ namespace sigvex {
 namespace dspb {
 namespace {
 
-// Sizes the result for n points of a form and calls put(k, a, b) for each point k of the inputs, from the last to the
-// first: what is written may lie over samples already read. delta is half of a's.
+// Sizes the result for n points of a form and calls put(a, b, result, count) for the points of the inputs, which has to
+// go from the last to the first: what is written may lie over samples already read. delta is half of a's.
 template <class T, class F>
 Status weave(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t complex, Vector<T>& result, F put) {
   const size_t need = n * (complex ? 2 : 1);
@@ -30,7 +31,7 @@ Status weave(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t complex, 
   const bool shared = result.data == a.data || result.data == b.data;
   SIGVEX_TRY(shared ? size_result<T>(a, b, n, complex, result) : reshape<T>(result, n, complex));
   result.delta = delta;
-  for (size_t k = given; k-- > 0;) put(k, a.data, b.data);
+  put(a.data, b.data, result.data, given);
   return kSuccess;
 }
 
@@ -38,27 +39,22 @@ Status weave(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t complex, 
 
 template <class T> Status ritoc(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
   if (a.complex || b.complex || points<T>(a) != points<T>(b)) return kFailure;
-  return weave<T>(a, b, points<T>(a), 1, result, [&result](size_t k, const T* x, const T* y) {
-    set_point<T>(result, k, {x[k], y[k]});
-  });
+  return weave<T>(a, b, points<T>(a), 1, result, math_kernels<T>().weave);
 }
 
 template <class T> Status inter(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
   if (points<T>(a) != points<T>(b)) return kFailure;
   const size_t n = 2 * points<T>(a);
-  if (!a.complex && !b.complex) {
-    return weave<T>(a, b, n, 0, result, [&result](size_t k, const T* x, const T* y) {
-      const Point<T> pair{x[k], y[k]};
-      set_point<T>(result, k, pair);
-    });
-  }
+  if (!a.complex && !b.complex) return weave<T>(a, b, n, 0, result, math_kernels<T>().weave);
   const bool complex_a = a.complex,
              complex_b = b.complex;  // before the result, which may be one of them, gets its form
-  return weave<T>(a, b, n, 1, result, [=, &result](size_t k, const T* x, const T* y) {
-    const Point<T> first = complex_a ? Point<T>{x[2 * k], x[2 * k + 1]} : Point<T>{x[k], 0};
-    const Point<T> second = complex_b ? Point<T>{y[2 * k], y[2 * k + 1]} : Point<T>{y[k], 0};
-    set_point<T>(result, 2 * k, first);
-    set_point<T>(result, 2 * k + 1, second);
+  return weave<T>(a, b, n, 1, result, [=](const T* x, const T* y, T* z, size_t k) {
+    while (k-- > 0) {
+      const Point<T> first = complex_a ? Point<T>{x[2 * k], x[2 * k + 1]} : Point<T>{x[k], 0};
+      const Point<T> second = complex_b ? Point<T>{y[2 * k], y[2 * k + 1]} : Point<T>{y[k], 0};
+      store<T>(z, 2 * k, first);
+      store<T>(z, 2 * k + 1, second);
+    }
   });
 }
 

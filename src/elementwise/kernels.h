@@ -16,11 +16,17 @@ template <class T> struct MathKernels {
   Map log_or_floor;                // the floor of Limits<T> below the smallest normal number and for NaN
   void (*db)(const T* x, T* y, size_t n, T factor);  // factor times log10, or its floor
 
+  Map i0_or_huge;                                    // modified Bessel function; huge beyond +-ln huge and for NaN
+  void (*i0)(const double* x, double* y, size_t n);  // the same without limits
+
   // The same for n points; those that give angles or magnitudes give one sample for each, and x may be y there too.
   Map exp_of_points, exp10_of_points, log_of_points, root_of_points;
   void (*db_of_points)(const T* x, T* y, size_t n, T factor);
   Map phase, magnitude, magsq_capped, real, imag;
   Map polar, rectangular;  // (re, im) to (magnitude, phase) and back
+
+  // z[k] = (re[k], im[k]) from the last to the first, zeros for what is null: z may start where re or im does.
+  void (*weave)(const T* re, const T* im, T* z, size_t n);
 };
 
 template <class T> const MathKernels<T>& math_kernels();  // the best for this CPU

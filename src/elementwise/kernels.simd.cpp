@@ -7,6 +7,7 @@
 #include <hwy/highway.h>
 
 #include "elementwise/arc-inl.h"
+#include "elementwise/bessel-inl.h"
 #include "elementwise/circular-inl.h"
 #include "elementwise/exponential-inl.h"
 #include "elementwise/hyperbolic-inl.h"
@@ -44,6 +45,19 @@ template <class T> HWY_INLINE Points<T> exp10_of_point(Points<T> z) {
 }
 template <class T> HWY_INLINE Points<T> rectangular_of(Points<T> z) { return rectangular<T>(z.re, z.im); }
 
+// The rest that fills no vector is at the end, so that each vector is read before anything is written over it.
+template <class T> void weave(const T* re, const T* im, T* z, size_t n) {
+  for (; n % kLanes<T> != 0; --n) {
+    const T real = re ? re[n - 1] : T(0), imaginary = im ? im[n - 1] : T(0);
+    z[2 * n - 2] = real;
+    z[2 * n - 1] = imaginary;
+  }
+  for (; n != 0; n -= kLanes<T>) {
+    const size_t k = n - kLanes<T>;
+    store_points<T>({re ? load(re + k) : zero<T>(), im ? load(im + k) : zero<T>()}, z + 2 * k);
+  }
+}
+
 template <class T> const MathKernels<T>* kernels() {
   static constexpr MathKernels<T> table = {
       .sin = map<T, sin<T>>,
@@ -61,6 +75,8 @@ template <class T> const MathKernels<T>* kernels() {
       .root_or_zero = map<T, root_or_zero<T>>,
       .log_or_floor = map<T, log_or_floor<T>>,
       .db = db<T>,
+      .i0_or_huge = map_i0_or_huge<T>,
+      .i0 = map<double, i0>,
       .exp_of_points = map_points<T, exp_of_point<T>>,
       .exp10_of_points = map_points<T, exp10_of_point<T>>,
       .log_of_points = map_points<T, log_of_point<T>>,
@@ -73,6 +89,7 @@ template <class T> const MathKernels<T>* kernels() {
       .imag = map_to_real<T, second<T>>,
       .polar = map_points<T, polar<T>>,
       .rectangular = map_points<T, rectangular_of<T>>,
+      .weave = weave<T>,
   };
   return &table;
 }

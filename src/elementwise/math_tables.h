@@ -302,4 +302,27 @@ template <> inline constexpr float kRightAngleUnfused<float>[3] = {0x1.922p+0F, 
 template <class T> inline constexpr T kRightAngleRest = 0x1.1a62633145c07p-54;
 template <> inline constexpr float kRightAngleRest<float> = -0x1.777a5cp-25F;
 
+// 1 / (k!)^2, the power series of I0 in (x/2)^2.
+inline constexpr auto kI0Series = [] {
+  std::array<double, 34> c{1};
+  long double factorial = 1;
+  for (size_t k = 1; k < c.size(); ++k) {
+    factorial *= static_cast<long double>(k);
+    c[k] = static_cast<double>(1 / (factorial * factorial));
+  }
+  return c;
+}();
+
+// ((2k-1)!!)^2 / k!, the asymptotic series of I0(x) sqrt(2 pi x) / exp(x) in 1/(8 x).
+inline constexpr auto kI0Asymptotic = [] {
+  std::array<double, 22> c{1};
+  long double term = 1;
+  for (size_t k = 1; k < c.size(); ++k) {
+    const auto odd = static_cast<long double>(2 * k - 1);
+    term *= odd * odd / static_cast<long double>(k);
+    c[k] = static_cast<double>(term);
+  }
+  return c;
+}();
+
 }  // namespace sigvex::elementwise

@@ -49,8 +49,8 @@ template <class T> Status min(const Vector<T>& a, const Vector<T>& b, Vector<T>&
 
 namespace sigvex {
 
-// I0(x) for |x| <= ln huge; the Kaiser window shares it with dspi_besi0.
-template <class T> T bessel_i0(T x);
+// I0(x) of the Kaiser window, by the kernel of dspi_besi0 but without its limits.
+double bessel_i0(double x);
 
 // The result preparation shared by the pointwise binary operations and the out-of-place ones: delta the mean of the
 // inputs', points the first input's, form complex if either input is (or the form that is asked for); storage sized,

@@ -122,6 +122,20 @@ TYPED_TEST(Binary, ResultMayShareRecordOrStorageWithItsInputs) {
   }
 }
 
+TYPED_TEST(Binary, SamplesPairUpOverEitherInputInAnyLength) {
+  using T = TypeParam;
+  for (size_t n = 1; n < 150; n += n / 60 + 1) {
+    for (const int over : {0, 1, 2}) {
+      const std::vector<T> zeros(n);
+      Vec<T> a(zeros), b(zeros), apart;
+      for (size_t k = 0; k < n; ++k) a[k] = static_cast<T>(k), b[k] = -a[k];
+      Vec<T>& result = over == 0 ? a : over == 1 ? b : apart;
+      EXPECT_EQ(TWIN_OF(b, ritoc)(a, b, result), 0);
+      for (size_t k = 0; k < 2 * n; ++k) ASSERT_EQ(result[k], static_cast<T>(k / 2) * (k % 2 ? -1 : 1)) << n << over;
+    }
+  }
+}
+
 TYPED_TEST(Binary, FormsLengthsAndDelta) {
   using T = TypeParam;
   const Vec<T> x[] = {{1}, Vec<T>::pairs({{1, 2}})}, y[] = {{3}, Vec<T>::pairs({{3, -4}})};

@@ -100,6 +100,7 @@ TYPED_TEST(Math, ASampleGivesTheSameBitsWhereverItStands) {
   for (const Function<T>& f : {Function<T>{TWIN_ROW(i, exp10)},
                                {TWIN_ROW(i, sinc)},
                                {TWIN_ROW(i, sqrt)},
+                               {TWIN_ROW(i, besi0)},
                                {TWIN_ROW(i, mag)},
                                {TWIN_ROW(i, phase)},
                                {TWIN_ROW(i, rtop)},
