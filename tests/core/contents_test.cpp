@@ -3,10 +3,7 @@
 namespace sigvex_test {
 namespace {
 
-TWIN(, append);
-TWIN(, copy_at_most);
-TWIN(, insert_subvec);
-TWIN(, cmp);
+TWINS(, append, copy_at_most, insert_subvec, cmp);
 TWIN(u, subvec);
 
 template <class T> struct Contents : ::testing::Test {};
@@ -16,20 +13,20 @@ TYPED_TEST(Contents, AppendTurnsComplexWhereEitherIs) {
   using T = TypeParam;
   Vec<T> v{1, 2}, complex = Vec<T>::pairs({{3, 4}}), tail{7}, view;
   v->delta = T(0.5);
-  EXPECT_EQ(append(v.get(), complex.get()) + append(v.get(), tail.get()), 0);
+  EXPECT_EQ(append(v, complex) + append(v, tail), 0);
   EXPECT_TRUE(exactly(v, {1, 0, 2, 0, 3, 4, 7, 0}));
   EXPECT_TRUE(v->complex == 1 && v->delta == T(0.5));
-  EXPECT_EQ(append(tail.get(), tail.get()), 0);
+  EXPECT_EQ(append(tail, tail), 0);
   EXPECT_TRUE(exactly(tail, {7, 7}));
   view->data = v->data + 2;  // moves with the growth of what it lies in
   view->points = 2;
-  EXPECT_EQ(append(v.get(), view.get()), 0);
+  EXPECT_EQ(append(v, view), 0);
   EXPECT_TRUE(exactly(v, {1, 0, 2, 0, 3, 4, 7, 0, 2, 0, 0, 0}));
   view->data = v->data + 2;
   view->points = INT32_MAX;  // of which only what is copied may be read
-  EXPECT_EQ(subvec(view.get(), v.get(), 2, 2), 0);
+  EXPECT_EQ(subvec(view, v, 2, 2), 0);
   EXPECT_TRUE(exactly(v, {3, 4}));
-  EXPECT_EQ(append(v.get(), view.get()), -1);
+  EXPECT_EQ(append(v, view), -1);
   EXPECT_TRUE(v->data == nullptr && v->points == 0);
 }
 
@@ -44,9 +41,9 @@ TYPED_TEST(Contents, SubvecClampsStartAndCount) {
     source->delta = view->delta = 3;
     view->data = source->data;
     view->points = 4;
-    EXPECT_EQ(subvec(source.get(), destination.get(), start, count) + subvec(view.get(), view.get(), start, count), 0);
+    EXPECT_EQ(subvec(source, destination, start, count) + subvec(view, view, start, count), 0);
     EXPECT_TRUE(exactly(source, {1, 2, 3, 4}));  // which the view has left
-    EXPECT_EQ(subvec(source.get(), source.get(), start, count), 0);
+    EXPECT_EQ(subvec(source, source, start, count), 0);
     for (const Vec<T>* v : {&source, &destination, &view}) {
       EXPECT_TRUE((*v)->delta == T(3) && exactly(*v, expected)) << start << ' ' << count;
     }
@@ -60,19 +57,19 @@ TYPED_TEST(Contents, InsertOverwritesGrowsAndTurnsComplex) {
     Vec<T> source, destination;
     int32_t start, count, at;
     std::vector<T> expected;
-  } rows[] = {{{1, 2, 3}, {10, 20, 30, 40}, 1, 2, 1, {10, 2, 3, 40}},
-              {{1, 2, 3}, {10, 20}, 0, 9, 99, {10, 20, 1, 2, 3}},
+    // clang-format off
+  } rows[] = {{{1, 2, 3}, {10, 20, 30, 40}, 1, 2, 1, {10, 2, 3, 40}}, {{1, 2, 3}, {10, 20}, 0, 9, 99, {10, 20, 1, 2, 3}},
               {z({{1, 2}, {3, 4}}), {7, 8, 9}, 0, 2, 0, {1, 2, 3, 4, 9, 0}},
-              {z({{1, 2}, {3, 4}}), {7, 8}, 0, 2, 0, {1, 2, 3, 4}},
-              {{5}, z({{1, 2}, {3, 4}}), 0, 1, 1, {1, 2, 5, 0}}};
+              {z({{1, 2}, {3, 4}}), {7, 8}, 0, 2, 0, {1, 2, 3, 4}}, {{5}, z({{1, 2}, {3, 4}}), 0, 1, 1, {1, 2, 5, 0}}};
+  // clang-format on
   for (const auto& [source, destination, start, count, at, expected] : rows) {
     Vec<T> from = source, v = destination;
     from->delta = 2;
-    EXPECT_EQ(insert_subvec(from.get(), v.get(), start, count, at), 0);
+    EXPECT_EQ(insert_subvec(from, v, start, count, at), 0);
     EXPECT_TRUE(v->delta == T(2) && exactly(v, expected)) << &source - &rows[0].source;
   }
   Vec<T> itself{1, 2, 3};  // over itself, growing
-  EXPECT_EQ(insert_subvec(itself.get(), itself.get(), 0, 3, 2), 0);
+  EXPECT_EQ(insert_subvec(itself, itself, 0, 3, 2), 0);
   EXPECT_TRUE(exactly(itself, {1, 2, 1, 2, 3}));
 }
 
@@ -83,18 +80,15 @@ TYPED_TEST(Contents, CompareStopsAtTheFirstDifference) {
     Vec<T> b;
     T delta;
     int32_t expected, status = 0;
-  } rows[] = {{a, 1, 0},
-              {{1, 2, T(3.5)}, 1, -1},
-              {{1, T(1.5), 9}, 1, 1},
-              {{1, kNaN<T>, -9}, 1, -1},
-              {a, 2, -1},
-              {Vec<T>::pairs({{1, 0}, {2, -1}, {3, 9}}), 1, 1},
-              {{1, 2}, 1, 7, -1}};
+    // clang-format off
+  } rows[] = {{a, 1, 0}, {{1, 2, T(3.5)}, 1, -1}, {{1, T(1.5), 9}, 1, 1}, {{1, kNaN<T>, -9}, 1, -1}, {a, 2, -1},
+              {Vec<T>::pairs({{1, 0}, {2, -1}, {3, 9}}), 1, 1}, {{1, 2}, 1, 7, -1}};
+  // clang-format on
   for (const auto& row : rows) {
     Vec<T> b = row.b;
     b->delta = row.delta;
     int32_t result = 7;
-    EXPECT_EQ(cmp(a.operator->(), b.operator->(), T(0.1), &result), row.status);
+    EXPECT_EQ(cmp(a, b, T(0.1), &result), row.status);
     EXPECT_EQ(result, row.expected);
   }
 }

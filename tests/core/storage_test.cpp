@@ -5,12 +5,7 @@
 namespace sigvex_test {
 namespace {
 
-TWIN(, init);
-TWIN(, destroy);
-TWIN(, alloc);
-TWIN(, realloc);
-TWIN(, copy);
-TWIN(, append);
+TWINS(, init, destroy, alloc, realloc, copy, append);
 
 template <class T> struct Storage : ::testing::Test {};
 TYPED_TEST_SUITE(Storage, Precisions);
@@ -26,9 +21,8 @@ TYPED_TEST(Storage, InitAndDestroyGiveTheEmptyRecord) {
     v.complex = 1;
     v.reserved = 9;
     EXPECT_EQ(destroyed ? destroy(&v) : init(&v), 0);
-    EXPECT_EQ(v.delta, T(1));
-    EXPECT_EQ(v.data, nullptr);
-    EXPECT_TRUE(v.allocated == 0 && v.points == 0 && v.complex == 0 && v.reserved == 0);
+    EXPECT_TRUE(v.delta == T(1) && v.data == nullptr && v.allocated == 0 && v.points == 0 && v.complex == 0 &&
+                v.reserved == 0);
   }
   EXPECT_EQ(storage[1], 2);
   EXPECT_EQ(init(static_cast<Record<T>*>(nullptr)), -1);
@@ -41,15 +35,13 @@ TYPED_TEST(Storage, CapacityIsExactReusedAndNeverShrinks) {
   const T* const block = v->data;
   v->points = 3;
   v->complex = 1;
-  EXPECT_EQ(alloc(v.get()), 0);
-  EXPECT_EQ(v->data, block);
-  EXPECT_TRUE(exactly(v, {1, 2, 3, 4, 5, 6}));
+  EXPECT_EQ(alloc(v), 0);
+  EXPECT_TRUE(v->data == block && exactly(v, {1, 2, 3, 4, 5, 6}));
   v->points = 4;
-  EXPECT_EQ(realloc(v.get(), 3, 1), 0);
-  EXPECT_EQ(v->allocated, 8);
-  EXPECT_EQ(v.at(2), std::complex<T>(5, 6));
+  EXPECT_EQ(realloc(v, 3, 1), 0);
+  EXPECT_TRUE(v->allocated == 8 && v.at(2) == std::complex<T>(5, 6));
   v->points = -4;
-  EXPECT_EQ(alloc(v.get()), 0);
+  EXPECT_EQ(alloc(v), 0);
   EXPECT_EQ(v->allocated, 8);
 }
 
@@ -60,9 +52,8 @@ TYPED_TEST(Storage, AViewIsLeftBehindByGrowth) {
     Vec<T> v;
     v->data = storage;
     v->points = 4;
-    EXPECT_EQ(keep ? realloc(v.get(), 3, 0) : alloc(v.get()), 0);
-    EXPECT_NE(v->data, storage);
-    EXPECT_EQ(v->allocated, 4);
+    EXPECT_EQ(keep ? realloc(v, 3, 0) : alloc(v), 0);
+    EXPECT_TRUE(v->data != storage && v->allocated == 4);
     EXPECT_TRUE(!keep || (v[0] == 1 && v[1] == 2 && v[2] == 3));
   }
   EXPECT_EQ(storage[2], 3);
@@ -78,7 +69,7 @@ TYPED_TEST(Storage, MoreScalarsThanTheRecordCanCountAreRefused) {
       if (!owning) v->data = storage;
       v->points = INT32_MAX;  // claims more than there is: refused before anything is read
       v->complex = call != 2;
-      EXPECT_EQ(call == 0 ? alloc(v.get()) : call == 1 ? realloc(v.get(), 1, 0) : append(v.get(), one.get()), -1);
+      EXPECT_EQ(call == 0 ? alloc(v) : call == 1 ? realloc(v, 1, 0) : append(v, one), -1);
       EXPECT_TRUE(!v->data && !v->allocated && !v->points);
     }
   }
@@ -95,10 +86,10 @@ TYPED_TEST(Storage, HooksServeTheirPrecisionOnly) {
     const Vec<std::conditional_t<std::is_same_v<T, double>, float, double>> elsewhere{1, 2};
     EXPECT_EQ(Hooks::growths, 0);
     Vec<T> v{1, 2}, tail{3};
-    EXPECT_EQ(append(v.get(), tail.get()), 0);
+    EXPECT_EQ(append(v, tail), 0);
     EXPECT_TRUE(exactly(v, {1, 2, 3}));
     EXPECT_TRUE(Hooks::growths == 3 && Hooks::kept == 20 && Hooks::frees == 0);
-    for (int k = 0; k < 2; ++k) destroy(v.get());  // owns nothing the second time
+    for (int k = 0; k < 2; ++k) destroy(v);  // owns nothing the second time
     EXPECT_EQ(Hooks::frees, 1);
   }
   const Vec<T> after{1};
@@ -111,11 +102,11 @@ TYPED_TEST(Storage, AFailingHookLeavesARecordThatCanBeUsedAgain) {
   Vec<T> v, w;
   {
     const FailingStorage<T> none(0);
-    EXPECT_EQ(copy(v.get(), source.operator->()), -1);
+    EXPECT_EQ(copy(v, source), -1);
   }
   const FailingStorage<T> one(1);
-  EXPECT_EQ(copy(w.get(), source.operator->()), 0);
-  EXPECT_EQ(append(w.get(), source.operator->()), -1);
+  EXPECT_EQ(copy(w, source), 0);
+  EXPECT_EQ(append(w, source), -1);
   for (const Vec<T>* each : {&v, &w}) EXPECT_TRUE(!(*each)->data && !(*each)->allocated && !(*each)->points);
 }
 

@@ -14,9 +14,7 @@
 namespace sigvex_test {
 namespace {
 
-TWIN(f, fread);
-TWIN(f, fwrite);
-TWIN(f, fwrite2);
+TWINS(f, fread, fwrite, fwrite2);
 
 constexpr uint32_t kMagic = 0xEB0330BE, kOldDouble = 0xEB0110BE, kOldFloat = 0xEB0220BE;
 
@@ -50,7 +48,7 @@ TYPED_TEST(Records, EveryKindInEitherByteOrderIsReadIntoThisPrecision) {
     const auto delta = static_cast<std::decay_t<decltype(values[0])>>(0.3);
     Stream stream(image(magic, swapped, points, complex, delta, values) + "next");
     Vec<T> v{9};
-    EXPECT_EQ(fread(v.get(), stream.get()), 1);
+    EXPECT_EQ(fread(v, stream), 1);
     EXPECT_TRUE(exactly(v, std::vector<T>(values.begin(), values.end())));
     EXPECT_TRUE(v->complex == complex && v->delta == static_cast<T>(delta) && stream.rest() == "next");
   };
@@ -73,20 +71,20 @@ TYPED_TEST(Records, WrittenBytesAreTheStatedOnes) {
       {0, header + data}, {DSP_FILE_NO_HEADER, data}, {DSP_FILE_NO_DATA, header}, {0x300, ""}};
   for (const auto& [flags, bytes] : rows) {
     Stream stream;
-    EXPECT_EQ(fwrite2(v.operator->(), stream.get(), flags), 0);
+    EXPECT_EQ(fwrite2(v, stream, flags), 0);
     EXPECT_EQ(stream.text(), bytes);
   }
   Stream stream;
-  EXPECT_EQ(fwrite(v.operator->(), stream.get()), 0);
+  EXPECT_EQ(fwrite(v, stream), 0);
   v->points = -1;
-  EXPECT_EQ(fwrite(v.operator->(), stream.get()), 0);
+  EXPECT_EQ(fwrite(v, stream), 0);
   EXPECT_EQ(stream.text(), header + data + image<T>(kMagic, false, -1, 1, v->delta, {}));
 }
 
 // Reads whatever the bytes are; the record must then be whole: as much storage as it says, all of it readable.
 template <class T> int32_t read_safely(const std::string& bytes, Vec<T>& v) {
   Stream stream(bytes);
-  const int32_t status = fread(v.get(), stream.get());
+  const int32_t status = fread(v, stream);
   EXPECT_TRUE(v->allocated >= static_cast<int64_t>(v.size()) && v->allocated <= 1 << 21);  // nothing here backs more
   EXPECT_EQ(v.samples().size(), v.size());
   EXPECT_TRUE(status == -1 || status == 1 || (status == 0 && v->points == 0));
@@ -125,7 +123,7 @@ TYPED_TEST(Records, AClaimedCountIsBelievedOnlyAsFarAsDataArrive) {
   std::vector<T> many(3 * kTrusted + 5);
   std::iota(many.begin(), many.end(), T(0));
   Stream stream(image<T>(kMagic, true, static_cast<int32_t>(many.size()), 0, 1, many));
-  EXPECT_EQ(fread(grown.get(), stream.get()), 1);
+  EXPECT_EQ(fread(grown, stream), 1);
   EXPECT_TRUE(exactly(grown, many) && grown->allocated == static_cast<int32_t>(many.size()));
 }
 
@@ -133,7 +131,7 @@ TYPED_TEST(Records, DamagedBytesAndCutTextNeverDamageTheRecord) {
   using T = TypeParam;
   std::mt19937 random(2);
   Stream text;
-  EXPECT_EQ(fwrite2(Vec<T>::pairs({{1, 2}, {T(0.1), -4}}).operator->(), text.get(), DSP_FILE_ASCII | 0U), 0);
+  EXPECT_EQ(fwrite2(Vec<T>::pairs({{1, 2}, {T(0.1), -4}}), text, DSP_FILE_ASCII), 0);
   const std::string seeds[] = {image<double>(kMagic, false, 2, 0, 1, {1, 2}),
                                image<float>(kMagic, true, 1, 1, 1, {1, 2}), text.text()};
   for (unsigned round = 0; round < 3000; ++round) {
@@ -151,14 +149,14 @@ TYPED_TEST(Records, BinaryAndTextFollowOneAnother) {
   const std::pair<Vec<T>&, uint32_t> records[] = {{a, DSP_FILE_BINARY}, {none, DSP_FILE_ASCII}, {none, DSP_FILE_BINARY},
                                                   {b, DSP_FILE_ASCII},  {a, DSP_FILE_ASCII},    {none, DSP_FILE_ASCII},
                                                   {b, DSP_FILE_ASCII},  {b, DSP_FILE_BINARY},   {a, DSP_FILE_ASCII}};
-  for (const auto& [v, format] : records) EXPECT_EQ(fwrite2(std::as_const(v).operator->(), stream.get(), format), 0);
-  std::rewind(stream.get());
+  for (const auto& [v, format] : records) EXPECT_EQ(fwrite2(v, stream, format), 0);
+  std::rewind(stream);
   for (const auto& [v, format] : records) {
-    EXPECT_EQ(fread(back.get(), stream.get()), 1);
+    EXPECT_EQ(fread(back, stream), 1);
     EXPECT_TRUE(exactly(back, v.samples()) && back->delta == v->delta && back->complex == v->complex);
   }
   for (const int32_t status : {1, 0}) {  // the last line end, and behind it
-    EXPECT_TRUE(fread(back.get(), stream.get()) == status && back->points == 0);
+    EXPECT_TRUE(fread(back, stream) == status && back->points == 0);
   }
 }
 

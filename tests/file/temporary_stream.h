@@ -20,7 +20,7 @@ class Stream {
   Stream(const Stream&) = delete;
   Stream& operator=(const Stream&) = delete;
 
-  FILE* get() { return file_; }
+  operator FILE*() { return file_; }
   // Everything from the present position on.
   std::string rest() {
     std::string text;

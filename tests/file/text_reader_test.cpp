@@ -53,9 +53,9 @@ TYPED_TEST(TextReader, HeaderLinesValuesAndWhatStaysInTheStream) {
     for (const size_t room : {0, 1, 7, 4096}) {  // the stream's own buffer, whose end may cut any number
       std::vector<char> buffer(room + 1);
       Stream stream(row.text);
-      std::setvbuf(stream.get(), buffer.data(), room ? _IOFBF : _IONBF, room);
+      std::setvbuf(stream, buffer.data(), room ? _IOFBF : _IONBF, room);
       Vec<T> v{9, 9};
-      EXPECT_EQ(fread(v.get(), stream.get()), row.status) << row.text;
+      EXPECT_EQ(fread(v, stream), row.status) << row.text;
       EXPECT_TRUE(exactly(v, row.expected)) << row.text;
       EXPECT_TRUE(v->complex == row.complex && (row.status == 0 || v->delta == row.delta)) << row.text;
       EXPECT_TRUE(row.status != 1 || stream.rest() == row.rest) << row.text;
@@ -65,7 +65,7 @@ TYPED_TEST(TextReader, HeaderLinesValuesAndWhatStaysInTheStream) {
        {"x", "1 0X1", "0x", "0xg", "0x-1", "-", "+-1", ".", ".e1", "1,2", "infi", "na", "nan(1)", "1\xEB"}) {
     Stream stream(malformed);
     Vec<T> v;
-    EXPECT_EQ(fread(v.get(), stream.get()), -1) << malformed;
+    EXPECT_EQ(fread(v, stream), -1) << malformed;
   }
 }
 
@@ -91,7 +91,7 @@ TYPED_TEST(TextReader, NumbersAreThoseOfTheCLibrary) {
     const std::string blanks(64, ' ');
     Stream stream("#DSP points = 1\n" + text + blanks);
     Vec<T> v;
-    EXPECT_EQ(fread(v.get(), stream.get()), valid ? 1 : -1) << text;
+    EXPECT_EQ(fread(v, stream), valid ? 1 : -1) << text;
     if (!valid) continue;
     EXPECT_TRUE(exactly(v, {expected})) << text;
     EXPECT_EQ(stream.rest(), text.substr(static_cast<size_t>(used)) + blanks) << text;
@@ -106,7 +106,7 @@ TYPED_TEST(TextReader, StorageGrowsByOneThousandAndTwentyFourPoints) {
     for (int32_t k = 0; k < n; ++k) text += std::to_string(k) + "\n", expected.push_back(static_cast<T>(k));
     Stream stream(text);
     Vec<T> v;
-    EXPECT_EQ(fread(v.get(), stream.get()), 1);
+    EXPECT_EQ(fread(v, stream), 1);
     EXPECT_TRUE(exactly(v, expected) && v->allocated == (n + 1023) / 1024 * 1024);
   }
 }

@@ -7,12 +7,11 @@
 namespace sigvex_test {
 namespace {
 
-TWIN(f, fwrite2);
-TWIN(f, fwrite_ascii);
+TWINS(f, fwrite2, fwrite_ascii);
 
 template <class T> std::string written(const Vec<T>& v, uint32_t flags) {
   Stream stream;
-  EXPECT_EQ(fwrite2(v.operator->(), stream.get(), flags), 0);
+  EXPECT_EQ(fwrite2(v, stream, flags), 0);
   return stream.text();
 }
 
@@ -60,7 +59,7 @@ TYPED_TEST(TextWriters, EveryFormatOfARealAndAComplexVectorByteForByte) {
     EXPECT_EQ(written(row.v, row.format | kNoHeader | kNoData), "");
   }
   Stream plain;
-  EXPECT_EQ(fwrite_ascii(real.operator->(), plain.get()), 0);
+  EXPECT_EQ(fwrite_ascii(real, plain), 0);
   EXPECT_EQ(plain.text(), rows[0].header + rows[0].data);
 }
 

@@ -3,8 +3,7 @@
 namespace sigvex_test {
 namespace {
 
-TWIN(c, fir);
-TWIN(c, fir2);
+TWINS(c, fir, fir2);
 
 template <class T> struct Design : ::testing::Test {};
 TYPED_TEST_SUITE(Design, Precisions);

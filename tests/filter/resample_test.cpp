@@ -4,8 +4,7 @@
 namespace sigvex_test {
 namespace {
 
-TWIN(c, rsmp_cos);
-TWIN(c, rsmp_pcos);
+TWINS(c, rsmp_cos, rsmp_pcos);
 TWIN(d, rsmp2);
 constexpr Twin built_in{&dspc_rsmp, &dspfc_rsmp};
 constexpr Twin resample{&dspd_rsmp, &dspfd_rsmp};

@@ -10,8 +10,8 @@
 namespace sigvex_test {
 namespace {
 
-TWINS(, dft_get_flags, dft_set_flags, omp_get_max_threads, omp_set_num_threads, kmp_get_blocktime, kmp_set_blocktime);
-TWIN(, free_internal);
+TWINS(, dft_get_flags, dft_set_flags, omp_get_max_threads, omp_set_num_threads, kmp_get_blocktime, kmp_set_blocktime,
+      free_internal);
 
 // What a getter writes; no record chooses its precision.
 template <class T, class Word> Word got(const auto& getter) {

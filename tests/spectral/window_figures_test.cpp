@@ -57,7 +57,7 @@ struct Level {
   Vec<double> w;
 
   Level(uint32_t type, int32_t n) : w(std::vector<double>(static_cast<size_t>(n), 1.0)) {
-    EXPECT_EQ(window(w.get(), type, DSP_WINFLAG_PEAK | DSP_WINFLAG_CENTRED), 0);
+    EXPECT_EQ(window(w, type, DSP_WINFLAG_PEAK | DSP_WINFLAG_CENTRED), 0);
   }
   double operator()(double f) const {
     std::complex<long double> sum = 0, whole = 0;
