@@ -6,11 +6,9 @@ namespace {
 TWINS(, append, copy_at_most, insert_subvec, cmp);
 TWIN(u, subvec);
 
-template <class T> struct Contents : ::testing::Test {};
-TYPED_TEST_SUITE(Contents, Precisions);
+SUITE_OF_BOTH(Contents);
 
-TYPED_TEST(Contents, AppendTurnsComplexWhereEitherIs) {
-  using T = TypeParam;
+TEST_BOTH(Contents, AppendTurnsComplexWhereEitherIs) {
   Vec<T> v{1, 2}, complex = Vec<T>::pairs({{3, 4}}), tail{7}, view;
   v->delta = T(0.5);
   EXPECT_EQ(append(v, complex) + append(v, tail), 0);
@@ -30,8 +28,7 @@ TYPED_TEST(Contents, AppendTurnsComplexWhereEitherIs) {
   EXPECT_TRUE(v->data == nullptr && v->points == 0);
 }
 
-TYPED_TEST(Contents, SubvecClampsStartAndCount) {
-  using T = TypeParam;
+TEST_BOTH(Contents, SubvecClampsStartAndCount) {
   const struct {
     int32_t start, count;
     std::vector<T> expected;
@@ -50,8 +47,7 @@ TYPED_TEST(Contents, SubvecClampsStartAndCount) {
   }
 }
 
-TYPED_TEST(Contents, InsertOverwritesGrowsAndTurnsComplex) {
-  using T = TypeParam;
+TEST_BOTH(Contents, InsertOverwritesGrowsAndTurnsComplex) {
   const auto z = [](std::initializer_list<std::complex<T>> points) { return Vec<T>::pairs(points); };
   const struct {
     Vec<T> source, destination;
@@ -73,8 +69,7 @@ TYPED_TEST(Contents, InsertOverwritesGrowsAndTurnsComplex) {
   EXPECT_TRUE(exactly(itself, {1, 2, 1, 2, 3}));
 }
 
-TYPED_TEST(Contents, CompareStopsAtTheFirstDifference) {
-  using T = TypeParam;
+TEST_BOTH(Contents, CompareStopsAtTheFirstDifference) {
   const Vec<T> a{1, 2, 3};
   const struct {
     Vec<T> b;

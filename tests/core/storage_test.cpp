@@ -7,11 +7,9 @@ namespace {
 
 TWINS(, init, destroy, alloc, realloc, copy, append);
 
-template <class T> struct Storage : ::testing::Test {};
-TYPED_TEST_SUITE(Storage, Precisions);
+SUITE_OF_BOTH(Storage);
 
-TYPED_TEST(Storage, InitAndDestroyGiveTheEmptyRecord) {
-  using T = TypeParam;
+TEST_BOTH(Storage, InitAndDestroyGiveTheEmptyRecord) {
   T storage[] = {1, 2};
   for (const bool destroyed : {false, true}) {
     Record<T> v;
@@ -28,8 +26,7 @@ TYPED_TEST(Storage, InitAndDestroyGiveTheEmptyRecord) {
   EXPECT_EQ(init(static_cast<Record<T>*>(nullptr)), -1);
 }
 
-TYPED_TEST(Storage, CapacityIsExactReusedAndNeverShrinks) {
-  using T = TypeParam;
+TEST_BOTH(Storage, CapacityIsExactReusedAndNeverShrinks) {
   Vec<T> v{1, 2, 3, 4, 5, 6};
   EXPECT_EQ(v->allocated, 6);
   const T* const block = v->data;
@@ -45,8 +42,7 @@ TYPED_TEST(Storage, CapacityIsExactReusedAndNeverShrinks) {
   EXPECT_EQ(v->allocated, 8);
 }
 
-TYPED_TEST(Storage, AViewIsLeftBehindByGrowth) {
-  using T = TypeParam;
+TEST_BOTH(Storage, AViewIsLeftBehindByGrowth) {
   T storage[] = {1, 2, 3};
   for (const bool keep : {false, true}) {
     Vec<T> v;
@@ -59,8 +55,7 @@ TYPED_TEST(Storage, AViewIsLeftBehindByGrowth) {
   EXPECT_EQ(storage[2], 3);
 }
 
-TYPED_TEST(Storage, MoreScalarsThanTheRecordCanCountAreRefused) {
-  using T = TypeParam;
+TEST_BOTH(Storage, MoreScalarsThanTheRecordCanCountAreRefused) {
   T storage[] = {1};
   Vec<T> one{2};
   for (const int call : {0, 1, 2}) {
@@ -75,8 +70,7 @@ TYPED_TEST(Storage, MoreScalarsThanTheRecordCanCountAreRefused) {
   }
 }
 
-TYPED_TEST(Storage, HooksServeTheirPrecisionOnly) {
-  using T = TypeParam;
+TEST_BOTH(Storage, HooksServeTheirPrecisionOnly) {
   using Hooks = FailingStorage<T>;
   {
     const Hooks installed(100);
@@ -96,8 +90,7 @@ TYPED_TEST(Storage, HooksServeTheirPrecisionOnly) {
   EXPECT_EQ(Hooks::growths, 3);
 }
 
-TYPED_TEST(Storage, AFailingHookLeavesARecordThatCanBeUsedAgain) {
-  using T = TypeParam;
+TEST_BOTH(Storage, AFailingHookLeavesARecordThatCanBeUsedAgain) {
   const Vec<T> source{1, 2, 3};
   Vec<T> v, w;
   {

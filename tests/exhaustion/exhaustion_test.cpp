@@ -192,11 +192,9 @@ template <class T> bool run_short(const Row<T>& row, long budget) {
   return denied;
 }
 
-template <class T> struct Exhaustion : ::testing::Test {};
-TYPED_TEST_SUITE(Exhaustion, Precisions);
+SUITE_OF_BOTH(Exhaustion);
 
-TYPED_TEST(Exhaustion, EveryRequestOfEveryOperationMayFail) {
-  using T = TypeParam;
+TEST_BOTH(Exhaustion, EveryRequestOfEveryOperationMayFail) {
   TWIN_OF(, free_internal)();  // the first use looks for the run-time libraries, once and for good
   for (const Row<T>& row : rows<T>()) {
     long budget = 0;

@@ -37,11 +37,9 @@ std::string image(uint32_t magic, bool swapped, int32_t points, int32_t complex,
   return bytes;
 }
 
-template <class T> struct Records : ::testing::Test {};
-TYPED_TEST_SUITE(Records, Precisions);
+SUITE_OF_BOTH(Records);
 
-TYPED_TEST(Records, EveryKindInEitherByteOrderIsReadIntoThisPrecision) {
-  using T = TypeParam;
+TEST_BOTH(Records, EveryKindInEitherByteOrderIsReadIntoThisPrecision) {
   const std::vector<double> wide{1, -0.0, 0.1, kNaN<double>};
   const std::vector<float> narrow{1, -0.0F, 0.1F, kInf<float>};
   const auto check = [](const auto& values, uint32_t magic, bool swapped, int32_t points, int32_t complex) {
@@ -61,8 +59,7 @@ TYPED_TEST(Records, EveryKindInEitherByteOrderIsReadIntoThisPrecision) {
   }
 }
 
-TYPED_TEST(Records, WrittenBytesAreTheStatedOnes) {
-  using T = TypeParam;
+TEST_BOTH(Records, WrittenBytesAreTheStatedOnes) {
   Vec<T> v = Vec<T>::pairs({{1, -2}, {kNaN<T>, kInf<T>}});
   v->delta = T(0.3);
   const std::string header = image<T>(kMagic, false, 2, 1, v->delta, {});
@@ -91,8 +88,7 @@ template <class T> int32_t read_safely(const std::string& bytes, Vec<T>& v) {
   return status;
 }
 
-TYPED_TEST(Records, CutAnywhereTheyKeepWhatCameOrNothing) {
-  using T = TypeParam;
+TEST_BOTH(Records, CutAnywhereTheyKeepWhatCameOrNothing) {
   for (const bool swapped : {false, true}) {
     for (const std::string& bytes : {image<double>(kMagic, swapped, 2, 1, 0.5, {1, 2, 3, 4}),
                                      image<float>(kOldFloat, swapped, 2, 1, 0.5F, {1, 2, 3, 4})}) {
@@ -108,8 +104,7 @@ TYPED_TEST(Records, CutAnywhereTheyKeepWhatCameOrNothing) {
   }
 }
 
-TYPED_TEST(Records, AClaimedCountIsBelievedOnlyAsFarAsDataArrive) {
-  using T = TypeParam;
+TEST_BOTH(Records, AClaimedCountIsBelievedOnlyAsFarAsDataArrive) {
   constexpr int32_t kTrusted = 1 << 20;
   Vec<T> v{1, 2, 3}, grown;
   for (const int32_t claimed : {INT32_MAX, kTrusted + 1}) {
@@ -127,8 +122,7 @@ TYPED_TEST(Records, AClaimedCountIsBelievedOnlyAsFarAsDataArrive) {
   EXPECT_TRUE(exactly(grown, many) && grown->allocated == static_cast<int32_t>(many.size()));
 }
 
-TYPED_TEST(Records, DamagedBytesAndCutTextNeverDamageTheRecord) {
-  using T = TypeParam;
+TEST_BOTH(Records, DamagedBytesAndCutTextNeverDamageTheRecord) {
   std::mt19937 random(2);
   Stream text;
   EXPECT_EQ(fwrite2(Vec<T>::pairs({{1, 2}, {T(0.1), -4}}), text, DSP_FILE_ASCII), 0);
@@ -141,8 +135,7 @@ TYPED_TEST(Records, DamagedBytesAndCutTextNeverDamageTheRecord) {
   }
 }
 
-TYPED_TEST(Records, BinaryAndTextFollowOneAnother) {
-  using T = TypeParam;
+TEST_BOTH(Records, BinaryAndTextFollowOneAnother) {
   Stream stream;
   Vec<T> a{1, 2}, b = Vec<T>::pairs({{3, -0.0}}), none, back;
   none->delta = T(0.5);

@@ -9,11 +9,9 @@ namespace {
 
 TWIN(f, fread);
 
-template <class T> struct TextReader : ::testing::Test {};
-TYPED_TEST_SUITE(TextReader, Precisions);
+SUITE_OF_BOTH(TextReader);
 
-TYPED_TEST(TextReader, HeaderLinesValuesAndWhatStaysInTheStream) {
-  using T = TypeParam;
+TEST_BOTH(TextReader, HeaderLinesValuesAndWhatStaysInTheStream) {
   struct Row {
     std::string text;
     int32_t status;
@@ -74,8 +72,7 @@ int c_library(const char* text, float& x, int& used) { return std::sscanf(text, 
 
 // Every number the C library's own conversion takes, and no other, with the same value and the same end; every second
 // one is a plain decimal, and what follows it leaves room for a reader that looks at many characters at once.
-TYPED_TEST(TextReader, NumbersAreThoseOfTheCLibrary) {
-  using T = TypeParam;
+TEST_BOTH(TextReader, NumbersAreThoseOfTheCLibrary) {
   std::mt19937 random(1);
   for (int round = 0; round < 8000; ++round) {
     const bool plain = round % 2 == 0;
@@ -98,8 +95,7 @@ TYPED_TEST(TextReader, NumbersAreThoseOfTheCLibrary) {
   }
 }
 
-TYPED_TEST(TextReader, StorageGrowsByOneThousandAndTwentyFourPoints) {
-  using T = TypeParam;
+TEST_BOTH(TextReader, StorageGrowsByOneThousandAndTwentyFourPoints) {
   for (const int32_t n : {0, 1, 1023, 1024, 1025, 5000}) {
     std::string text = "#\n";
     std::vector<T> expected;

@@ -17,11 +17,9 @@ template <class T> std::string written(const Vec<T>& v, uint32_t flags) {
 
 constexpr uint32_t kNoHeader = DSP_FILE_NO_HEADER, kNoData = DSP_FILE_NO_DATA;
 
-template <class T> struct TextWriters : ::testing::Test {};
-TYPED_TEST_SUITE(TextWriters, Precisions);
+SUITE_OF_BOTH(TextWriters);
 
-TYPED_TEST(TextWriters, EveryFormatOfARealAndAComplexVectorByteForByte) {
-  using T = TypeParam;
+TEST_BOTH(TextWriters, EveryFormatOfARealAndAComplexVectorByteForByte) {
   const bool wide = sizeof(T) == 8;
   Vec<T> real{T(0.1), -3, T(1e-7)}, complex = Vec<T>::pairs({{1, 2}, {T(-0.0), kInf<T>}});
   real->delta = T(0.25);
@@ -63,8 +61,7 @@ TYPED_TEST(TextWriters, EveryFormatOfARealAndAComplexVectorByteForByte) {
   EXPECT_EQ(plain.text(), rows[0].header + rows[0].data);
 }
 
-TYPED_TEST(TextWriters, SummaryShowsThirtyTwoPointsAndWholeNumbersOfOrdinarySize) {
-  using T = TypeParam;
+TEST_BOTH(TextWriters, SummaryShowsThirtyTwoPointsAndWholeNumbersOfOrdinarySize) {
   std::vector<T> ramp(12000);
   std::string shown = "1";
   for (int k = 2; k <= 32; ++k) shown.append(" ").append(std::to_string(k));
@@ -84,8 +81,7 @@ TYPED_TEST(TextWriters, SummaryShowsThirtyTwoPointsAndWholeNumbersOfOrdinarySize
   EXPECT_EQ(written(empty, DSP_FILE_SUMMARY), "[-7/1]\n");
 }
 
-TYPED_TEST(TextWriters, DisplayRangeIsTheNextOfOneTwoFourFiveTen) {
-  using T = TypeParam;
+TEST_BOTH(TextWriters, DisplayRangeIsTheNextOfOneTwoFourFiveTen) {
   const auto range = [](const Vec<T>& v) {
     const std::string text = written(v, DSP_FILE_TRACE | kNoData), from = text.substr(text.find("Range\t") + 6);
     return from.substr(0, from.find('\n'));

@@ -5,11 +5,9 @@ namespace {
 
 TWIN(d, deci);
 
-template <class T> struct Decimation : ::testing::Test {};
-TYPED_TEST_SUITE(Decimation, Precisions);
+SUITE_OF_BOTH(Decimation);
 
-TYPED_TEST(Decimation, KeepsEveryFactorthPointFromTheRoundedOffset) {
-  using T = TypeParam;
+TEST_BOTH(Decimation, KeepsEveryFactorthPointFromTheRoundedOffset) {
   struct Row {
     int32_t factor;
     T offset, first;
@@ -39,8 +37,7 @@ TYPED_TEST(Decimation, KeepsEveryFactorthPointFromTheRoundedOffset) {
   }
 }
 
-TYPED_TEST(Decimation, BlocksOfAnySizesKeepTheStep) {
-  using T = TypeParam;
+TEST_BOTH(Decimation, BlocksOfAnySizesKeepTheStep) {
   for (const int32_t factor : {1, 2, 7, 64}) {
     expect_same_in_blocks(noise<T>(900, factor == 7), 40,
                           [&](Vec<T>& x, Vec<T>& y, Record<T>* offset) { return deci(x, y, factor, offset); });

@@ -5,8 +5,7 @@ namespace {
 
 TWINS(c, fir, fir2);
 
-template <class T> struct Design : ::testing::Test {};
-TYPED_TEST_SUITE(Design, Precisions);
+SUITE_OF_BOTH(Design);
 
 template <class T> Vec<T> designed(int32_t n, int32_t type, double p1, double p2 = 0, bool complex = false) {
   Vec<T> v;
@@ -29,8 +28,7 @@ template <class T> std::complex<double> response(const Vec<T>& v, double frequen
 double cut(double f) { return std::abs(f - 0.2) < 0.02 ? NAN : f < 0.2; }
 double band(double f) { return std::abs(std::abs(f - 0.2) - 0.1) < 0.02 ? NAN : std::abs(f - 0.2) < 0.1; }
 
-TYPED_TEST(Design, HasTheWantedResponse) {
-  using T = TypeParam;
+TEST_BOTH(Design, HasTheWantedResponse) {
   using C = std::complex<double>;
   using Row = std::tuple<int32_t, double, double, C (*)(double), double>;
   // The taps beyond M = 50 on a side that are missing leave ripples of up to 1 / (2 pi^2 M 0.02) = 0.05 times the step,
@@ -58,16 +56,14 @@ TYPED_TEST(Design, HasTheWantedResponse) {
   }
 }
 
-TYPED_TEST(Design, StaysExactAtTheLeastCutoffs) {
-  using T = TypeParam;
+TEST_BOTH(Design, StaysExactAtTheLeastCutoffs) {
   EXPECT_TRUE(exactly(designed<T>(4, DSP_FIR_GAUSS, 0.0), std::vector<T>(4, T(0.25))));
   EXPECT_TRUE(close(designed<T>(3, DSP_FIR_HILBERT, 1e-12), std::vector{2e-24 * M_PI, 0.0, -2e-24 * M_PI}, 1e-6));
   EXPECT_TRUE(close(designed<T>(2, DSP_FIR_RAMP, 1e-12), std::vector{2e-24, 2e-24}, 1e-6));
 }
 
 // Asked for as p1; what the types 4 and 9 take, and the step that goes with it.
-TYPED_TEST(Design, KernelsFollowTheirShape) {
-  using T = TypeParam;
+TEST_BOTH(Design, KernelsFollowTheirShape) {
   struct Row {
     int n;
     double p1, shape[2];
@@ -95,8 +91,7 @@ TYPED_TEST(Design, KernelsFollowTheirShape) {
   }
 }
 
-TYPED_TEST(Design, RefusesAfterSizing) {
-  using T = TypeParam;
+TEST_BOTH(Design, RefusesAfterSizing) {
   for (const int n : {0, 4, 5}) {
     for (int32_t type = -1; type <= 11; ++type) {
       Vec<T> v;
@@ -110,8 +105,7 @@ TYPED_TEST(Design, RefusesAfterSizing) {
   }
 }
 
-TYPED_TEST(Design, FixedSetsAreHalvesOfUnitGain) {
-  using T = TypeParam;
+TEST_BOTH(Design, FixedSetsAreHalvesOfUnitGain) {
   constexpr int points[] = {12, 20, 5, 38, 61, 95};
   for (int32_t set = 99; set <= 106; ++set) {
     for (const bool complex : {false, true}) {

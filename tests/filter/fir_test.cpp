@@ -9,11 +9,9 @@ namespace {
 TWIN(d, fir);
 TWIN(, free_internal);
 
-template <class T> struct Fir : ::testing::Test {};
-TYPED_TEST_SUITE(Fir, Precisions);
+SUITE_OF_BOTH(Fir);
 
-TYPED_TEST(Fir, EveryFormAndLengthIsTheDefinition) {
-  using T = TypeParam;
+TEST_BOTH(Fir, EveryFormAndLengthIsTheDefinition) {
   for_each_cpu_target([](const char* target) {
     SCOPED_TRACE(target);
     for (const size_t count : {1, 2, 9, 35, 36, 37, 45, 46, 47, 131, 300}) {
@@ -24,8 +22,7 @@ TYPED_TEST(Fir, EveryFormAndLengthIsTheDefinition) {
   });
 }
 
-TYPED_TEST(Fir, BlocksOfAnySizesGiveWhatOneCallGives) {
-  using T = TypeParam;
+TEST_BOTH(Fir, BlocksOfAnySizesGiveWhatOneCallGives) {
   for (const size_t count : {1, 2, 20, 35, 60, 100}) {
     for (const unsigned forms : {0U, 1U, 2U, 3U}) {
       SCOPED_TRACE(::testing::Message() << count << " taps, forms " << forms);
@@ -39,8 +36,7 @@ TYPED_TEST(Fir, BlocksOfAnySizesGiveWhatOneCallGives) {
 }
 
 // 64 taps on 63 points: the transform holds the whole convolution, so every output comes through the kept spectrum.
-TYPED_TEST(Fir, TheKeptSpectrumServesEqualTapsOnly) {
-  using T = TypeParam;
+TEST_BOTH(Fir, TheKeptSpectrumServesEqualTapsOnly) {
   Vec<T> in = noise<T>(63, false), pairs = noise<T>(63, true), longer = noise<T>(700, false), taps(std::vector<T>(64));
   const auto run = [&](Vec<T>& x) {
     Vec<T> out;
@@ -69,8 +65,7 @@ TYPED_TEST(Fir, TheKeptSpectrumServesEqualTapsOnly) {
   expect_right(pairs);
 }
 
-TYPED_TEST(Fir, ALoudHistoryStaysWhereItReachesAndASampleInWrappedOutputs) {
-  using T = TypeParam;
+TEST_BOTH(Fir, ALoudHistoryStaysWhereItReachesAndASampleInWrappedOutputs) {
   for (const T loud : {kInf<T>, kNaN<T>, kHuge<T>, T(1000)}) {
     Vec<T> in(std::vector<T>(512)), taps = noise<T>(100, false), state(std::vector<T>(99, loud)), out;
     EXPECT_EQ(fir(in, out, taps, state), 0);

@@ -6,8 +6,7 @@ namespace {
 TWIN(d, hwfilt);
 constexpr Twin respond{&dspi_hwfilt, &dspfi_hwfilt};
 
-template <class T> struct HardwareFilter : ::testing::Test {};
-TYPED_TEST_SUITE(HardwareFilter, Precisions);
+SUITE_OF_BOTH(HardwareFilter);
 
 constexpr int kHalves[] = {12, 20, 5, 38, 61, 95};  // points of the sets 100 .. 105
 constexpr double kPassbands[] = {0.092, 0.456, 0.5, 0.486, 0.45, 0.466};
@@ -22,8 +21,7 @@ template <class T> Vec<T> response(int32_t set, int32_t octaves, int32_t n, T ra
   return v;
 }
 
-TYPED_TEST(HardwareFilter, ACosineLeavesTheChainAsItsResponseAndDelaySay) {
-  using T = TypeParam;
+TEST_BOTH(HardwareFilter, ACosineLeavesTheChainAsItsResponseAndDelaySay) {
   constexpr int32_t kBins = 64;
   for (int32_t set = 100; set <= 105; ++set) {
     for (const int32_t octaves : {0, 1, 2, 3}) {
@@ -50,8 +48,7 @@ TYPED_TEST(HardwareFilter, ACosineLeavesTheChainAsItsResponseAndDelaySay) {
   }
 }
 
-TYPED_TEST(HardwareFilter, CompensationInvertsTheResponseWithinThePassband) {
-  using T = TypeParam;
+TEST_BOTH(HardwareFilter, CompensationInvertsTheResponseWithinThePassband) {
   for (int32_t set = 100; set <= 105; ++set) {
     for (const int32_t octaves : {0, 1, 5, 30}) {
       const Vec<T> gain = response<T>(set, octaves, 1000, 2), inverse = response<T>(set, octaves, 1000, 2, 1);
@@ -74,8 +71,7 @@ TYPED_TEST(HardwareFilter, CompensationInvertsTheResponseWithinThePassband) {
   EXPECT_TRUE(pairs->complex == 1 && pairs->delta == 4);
 }
 
-TYPED_TEST(HardwareFilter, BlocksOfAnySizesGiveWhatOneCallGives) {
-  using T = TypeParam;
+TEST_BOTH(HardwareFilter, BlocksOfAnySizesGiveWhatOneCallGives) {
   for (const int32_t octaves : {0, 1, 4, 9}) {
     const auto run = [=](Vec<T>& x, Vec<T>& y, Record<T>* state) {
       const int32_t status = hwfilt(x, y, 101, octaves, state);
@@ -87,8 +83,7 @@ TYPED_TEST(HardwareFilter, BlocksOfAnySizesGiveWhatOneCallGives) {
   }
 }
 
-TYPED_TEST(HardwareFilter, ParametersOutOfRangeTouchNothing) {
-  using T = TypeParam;
+TEST_BOTH(HardwareFilter, ParametersOutOfRangeTouchNothing) {
   Vec<T> v{1, 2}, out{3}, state{4};
   for (const auto& [set, octaves] : {std::pair(99, 1), {106, 1}, {100, -1}, {100, 31}}) {
     EXPECT_EQ(hwfilt(v, out, set, octaves, state) & respond(v, set, octaves, T(1), 0), -1);

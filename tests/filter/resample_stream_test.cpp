@@ -36,8 +36,7 @@ template <class T> struct State {
   std::conditional_t<std::is_same_v<T, double>, dsp_rsmp_state, dspf_rsmp_state> s;
 };
 
-template <class T> struct StreamResampler : ::testing::Test {};
-TYPED_TEST_SUITE(StreamResampler, Precisions);
+SUITE_OF_BOTH(StreamResampler);
 
 // The kernel by its formulas.
 struct Design {
@@ -101,8 +100,7 @@ void expect_outputs(const Vec<T>& in, const Coef<T>& coef, const std::vector<Wid
             std::pow(10, -attenuation / 20) + 16 * kEps<T>);
 }
 
-TYPED_TEST(StreamResampler, IsTheDefinitionInBlocksOfAnySizesAtChangingRatios) {
-  using T = TypeParam;
+TEST_BOTH(StreamResampler, IsTheDefinitionInBlocksOfAnySizesAtChangingRatios) {
   for (const Design& design : kDesigns) {
     const Coef<T> coef(3.5, DSP_RSMP_KAISER, design.attenuation, design.transition);
     for (const bool complex : {false, true}) {
@@ -117,8 +115,7 @@ TYPED_TEST(StreamResampler, IsTheDefinitionInBlocksOfAnySizesAtChangingRatios) {
   }
 }
 
-TYPED_TEST(StreamResampler, BuiltInSetsAreThoseOfTheBlockResampler) {
-  using T = TypeParam;
+TEST_BOTH(StreamResampler, BuiltInSetsAreThoseOfTheBlockResampler) {
   for (uint32_t set = 0; set < 5; ++set) {
     const Coef<T> coef(1, set);
     Vec<T> in = noise<T>(500, false), out, expected;
@@ -131,8 +128,7 @@ TYPED_TEST(StreamResampler, BuiltInSetsAreThoseOfTheBlockResampler) {
   }
 }
 
-TYPED_TEST(StreamResampler, CountsAreExactAndATransientEndsWhereItIsSaid) {
-  using T = TypeParam;
+TEST_BOTH(StreamResampler, CountsAreExactAndATransientEndsWhereItIsSaid) {
   const Coef<T> coef(3);
   for (const double ratio : {0.7, 1.0, 2.5}) {
     State<T> state;
@@ -153,8 +149,7 @@ TYPED_TEST(StreamResampler, CountsAreExactAndATransientEndsWhereItIsSaid) {
   }
 }
 
-TYPED_TEST(StreamResampler, RefusalsAndExhaustedStorageLeaveTheStreamAsItWas) {
-  using T = TypeParam;
+TEST_BOTH(StreamResampler, RefusalsAndExhaustedStorageLeaveTheStreamAsItWas) {
   Coef<T> coef(2), none(1);
   EXPECT_EQ(rsmp_coef_destroy(&none.c), 0);
   State<T> state;

@@ -11,8 +11,7 @@ constexpr Twin resample{&dspd_rsmp, &dspfd_rsmp};
 
 constexpr uint8_t kNearest = 0, kLinear = 1;
 
-template <class T> struct Resampling : ::testing::Test {};
-TYPED_TEST_SUITE(Resampling, Precisions);
+SUITE_OF_BOTH(Resampling);
 
 template <class T> Vec<T> blank(size_t n, bool complex = false) {
   return complex ? Vec<T>(std::vector<std::complex<T>>(n, {5, 5})) : Vec<T>(std::vector<T>(n, 5));
@@ -26,8 +25,7 @@ template <class T> Vec<T> kernel_of(uint32_t set) {
   return kernel;
 }
 
-TYPED_TEST(Resampling, KernelsTabulateOnePeriodOfTheirSeries) {
-  using T = TypeParam;
+TEST_BOTH(Resampling, KernelsTabulateOnePeriodOfTheirSeries) {
   Vec<T> c{3, T(0.5), T(-1.25), T(2), T(0.75)};
   for (const size_t n : {1, 2, 4, 6, 200, 5000}) {
     for (const bool complex : {false, true}) {
@@ -51,8 +49,7 @@ TYPED_TEST(Resampling, KernelsTabulateOnePeriodOfTheirSeries) {
 }
 
 // Gain at m / K of the input's rate: K/2 times the m-th coefficient of the series, recovered from the table.
-TYPED_TEST(Resampling, BuiltInKernelsHaveTheirDocumentedResponse) {
-  using T = TypeParam;
+TEST_BOTH(Resampling, BuiltInKernelsHaveTheirDocumentedResponse) {
   const std::tuple<uint32_t, int, double> rows[] = {{0, 0, 1}, {1, 0, 0.97138},  {2, 0, 1},        {3, 0, 0.9992},
                                                     {4, 0, 1}, {2, 2, 0.355339}, {3, 3, 0.971329}, {4, 3, 11.929096}};
   for (const auto& [set, m, gain] : rows) {
@@ -110,8 +107,7 @@ template <class T> void expect_definition(const char* target) {
 
 TYPED_TEST(Resampling, EveryModeAndKernelIsTheDefinition) { for_each_cpu_target(expect_definition<TypeParam>); }
 
-TYPED_TEST(Resampling, BuiltInSetsAreTheirKernelsAndBlocksOfAnySizesGiveTheSameBits) {
-  using T = TypeParam;
+TEST_BOTH(Resampling, BuiltInSetsAreTheirKernelsAndBlocksOfAnySizesGiveTheSameBits) {
   for_each_cpu_target([](const char* target) {
     for (uint32_t set = 0; set < 5; ++set) {
       const Vec<T> kernel = kernel_of<T>(set);
@@ -136,8 +132,7 @@ TYPED_TEST(Resampling, BuiltInSetsAreTheirKernelsAndBlocksOfAnySizesGiveTheSameB
   });
 }
 
-TYPED_TEST(Resampling, RefusesWhatItCannotDo) {
-  using T = TypeParam;
+TEST_BOTH(Resampling, RefusesWhatItCannotDo) {
   Vec<T> in{1, 2, 3}, pairs = noise<T>(3, true), kernel = kernel_of<T>(2), wide = blank<T>(6, true), one{3},
                       seven = blank<T>(7), kept{7, 8}, state{9};
   const auto run = [&](Vec<T>& x, uint8_t mode, Vec<T>& k, double ratio) {

@@ -6,8 +6,7 @@ namespace {
 
 TWINS(d, sfir, sfir_deci, deci);
 
-template <class T> struct SymmetricFir : ::testing::Test {};
-TYPED_TEST_SUITE(SymmetricFir, Precisions);
+SUITE_OF_BOTH(SymmetricFir);
 
 template <class T> Vec<T> whole(const Vec<T>& half) {
   const size_t width = half->complex ? 2 : 1, n = static_cast<size_t>(half->points);
@@ -21,8 +20,7 @@ template <class T> Vec<T> whole(const Vec<T>& half) {
 }
 
 // The decimating form, in place, beside the two operations in turn.
-TYPED_TEST(SymmetricFir, EveryFormAndLengthIsTheDefinition) {
-  using T = TypeParam;
+TEST_BOTH(SymmetricFir, EveryFormAndLengthIsTheDefinition) {
   const auto inspect = [](const Vec<T>& in, const Vec<T>& half, const Vec<T>& past, const Vec<T>& out,
                           const Vec<T>& state) {
     for (const int32_t factor : {-1, 1, 2, 3, 80, INT32_MAX}) {
@@ -44,8 +42,7 @@ TYPED_TEST(SymmetricFir, EveryFormAndLengthIsTheDefinition) {
   });
 }
 
-TYPED_TEST(SymmetricFir, BlocksOfAnySizesGiveWhatOneCallGives) {
-  using T = TypeParam;
+TEST_BOTH(SymmetricFir, BlocksOfAnySizesGiveWhatOneCallGives) {
   for (const unsigned forms : {0U, 1U, 2U, 3U}) {
     for (const int32_t factor : {1, 2, 7, 40}) {
       const Vec<T> half = noise<T>(12, forms & 2);
@@ -57,8 +54,7 @@ TYPED_TEST(SymmetricFir, BlocksOfAnySizesGiveWhatOneCallGives) {
   }
 }
 
-TYPED_TEST(SymmetricFir, OneRecordForBothStatesIsRefusedAndNoTapsPassTheInput) {
-  using T = TypeParam;
+TEST_BOTH(SymmetricFir, OneRecordForBothStatesIsRefusedAndNoTapsPassTheInput) {
   Vec<T> in = noise<T>(9, false), half{2, 3}, empty, state{1, 2, 3}, offset{5}, out;
   EXPECT_EQ(sfir_deci(in, out, half, 2, state, state), -1);
   EXPECT_TRUE(exactly(state, {1, 2, 3}));

@@ -7,16 +7,14 @@
 namespace sigvex_test {
 namespace {
 
-template <class T> struct Interpolation : ::testing::Test {};
-TYPED_TEST_SUITE(Interpolation, Precisions);
+SUITE_OF_BOTH(Interpolation);
 
 // Within some roundings; what is not finite is the same.
 const auto near = [](auto found, auto wanted) {
   return identical(found, wanted) || std::abs(found - wanted) <= 4 * kEps<decltype(wanted)> * std::abs(wanted);
 };
 
-TYPED_TEST(Interpolation, FollowsItsTable) {
-  using T = TypeParam;
+TEST_BOTH(Interpolation, FollowsItsTable) {
   const auto interp = TWIN_OF(, interp);
   constexpr T inf = kInf<T>, nan = kNaN<T>;
   constexpr uint32_t strict = DSP_INTERP_LINEAR | DSP_INTERP_STRICT;
@@ -60,8 +58,7 @@ TYPED_TEST(Interpolation, FollowsItsTable) {
 }
 
 // Even and uneven tables looked up in random and in rising order, beside a plain search.
-TYPED_TEST(Interpolation, FindsItsIntervalsInAnyOrder) {
-  using T = TypeParam;
+TEST_BOTH(Interpolation, FindsItsIntervalsInAnyOrder) {
   const auto interp = TWIN_OF(, interp);
   std::mt19937 random(7);
   std::uniform_real_distribution<T> uniform(-1, 26);
@@ -99,8 +96,7 @@ template <class T> std::array<T, 4> bends(const T* y, T h) {
 }
 
 // What defines a spline: it passes through its table, slope and curvature are continuous, and vanish where they shall.
-TYPED_TEST(Interpolation, SplinesAreSmooth) {
-  using T = TypeParam;
+TEST_BOTH(Interpolation, SplinesAreSmooth) {
   const auto cspline = TWIN_OF(, cspline);
   const Vec<T> x{-3, -2, -1, 1, T(1.5), T(2.5), 4, 5}, y{1, -2, 3, 3, 0, -1, 4, 2};
   const T tolerance = 3000 * kEps<T>;  // 10 roundings of values up to 5 over the square of a sixth
@@ -125,8 +121,7 @@ TYPED_TEST(Interpolation, SplinesAreSmooth) {
   }
 }
 
-TYPED_TEST(Interpolation, SplinesTakeTheirEnds) {
-  using T = TypeParam;
+TEST_BOTH(Interpolation, SplinesTakeTheirEnds) {
   const auto cspline = TWIN_OF(, cspline);
   const auto cubic = [](T x) { return ((x - 3) * x + 2) * x - 1; };
   const auto ends = [](T at) { return Vec<T>::pairs({{at * at, 3 - at}}).samples(); };
@@ -165,8 +160,7 @@ TYPED_TEST(Interpolation, SplinesTakeTheirEnds) {
   EXPECT_EQ(yi->points, 0);
 }
 
-TYPED_TEST(Interpolation, SurfacesAreProductsOfSplines) {
-  using T = TypeParam;
+TEST_BOTH(Interpolation, SurfacesAreProductsOfSplines) {
   const auto cspline_2d = TWIN_OF(b, cspline_2d);
   const auto f = [](T x, T y) { return std::complex<T>((x - 2) * x * x + y * y * x, y * y * y - x * x * y + 5); };
   const Vec<T> x{-1, 0, 2, 3}, y{0, 1, 2, T(3.5), 5}, one{4}, xi{T(0.5), 3, -1, T(2.25), 4},

@@ -6,8 +6,7 @@
 namespace sigvex_test {
 namespace {
 
-template <class T> struct Polynomials : ::testing::Test {};
-TYPED_TEST_SUITE(Polynomials, Precisions);
+SUITE_OF_BOTH(Polynomials);
 
 template <class T> Vec<T> vector_of(const std::vector<Wide>& z, bool complex) {
   std::vector<T> re;
@@ -27,8 +26,7 @@ std::vector<Wide> product(const std::vector<Wide>& zeros) {
 }
 
 // c (x - a)^7 beside its root, where Horner's rule alone keeps no more than a few bits: the closed form is c d^7.
-TYPED_TEST(Polynomials, AreEvaluatedAsInTwiceThePrecision) {
-  using T = TypeParam;
+TEST_BOTH(Polynomials, AreEvaluatedAsInTwiceThePrecision) {
   const auto peval = TWIN_OF(s, peval);
   const struct {
     Wide a, c, direction;
@@ -74,8 +72,7 @@ TYPED_TEST(Polynomials, AreEvaluatedAsInTwiceThePrecision) {
   EXPECT_TRUE(exactly(y, {0, 0, 0, 0, 0}));
 }
 
-TYPED_TEST(Polynomials, HaveTheirExactRootsInOrder) {
-  using T = TypeParam;
+TEST_BOTH(Polynomials, HaveTheirExactRootsInOrder) {
   const auto proots = TWIN_OF(s, proots);
   const auto in_place = TWIN_OF(i, proots);
   using P = std::vector<std::complex<T>>;
@@ -114,8 +111,7 @@ TYPED_TEST(Polynomials, HaveTheirExactRootsInOrder) {
 
 // Correctly rounded but for one ulp, a root leaves no more of p than eps times the sum of k |a_k z^k|; the sum of the
 // roots tells whether one was found twice.
-TYPED_TEST(Polynomials, OfDegreeOneHundredLeaveNothingAtTheirRoots) {
-  using T = TypeParam;
+TEST_BOTH(Polynomials, OfDegreeOneHundredLeaveNothingAtTheirRoots) {
   const auto proots = TWIN_OF(s, proots);
   const auto pztoc = TWIN_OF(i, pztoc);
   std::mt19937 random(4);
@@ -156,8 +152,7 @@ TYPED_TEST(Polynomials, OfDegreeOneHundredLeaveNothingAtTheirRoots) {
   }
 }
 
-TYPED_TEST(Polynomials, AreSolvedFromAStart) {
-  using T = TypeParam;
+TEST_BOTH(Polynomials, AreSolvedFromAStart) {
   const auto psolve = TWIN_OF(s, psolve);
   const auto pcsolve = TWIN_OF(s, pcsolve);
   const T huge = kHuge<T>, root2 = std::sqrt(T(2));
@@ -201,8 +196,7 @@ TYPED_TEST(Polynomials, AreSolvedFromAStart) {
   }
 }
 
-TYPED_TEST(Polynomials, AreMultipliedOutOfTheirZeros) {
-  using T = TypeParam;
+TEST_BOTH(Polynomials, AreMultipliedOutOfTheirZeros) {
   const auto pztoc = TWIN_OF(i, pztoc);
   std::vector<Wide> circle;
   for (int k = 0; k < 64; ++k) circle.push_back(std::polar(1.0L, 2 * kPi * k / 64));

@@ -10,13 +10,11 @@ constexpr Twin spectrum_too{&dsph_dft, &dspfh_dft};
 constexpr Twin window{&dspi_window, &dspfi_window};
 constexpr Twin swap_halves2{&dspi_swap_halves2, &dspfi_swap_halves2};
 
-template <class T> struct Averaging : ::testing::Test {};
-TYPED_TEST_SUITE(Averaging, Precisions);
+SUITE_OF_BOTH(Averaging);
 
 template <class T> Record<T>* const kNone = nullptr;
 
-TYPED_TEST(Averaging, EveryModeTakesTheFrameInItsWay) {
-  using T = TypeParam;
+TEST_BOTH(Averaging, EveryModeTakesTheFrameInItsWay) {
   struct Row {
     uint32_t flags;
     int32_t count;
@@ -56,8 +54,7 @@ TYPED_TEST(Averaging, EveryModeTakesTheFrameInItsWay) {
   }
 }
 
-TYPED_TEST(Averaging, SynchronousFramesAddUpInPhase) {
-  using T = TypeParam;
+TEST_BOTH(Averaging, SynchronousFramesAddUpInPhase) {
   using C = std::complex<T>;
   for (const int32_t reference : {1, -1}) {
     Vec<T> a;
@@ -70,8 +67,7 @@ TYPED_TEST(Averaging, SynchronousFramesAddUpInPhase) {
   }
 }
 
-TYPED_TEST(Averaging, RefusalsLeaveTheAccumulator) {
-  using T = TypeParam;
+TEST_BOTH(Averaging, RefusalsLeaveTheAccumulator) {
   Vec<T> c{2, 8, 1}, a{4, 2}, wide{1, 3, 5};
   for (uint32_t mode = 1; mode <= 6; ++mode) EXPECT_EQ(avg(c.get(), a.get(), kNone<T>, mode, 2, 0, T(-1), T(0)), -1);
   EXPECT_EQ(avg(c.get(), a.get(), kNone<T>, 6U, 1, 3, T(-1), T(0)), -1);
@@ -93,8 +89,7 @@ template <class T> std::complex<double> bin(const Vec<T>& x, int f) {
   return sum;
 }
 
-TYPED_TEST(Averaging, TheFrameIsWindowedScaledAndTransformedAsItsFlagsSay) {
-  using T = TypeParam;
+TEST_BOTH(Averaging, TheFrameIsWindowedScaledAndTransformedAsItsFlagsSay) {
   for (const int n : {8, 9}) {
     for (const uint32_t type : {uint32_t{DSP_WINDOW_UNIFORM}, uint32_t{DSP_WINDOW_HANN}}) {
       for (const bool complex : {false, true}) {
@@ -127,8 +122,7 @@ TYPED_TEST(Averaging, TheFrameIsWindowedScaledAndTransformedAsItsFlagsSay) {
   }
 }
 
-TYPED_TEST(Averaging, FramesAreCountedAndAveraged) {
-  using T = TypeParam;
+TEST_BOTH(Averaging, FramesAreCountedAndAveraged) {
   const uint32_t flags =
       DSP_SPECTRUM_AVERAGE | DSP_SPECTRUM_AVG_FACTOR * (DSP_AVG_MEAN | DSP_AVG_POWER | DSP_AVG_EXPONENTIAL);
   Vec<T> a, y, state = Vec<T>::pairs({{0, 5}, {4, 0}, {7, 7}}), x{1, 2}, longer{1, 2, 3, 4};

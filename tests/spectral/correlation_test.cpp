@@ -8,8 +8,7 @@ namespace {
 constexpr Twin sliding{&dsph_corr, &dspfh_corr};
 TWIN(b, corr);
 
-template <class T> struct Correlation : ::testing::Test {};
-TYPED_TEST_SUITE(Correlation, Precisions);
+SUITE_OF_BOTH(Correlation);
 
 // Lag k: the sum of conj(a[j]) b[j + k] over the first m points, divided by the padded length.
 template <class T> std::vector<T> direct(const Vec<T>& a, const Vec<T>& b, int m, bool halve) {
@@ -30,8 +29,7 @@ template <class T> void expect_close(const Vec<T>& result, const std::vector<T>&
   EXPECT_TRUE(close(result, expected, 20 * static_cast<double>(kEps<T>), 1.0));
 }
 
-TYPED_TEST(Correlation, SlidesTheFirstPointsAlongTheSecondVector) {
-  using T = TypeParam;
+TEST_BOTH(Correlation, SlidesTheFirstPointsAlongTheSecondVector) {
   constexpr int rows[][3] = {{1, 1, 1}, {3, 1, 1}, {2, 2, 1},     {2, 2, 2},
                              {4, 3, 2}, {5, 8, 5}, {40, 100, 33}, {9, 256, 1}};
   for (const auto& [points_a, points_b, m] : rows) {
@@ -53,8 +51,7 @@ TYPED_TEST(Correlation, SlidesTheFirstPointsAlongTheSecondVector) {
   }
 }
 
-TYPED_TEST(Correlation, KeepsItsInputsWhateverTheWorkspaceAndRefusesLengthsTheyLack) {
-  using T = TypeParam;
+TEST_BOTH(Correlation, KeepsItsInputsWhateverTheWorkspaceAndRefusesLengthsTheyLack) {
   const Vec<T> a = noise<T>(5, false), b = noise<T>(9, true);
   Vec<T> x = a, y = b, result;
   for (Vec<T>* const work : {&x, &y}) {

@@ -13,14 +13,12 @@ namespace {
 TWINS(i, fft, rfft, dft);
 TWINS(, dft_set_flags, omp_set_num_threads, free_internal, lib_init);
 
-template <class T> struct Dfti : ::testing::Test {};
-TYPED_TEST_SUITE(Dfti, Precisions);
+SUITE_OF_BOTH(Dfti);
 
 // Rounding of sums of four or eight terms that are at most 4.
 template <class T> constexpr double kTolerance = 16.0 * kEps<T>;
 
-TYPED_TEST(Dfti, ComplexAndRealPlansAreBuiltOnceAndKept) {
-  using T = TypeParam;
+TEST_BOTH(Dfti, ComplexAndRealPlansAreBuiltOnceAndKept) {
   IN_FRESH_PROCESS({
     StandIn& library = use_stand_in();
     Vec<T> three{1, 2, 3}, one{5}, v{1, 2, 3, 4}, real = v;
@@ -55,8 +53,7 @@ TYPED_TEST(Dfti, ComplexAndRealPlansAreBuiltOnceAndKept) {
   });
 }
 
-TYPED_TEST(Dfti, PlansAreDroppedAfterEachTransformUnlessKept) {
-  using T = TypeParam;
+TEST_BOTH(Dfti, PlansAreDroppedAfterEachTransformUnlessKept) {
   IN_FRESH_PROCESS({
     StandIn& library = use_stand_in();
     EXPECT_EQ(dft_set_flags.of<T>()(DSP_DFT_USE_MKL), 0);
@@ -76,8 +73,7 @@ TYPED_TEST(Dfti, PlansAreDroppedAfterEachTransformUnlessKept) {
 }
 
 // The first use of all is one of these here; and a kernel of one back end never serves the other.
-TYPED_TEST(Dfti, LengthsBetweenPowersComputeThroughItToo) {
-  using T = TypeParam;
+TEST_BOTH(Dfti, LengthsBetweenPowersComputeThroughItToo) {
   IN_FRESH_PROCESS({
     StandIn& library = use_stand_in();
     Vec<T> v{1, 2, 4};
@@ -94,8 +90,7 @@ TYPED_TEST(Dfti, LengthsBetweenPowersComputeThroughItToo) {
   });
 }
 
-TYPED_TEST(Dfti, ThreadCountGoesIntoThePlans) {
-  using T = TypeParam;
+TEST_BOTH(Dfti, ThreadCountGoesIntoThePlans) {
   IN_FRESH_PROCESS({
     StandIn& library = use_stand_in();
     Vec<T> v{1, 2, 3, 4};
@@ -119,8 +114,7 @@ template <class T> void release_for_ever() {
   free_internal.of<T>()();
 }
 
-TYPED_TEST(Dfti, AFailedBuildClosesTheTables) {
-  using T = TypeParam;
+TEST_BOTH(Dfti, AFailedBuildClosesTheTables) {
   for (const char call : {'c', 'n', 's', 'k'}) {
     EXPECT_IN_FRESH_PROCESS(::testing::KilledBySignal(SIGALRM), {
       lib_init();
@@ -133,8 +127,7 @@ TYPED_TEST(Dfti, AFailedBuildClosesTheTables) {
   }
 }
 
-TYPED_TEST(Dfti, AFailedTransformStaysCounted) {
-  using T = TypeParam;
+TEST_BOTH(Dfti, AFailedTransformStaysCounted) {
   EXPECT_IN_FRESH_PROCESS(::testing::KilledBySignal(SIGALRM), {
     lib_init();
     StandIn& library = use_stand_in();

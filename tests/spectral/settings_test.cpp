@@ -36,8 +36,7 @@ template <class T> struct Settings : ::testing::Test {
 };
 TYPED_TEST_SUITE(Settings, Precisions);
 
-TYPED_TEST(Settings, FlagsAndVariables) {
-  using T = TypeParam;
+TEST_BOTH(Settings, FlagsAndVariables) {
   IN_FRESH_PROCESS({  // without a transform library its bits stay clear
     EXPECT_EQ(omp_get_max_threads.of<T>()(nullptr), 0);
     EXPECT_EQ(kmp_get_blocktime.of<T>()(nullptr), 0);
@@ -77,8 +76,7 @@ TYPED_TEST(Settings, FlagsAndVariables) {
   });
 }
 
-TYPED_TEST(Settings, ReachTheOpenMpRuntime) {
-  using T = TypeParam;
+TEST_BOTH(Settings, ReachTheOpenMpRuntime) {
   IN_FRESH_PROCESS({
     use_stand_in();
     EXPECT_EQ(blocktime<T>(), 0);
@@ -104,8 +102,7 @@ TYPED_TEST(Settings, ReachTheOpenMpRuntime) {
   });
 }
 
-TYPED_TEST(Settings, FilesWithoutTheEntryPointsArePassedOver) {
-  using T = TypeParam;
+TEST_BOTH(Settings, FilesWithoutTheEntryPointsArePassedOver) {
   IN_FRESH_PROCESS({
     use_stand_in();
     setenv("SIGVEX_OMP_LIBRARY", SIGVEX_STAND_IN, 1);

@@ -11,8 +11,7 @@ namespace {
 TWIN(, window_metric);
 TWIN(i, window);
 
-template <class T> struct WindowFigures : ::testing::Test {};
-TYPED_TEST_SUITE(WindowFigures, Precisions);
+SUITE_OF_BOTH(WindowFigures);
 
 template <class T> double metric(uint32_t type, int32_t n, uint32_t which) {
   T result = kNaN<T>;

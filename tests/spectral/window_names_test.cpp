@@ -28,8 +28,7 @@ constexpr std::pair<const char*, uint32_t> kEnumerators[] = {
              KAISER110, KAISER120, GAUSS60, GAUSS70, GAUSS80, RIEMANN, SINC_LOBE, TUKEY25, COS_LOBE, RRC, SQRT_HANN,
              CHEBY6, CHEBY7, CHEBY4, NUTTALL, BLACKMAN_NUTTALL, ORIG_BLACKMAN_HARRIS4, KAISER89, GAUSS73)};
 
-template <class T> struct WindowNames : ::testing::Test {};
-TYPED_TEST_SUITE(WindowNames, Precisions);
+SUITE_OF_BOTH(WindowNames);
 
 template <class T> void expect_type(std::string name, uint32_t type) {
   const auto from = window_from_str.template of<T>();
@@ -45,8 +44,7 @@ template <class T> void expect_type(std::string name, uint32_t type) {
   EXPECT_EQ(found, 0U) << name;
 }
 
-TYPED_TEST(WindowNames, AllNamesAreFoundInAnyCaseAndOnlyWhole) {
-  using T = TypeParam;
+TEST_BOTH(WindowNames, AllNamesAreFoundInAnyCaseAndOnlyWhole) {
   size_t names = 0;
   std::istringstream rows(kPlain);
   std::string row;

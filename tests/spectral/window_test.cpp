@@ -14,8 +14,7 @@ constexpr uint32_t kPeak = DSP_WINFLAG_PEAK, kRms = DSP_WINFLAG_RMS, kMean = DSP
                    kAlternative = DSP_WINFLAG_ALTERNATIVE, kGiven = DSP_WINFLAG_PARAMETER, kRotate = DSP_WINFLAG_ROTATE,
                    kCentred = DSP_WINFLAG_CENTRED;
 
-template <class T> struct Window : ::testing::Test {};
-TYPED_TEST_SUITE(Window, Precisions);
+SUITE_OF_BOTH(Window);
 
 template <class T> Vec<T> ones(size_t n) { return Vec<T>(std::vector<T>(n, T(1))); }
 
@@ -76,8 +75,7 @@ const ClosedForm kClosedForms[] = {
     {DSP_WINDOW_UNIFORM, [](Real d, Real) { return d > 4.5L ? 0.0L : 1.0L; }, 9},
 };
 
-TYPED_TEST(Window, FollowsTheClosedForms) {
-  using T = TypeParam;
+TEST_BOTH(Window, FollowsTheClosedForms) {
   for (const ClosedForm& row : kClosedForms) {
     const bool triangular = row.type == DSP_WINDOW_TRIANGULAR, on_sample = triangular || row.type == DSP_WINDOW_TUKEY25;
     // The rounding of a sum of a few terms; the triangle accumulates half an ulp in each of 1024 steps.
@@ -100,8 +98,7 @@ TYPED_TEST(Window, FollowsTheClosedForms) {
   }
 }
 
-TYPED_TEST(Window, EveryTypeIsNormalisedAndSymmetric) {
-  using T = TypeParam;
+TEST_BOTH(Window, EveryTypeIsNormalisedAndSymmetric) {
   for (uint32_t type = 0; type < 32; ++type) {
     for (const size_t n : {16, 100, 101, 4096}) {
       // Rounding of the weights, and coefficients printed to 14 digits.
@@ -123,8 +120,7 @@ TYPED_TEST(Window, EveryTypeIsNormalisedAndSymmetric) {
   }
 }
 
-TYPED_TEST(Window, RotationFormAndSamples) {
-  using T = TypeParam;
+TEST_BOTH(Window, RotationFormAndSamples) {
   for (uint32_t type = 1; type < 32; ++type) {
     for (const uint32_t flags : {0U, type == DSP_WINDOW_TUKEY25 ? kAlternative : kRms}) {
       for (const size_t n : {4, 5}) {
@@ -154,8 +150,7 @@ TYPED_TEST(Window, RotationFormAndSamples) {
   EXPECT_EQ(v->delta, T(0.25));
 }
 
-TYPED_TEST(Window, RefusalsLeaveTheVector) {
-  using T = TypeParam;
+TEST_BOTH(Window, RefusalsLeaveTheVector) {
   using R = Record<T>;
   constexpr T limit = static_cast<T>(kHuge<T> == T(1e100) ? 230.25850929940458 : 34.538776381388636);
   const struct {
@@ -198,8 +193,7 @@ TYPED_TEST(Window, RefusalsLeaveTheVector) {
   }
 }
 
-TYPED_TEST(Window, FamiliesOfTheirOwnAreTheTypesWithoutRotation) {
-  using T = TypeParam;
+TEST_BOTH(Window, FamiliesOfTheirOwnAreTheTypesWithoutRotation) {
   using R = Record<T>;
   const struct {
     uint32_t type, given;
@@ -224,8 +218,7 @@ TYPED_TEST(Window, FamiliesOfTheirOwnAreTheTypesWithoutRotation) {
 }
 
 // Neighbours in each part of the choice, in an order that would show one taken for another.
-TYPED_TEST(Window, TheLastWindowIsKeptUntilItIsReleasedOrAnotherIsWanted) {
-  using T = TypeParam;
+TEST_BOTH(Window, TheLastWindowIsKeptUntilItIsReleasedOrAnotherIsWanted) {
   const struct {
     size_t n;
     uint32_t type, flags;
@@ -257,8 +250,7 @@ TYPED_TEST(Window, TheLastWindowIsKeptUntilItIsReleasedOrAnotherIsWanted) {
   }
 }
 
-TYPED_TEST(Window, MetricsAreThoseOfTheWeights) {
-  using T = TypeParam;
+TEST_BOTH(Window, MetricsAreThoseOfTheWeights) {
   for (uint32_t type = 0; type < 32; ++type) {
     for (const uint32_t given : {0U, kGiven}) {
       if (given && type == DSP_WINDOW_TRIANGULAR) continue;

@@ -60,6 +60,15 @@ template <class Double, class Float> Twin(Double, Float) -> Twin<Double, Float>;
 
 using Precisions = ::testing::Types<double, float>;
 
+// A suite of tests that run in both precisions, and one of its tests, whose body knows the precision as T.
+#define SUITE_OF_BOTH(Suite)                            \
+  template <class T> struct Suite : ::testing::Test {}; \
+  TYPED_TEST_SUITE(Suite, Precisions)
+#define TEST_BOTH(Suite, Name)                             \
+  template <class T> void Suite##_##Name();                \
+  TYPED_TEST(Suite, Name) { Suite##_##Name<TypeParam>(); } \
+  template <class T> void Suite##_##Name()
+
 template <class T> constexpr T kHuge = std::is_same_v<T, double> ? T(1e100) : T(999999986991104.0);
 template <class T> constexpr T kTiny = std::numeric_limits<T>::min();
 template <class T> constexpr T kEps = std::numeric_limits<T>::epsilon();
