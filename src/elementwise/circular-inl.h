@@ -70,16 +70,33 @@ template <class T> HWY_INLINE V<T> cos_of_quadrant(VI<T> n, const SinCos<T>& s) 
   return negated_by_bit_1<T>(n + set_bits<T>(1), rounded(choose<T>(odd<T>(n), s.sin, s.cos)));
 }
 
+// The sine of r or, where the mask says so, its cosine: with fused steps it is cheaper to choose coefficients and
+// factors than to compute both.
+template <class T> HWY_INLINE V<T> sin_or_cos(M<T> cosine, Sum<T> r) {
+  if constexpr (!kFused) {
+    const SinCos<T> s = sin_cos<T>(r);
+    return rounded(choose<T>(cosine, s.cos, s.sin));
+  } else {
+    const V<T> one = set<T>(1), square = r.high * r.high;
+    const V<T> scale = square * hn::IfThenElse(cosine, square, r.high);
+    const V<T> low = r.low * hn::IfThenElse(cosine, hn::Neg(r.high), one);
+    const V<T> tail = muladd(scale, polynomial(cosine, kCos<T>, kSin<T>, square), low);
+    const V<T> half = hn::IfThenElseZero(cosine, r.high * set<T>(0.5));
+    return hn::IfThenElse(cosine, one, r.high) + negmuladd(half, r.high, tail);
+  }
+}
+
 template <class T> HWY_INLINE V<T> sin(V<T> x) {
   const Reduced<T> a = reduced<T>(hn::Abs(x));
-  const V<T> y = with_sign_of<T>(x, sin_of_quadrant<T>(a.n, sin_cos<T>(a.r)));
+  const V<T> y = with_sign_of<T>(x, negated_by_bit_1<T>(a.n, sin_or_cos<T>(odd<T>(a.n), a.r)));
   return patch<T>(
       a.fine, y, [](double at) { return std::sin(at); }, x);
 }
 template <class T> HWY_INLINE V<T> cos(V<T> x) {
   const Reduced<T> a = reduced<T>(hn::Abs(x));
+  const V<T> y = negated_by_bit_1<T>(a.n + set_bits<T>(1), sin_or_cos<T>(hn::Not(odd<T>(a.n)), a.r));
   return patch<T>(
-      a.fine, cos_of_quadrant<T>(a.n, sin_cos<T>(a.r)), [](double at) { return std::cos(at); }, x);
+      a.fine, y, [](double at) { return std::cos(at); }, x);
 }
 
 // magnitude (cos angle, sin angle)

@@ -94,19 +94,30 @@ template <class T> HWY_INLINE Sum<T> choose(M<T> mask, Sum<T> yes, Sum<T> no) {
 }
 
 // c[0] + c[1] x + c[2] x^2 + ..., in halves rather than one step after the other.
-template <class T, size_t N> HWY_INLINE V<T> halves(const T* c, const V<T>* powers) {
+template <class T, size_t N, class C> HWY_INLINE V<T> halves(const C* c, const V<T>* powers) {
   if constexpr (N == 1) {
-    return set<T>(c[0]);
+    if constexpr (std::is_same_v<C, T>) return set<T>(c[0]);
+    else return c[0];
   } else {
     constexpr size_t kLow = std::bit_floor(N - 1);
     const V<T> high = halves<T, N - kLow>(c + kLow, powers), low = halves<T, kLow>(c, powers);
     return muladd(high, powers[std::countr_zero(kLow)], low);
   }
 }
-template <class T, size_t N> HWY_INLINE V<T> polynomial(const std::array<T, N>& c, V<T> x) {
+template <class T, size_t N, class C> HWY_INLINE V<T> polynomial_in(const C* c, V<T> x) {
   V<T> powers[4] = {x, x, x, x};
   for (size_t k = 1; (size_t{1} << k) < N; ++k) powers[k] = powers[k - 1] * powers[k - 1];
-  return halves<T, N>(c.data(), powers);
+  return halves<T, N>(c, powers);
+}
+template <class T, size_t N> HWY_INLINE V<T> polynomial(const std::array<T, N>& c, V<T> x) {
+  return polynomial_in<T, N>(c.data(), x);
+}
+// One of two polynomials, lane by lane.
+template <class T, size_t N>
+HWY_INLINE V<T> polynomial(M<T> mask, const std::array<T, N>& yes, const std::array<T, N>& no, V<T> x) {
+  V<T> c[N];
+  for (size_t k = 0; k < N; ++k) c[k] = hn::IfThenElse(mask, set<T>(yes[k]), set<T>(no[k]));
+  return polynomial_in<T, N>(c, x);
 }
 
 // x times a factor, rounded to a whole number, in the low bits and as a number: the shifter leaves no room for a
