@@ -22,12 +22,9 @@ TEST_BOTH(TextReader, HeaderLinesValuesAndWhatStaysInTheStream) {
   };
   const std::string filler(250, 'c');
   const Row rows[] = {
-      {"", 0, {}},
-      {" \n\t\v\f\r\n", 1, {}},
-      {"1 2\n+3.", 1, {1, 2, 3}},
-      {"#DSP complex = 1\n1 2 3", 1, {1, 2, 3, 0}, 1},
-      {"#DSP points = 4\n1 2 3", -1, {1, 2, 3}},
-      {"#DSP points = 4\n1 2 3 4 5", 1, {1, 2, 3, 4}, 0, 1, " 5"},
+      // clang-format off
+      {"", 0, {}}, {" \n\t\v\f\r\n", 1, {}}, {"1 2\n+3.", 1, {1, 2, 3}}, {"#DSP complex = 1\n1 2 3", 1, {1, 2, 3, 0}, 1},
+      {"#DSP points = 4\n1 2 3", -1, {1, 2, 3}}, {"#DSP points = 4\n1 2 3 4 5", 1, {1, 2, 3, 4}, 0, 1, " 5"},
       {"#DSP points = 1\n#DSP complex = -7\n1,", -1, {1, 0}, 1},
       {"#DSP points=2\n#DSPcomplex=1zz\n#DSP  delta\t=\t.5e0s\n1 2 3 4\n", 1, {1, 2, 3, 4}, 1, T(0.5), "\n"},
       {"1 #DSP delta = 0x1A\n#dsp delta = 3\n# #DSP delta = 4\n2", 1, {1, 2}, 0, 26},
@@ -37,16 +34,14 @@ TEST_BOTH(TextReader, HeaderLinesValuesAndWhatStaysInTheStream) {
       {"#DSP delta = " + std::string(240, ' ') + "25\n", 1, {}, 0, 2},  // one character too far to the right
       {"#DSP points = -3\n#DSP delta = 2\n#DSP complex = 1\n7", 1, {}, 1, 2, "7"},
       {"#DSP points = +-3\n#DSP complex = x\n#DSP delta = x\n8", 1, {8}},
-      {"#DSP points = 99999999999999999999\n8", -1, {8}},
-      {"1 2 3\n#DSP points = 2\n4", -1, {1, 2, 3}},
+      {"#DSP points = 99999999999999999999\n8", -1, {8}}, {"1 2 3\n#DSP points = 2\n4", -1, {1, 2, 3}},
       {"0x1A -0x1A 0xFFFFFFFF 0x1.8 0.0e5xff", 1, {26, -26, -1, 1, T(0.8), 255}},
       {"0x80000000 -0x80000000 0x1F00000002 0x10000000000000000", 1, {-0x1p31F, 0x1p31F, 2, -1}},
       {"-0 1e999 -1e999 1e-999 INF -infinity 1e 2e+", 1, {-0.0F, kInf<T>, -kInf<T>, 0, kInf<T>, -kInf<T>, 1, 2}},
       // Halfway between two doubles but for the last of many digits; rounded to float in one step.
-      {"9007199254740993." + std::string(5000, '0') + "1 " + std::string(5000, '0') +
-           "1e-1 1.00000017881393432617187499",
-       1,
-       {T(9007199254740994.0), T(0.1), T(sizeof(T) == 8 ? 1.00000017881393432617 : 1.00000011920928955078125)}}};
+      {"9007199254740993." + std::string(5000, '0') + "1 " + std::string(5000, '0') + "1e-1 1.00000017881393432617187499",
+       1, {T(9007199254740994.0), T(0.1), T(sizeof(T) == 8 ? 1.00000017881393432617 : 1.00000011920928955078125)}}};
+  // clang-format on
   for (const Row& row : rows) {
     for (const size_t room : {0, 1, 7, 4096}) {  // the stream's own buffer, whose end may cut any number
       std::vector<char> buffer(room + 1);

@@ -27,6 +27,7 @@ TYPED_TEST(WindowFigures, MatchClosedForms) {
     int32_t n;
     uint32_t which;
     double expected, tolerance = 2e-7;
+    // clang-format off
   } rows[] = {{DSP_WINDOW_TRIANGULAR, 21, DSP_WINMETRIC_MAIN_LOBE, 4 * 21.0 / 22},         // nulls at 2n / (n + 1)
               {DSP_WINDOW_UNIFORM, 3, DSP_WINMETRIC_SIDE_LOBE, 20 * std::log10(1.0 / 3)},  // its top at half the bins
               {DSP_WINDOW_BLACKMAN, 64, DSP_WINMETRIC_MAIN_LOBE, 6},  // nulls at 3, and soon after it
@@ -36,10 +37,11 @@ TYPED_TEST(WindowFigures, MatchClosedForms) {
               {DSP_WINDOW_NUTTALL, 4096, DSP_WINMETRIC_ENBW, 1.9761, 1e-4},
               {DSP_WINDOW_NUTTALL, 4096, DSP_WINMETRIC_SCALLOPING_LOSS, 0.8506, 1e-4},
               {DSP_WINDOW_NUTTALL, 4096, DSP_WINMETRIC_SIDE_LOBE, -98.1, 1e-3},
-              {DSP_WINDOW_UNIFORM, 0, DSP_WINMETRIC_MAIN_LOBE, 2},  // n = 0: of any length
-              {DSP_WINDOW_HANN, 0, DSP_WINMETRIC_ENBW, 1.5},
+              // Where n is 0, at any length.
+              {DSP_WINDOW_UNIFORM, 0, DSP_WINMETRIC_MAIN_LOBE, 2}, {DSP_WINDOW_HANN, 0, DSP_WINMETRIC_ENBW, 1.5},
               {DSP_WINDOW_HANN, 0, DSP_WINMETRIC_WIDTH_6DB, 2},
               {DSP_WINDOW_FLAT4, 0, DSP_WINMETRIC_COHERENT_GAIN, 0.239523981482822}};
+  // clang-format on
   const auto expect = [](uint32_t type, int32_t n, uint32_t which, double expected, double tolerance) {
     EXPECT_NEAR(metric<TypeParam>(type, n, which), expected, tolerance * std::max(1.0, std::abs(expected)))
         << type << ' ' << n << ' ' << which;

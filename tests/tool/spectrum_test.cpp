@@ -29,13 +29,11 @@ TEST_F(Spectrum, ASineReadsItsAmplitudeAndFrequencyOnAndOffTheBins) {
 TEST_F(Spectrum, ScalesRelateAsAmplitudeRmsPowerAndDensity) {
   record("s.dsp", sine(4096, 0.1203, 2), 1.0 / 8192);
   const std::tuple<const char*, double, const char*> rows[] = {
-      {"", 2, "V"},
-      {"--single", 2, "V"},
-      {"--scale rms", std::sqrt(2), "V"},
-      {"--scale power", 2, "V^2"},
+      // clang-format off
+      {"", 2, "V"}, {"--single", 2, "V"}, {"--scale rms", std::sqrt(2), "V"}, {"--scale power", 2, "V^2"},
       {"--scale density", 2 / (1.5 * 2), "V^2/Hz"},  // Hann: 1.5 bins of 2 Hz
-      {"--db", 20 * std::log10(2), "dB(V)"},
-      {"--window Kaiser90 --parameter 600", 2, "V"}};
+      {"--db", 20 * std::log10(2), "dB(V)"}, {"--window Kaiser90 --parameter 600", 2, "V"}};
+  // clang-format on
   for (const auto& [options, level, unit] : rows) {
     const json peak = spectrum(std::string("s.dsp --unit V ") + options)["peaks"][0];
     EXPECT_NEAR(peak["level"], level, 1e-5) << options;
@@ -137,11 +135,11 @@ TEST_F(Spectrum, EveryAveragingIsTheMeanItSays) {
 TEST_F(Spectrum, FramesFollowPointsOverlapAndAverageAndCountByTheirOverlap) {
   record("s.dsp", sine(1000, 0.11, 1), 1);
   record("l.dsp", sine(64000, 0.11, 1), 1);
-  const std::tuple<const char*, int, int> rows[] = {{"", 1, 1000},
-                                                    {"--points 100", 19, 100},
-                                                    {"--points 100 --overlap 75% --average 3", 3, 100},
-                                                    {"--average 4 --overlap 0", 4, 250},
-                                                    {"--average 3", 3, 500}};
+  // clang-format off
+  const std::tuple<const char*, int, int> rows[] = {
+      {"", 1, 1000}, {"--points 100", 19, 100}, {"--points 100 --overlap 75% --average 3", 3, 100},
+      {"--average 4 --overlap 0", 4, 250}, {"--average 3", 3, 500}};
+  // clang-format on
   for (const auto& [options, count, points] : rows) {
     const json frames = spectrum(std::string("s.dsp ") + options)["frames"];
     EXPECT_TRUE(frames["count"] == count && frames["points"] == points) << frames;
