@@ -8,11 +8,7 @@
 
 namespace sigvex {
 
-double bessel_i0(double x) {
-  double y;
-  math_kernels<double>().i0(&x, &y, 1);
-  return y;
-}
+double bessel_i0(double x) { return math_kernels<double>().i0(x); }
 
 namespace dspi {
 namespace {

@@ -16,8 +16,8 @@ template <class T> struct MathKernels {
   Map log_or_floor;                // the floor of Limits<T> below the smallest normal number and for NaN
   void (*db)(const T* x, T* y, size_t n, T factor);  // factor times log10, or its floor
 
-  Map i0_or_huge;                                    // modified Bessel function; huge beyond +-ln huge and for NaN
-  void (*i0)(const double* x, double* y, size_t n);  // the same without limits
+  Map i0_or_huge;          // modified Bessel function; huge beyond +-ln huge and for NaN
+  double (*i0)(double x);  // the same of one number, without limits
 
   // The same for n points; those that give angles or magnitudes give one sample for each, and x may be y there too.
   Map exp_of_points, exp10_of_points, log_of_points, root_of_points;

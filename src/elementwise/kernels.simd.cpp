@@ -35,6 +35,8 @@ template <class T> void db_of_points(const T* x, T* y, size_t n, T factor) {
   each_point(x, y, n, [by = set<T>(factor)](Points<T> z) HWY_ATTR { return db_of_point<T>(z, by); });
 }
 
+double i0_of_one(double x) { return hn::GetLane(i0(set<double>(x))); }
+
 template <class T> HWY_INLINE V<T> phase(V<T> re, V<T> im) { return angle<T>(im, re); }
 template <class T> HWY_INLINE V<T> magsq_of(V<T> re, V<T> im) { return magsq_capped<T>({re, im}); }
 template <class T> HWY_INLINE V<T> first(V<T> re, V<T>) { return re; }
@@ -76,7 +78,7 @@ template <class T> const MathKernels<T>* kernels() {
       .log_or_floor = map<T, log_or_floor<T>>,
       .db = db<T>,
       .i0_or_huge = map_i0_or_huge<T>,
-      .i0 = map<double, i0>,
+      .i0 = i0_of_one,
       .exp_of_points = map_points<T, exp_of_point<T>>,
       .exp10_of_points = map_points<T, exp10_of_point<T>>,
       .log_of_points = map_points<T, log_of_point<T>>,
