@@ -11,8 +11,7 @@ TWIN(c, cos);
 TWIN(c, line);
 TWIN(c, rand);
 
-template <class T> struct Generators : ::testing::Test {};
-TYPED_TEST_SUITE(Generators, Precisions);
+SUITE_OF_BOTH(Generators);
 
 template <class T> Vec<T> blank(int32_t n, bool complex, T delta = 1) {
   Vec<T> v;
@@ -36,8 +35,7 @@ template <class T> std::vector<std::complex<T>> phasors(int n, T delta, double f
   return result;
 }
 
-TYPED_TEST(Generators, OscillatorsTurnAndRestartExactlyOnEveryTarget) {
-  using T = TypeParam;
+TEST_BOTH(Generators, OscillatorsTurnAndRestartExactlyOnEveryTarget) {
   for_each_cpu_target([](const char* target) {
     for (const int n : {0, 1, 255, 256, 257, 1023, 1024, 1025, 2303, 6000}) {
       const std::vector<std::complex<T>> expected = phasors<T>(n, T(0.01), 3.7, 0.3);
@@ -55,8 +53,7 @@ TYPED_TEST(Generators, OscillatorsTurnAndRestartExactlyOnEveryTarget) {
   });
 }
 
-TYPED_TEST(Generators, TheLineIsARunningSum) {
-  using T = TypeParam;
+TEST_BOTH(Generators, TheLineIsARunningSum) {
   Vec<T> real = blank<T>(3000, false, T(0.1)), complex = blank<T>(3000, true, T(0.1));
   EXPECT_EQ(line(real.get(), 0.7, -2.0) | line(complex.get(), 0.7, -2.0), 0);
   T value = -2;
@@ -76,8 +73,7 @@ template <class T, class F> void expect_mean(const Vec<T>& v, double expected, F
   EXPECT_NEAR(sum / n, expected, 6 * std::sqrt((squares / n - sum / n * (sum / n)) / n));
 }
 
-TYPED_TEST(Generators, NoiseHasTheMomentsAndTailsOfItsDistribution) {
-  using T = TypeParam;
+TEST_BOTH(Generators, NoiseHasTheMomentsAndTailsOfItsDistribution) {
   // The means of x, |x| and x^2, and the probability of x > 1.
   using Row = std::tuple<int32_t, bool, double, double, double, double>;
   const double normal = std::sqrt(2 / M_PI), normal_tail = std::erfc(std::sqrt(0.5)) / 2, tail = std::exp(-1);
@@ -101,8 +97,7 @@ TYPED_TEST(Generators, NoiseHasTheMomentsAndTailsOfItsDistribution) {
   }
 }
 
-TYPED_TEST(Generators, RefusedKindsLeaveTheStorageSized) {
-  using T = TypeParam;
+TEST_BOTH(Generators, RefusedKindsLeaveTheStorageSized) {
   for (const int32_t kind : {-1, 0, 1, 2, 3, 4}) {
     for (const bool complex : {false, true}) {
       Vec<T> v = blank<T>(5, complex);

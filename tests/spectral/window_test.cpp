@@ -164,20 +164,17 @@ TEST_BOTH(Window, RefusalsLeaveTheVector) {
               {DSP_WINDOW_GAUSS60, kGiven, 0}, {DSP_WINDOW_TUKEY25, kGiven, T(1.5)},
               {DSP_WINDOW_HANN, kGiven, T(0.25)}};  // the last holds no sample
   // clang-format on
+  // clang-format off
   std::vector<std::function<int32_t(R*)>> refused = {
-      [](R* v) { return window(v, DSP_WINDOW_HANN, kGiven); },
+      [](R* v) { return window(v, DSP_WINDOW_HANN, kGiven); }, [](R* v) { return window_cos(v, kGiven); },
       [](R* v) { return window_fir(v, DSP_WINDOW_HANN, kAlternative, T(0)); },
-      [](R* v) { return window_cos(v, kGiven); },
-      [](R* v) { return window_gauss(v, kAlternative, T(1)); },
-      [](R* v) { return window_gauss(v, 0U, kNaN<T>); },
-      [](R* v) { return window_sinc(v, 0U, T(0), T(1)); },
-      [](R* v) { return window_sinc(v, 0U, T(1), kInf<T>); },
-      [](R* v) { return window_tukey(v, 0U, T(-0.1)); },
-      [](R* v) { return window_kaiser(v, kGiven, T(1)); },
+      [](R* v) { return window_gauss(v, kAlternative, T(1)); }, [](R* v) { return window_gauss(v, 0U, kNaN<T>); },
+      [](R* v) { return window_sinc(v, 0U, T(0), T(1)); }, [](R* v) { return window_sinc(v, 0U, T(1), kInf<T>); },
+      [](R* v) { return window_tukey(v, 0U, T(-0.1)); }, [](R* v) { return window_kaiser(v, kGiven, T(1)); },
       [](R* v) { return window_kaiser(v, kMean, kNaN<T>); },
       [](R* v) { return window_kaiser(v, kMean, T(2.001) * limit); },
-      [](R* v) { return window_kaiser(v, kRms, T(-1.001) * limit); },
-  };
+      [](R* v) { return window_kaiser(v, kRms, T(-1.001) * limit); }};
+  // clang-format on
   for (const auto& row : rows) {
     refused.push_back([&row](R* v) { return window2(v, row.type, row.flags, row.parameter); });
   }
