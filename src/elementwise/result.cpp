@@ -15,12 +15,13 @@ Status size_result(const Vector<T>& a, const Vector<T>& b, size_t n, bool comple
   if (!on_a && !on_b) return shape<T>(result, n, complex);
   // Not more than an input holds, whatever form another record over its storage was left with.
   const int32_t old_complex = result.complex && ((on_a && a.complex) || (on_b && b.complex));
+  const int32_t old_points = (&result != &b && on_a ? a : b).points;
   result.points = static_cast<int32_t>(n);
   result.complex = complex;
   if (size<T>(result) <= count(result.allocated)) return kSuccess;
   if (on_a && &result != &a) result.allocated = 0;
   leave_to_owner<T>(b, result, size<T>(result));
-  return dsp::realloc<T>(result, result.points, old_complex);
+  return dsp::realloc<T>(result, old_points, old_complex);
 }
 
 template <class T> Status prepare_result(const Vector<T>& a, const Vector<T>& b, bool complex, Vector<T>& result) {

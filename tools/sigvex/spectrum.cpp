@@ -40,7 +40,8 @@ Analysis analysis_of(const Options& o) {
   if (!a.reference && o.averaging == "synchronous")
     throw UsageError("--averaging synchronous needs --reference, the frequency of a line");
   // Noise averages out of complex spectra alike at every frequency where the frames have no sample in common.
-  std::string_view overlap = !o.overlap.empty() ? o.overlap : a.averaging.kind == Averaging::Coherent ? "0" : "50";
+  std::string_view overlap = a.averaging.kind == Averaging::Coherent ? "0" : "50";
+  if (!o.overlap.empty()) overlap = o.overlap;
   if (overlap.ends_with('%')) overlap.remove_suffix(1);
   const std::optional<double> percent = to_number(overlap);
   if (!percent || !(*percent >= 0 && *percent <= 99))
