@@ -86,7 +86,7 @@ template <class T> void measure(const Row<T>& row, size_t n) {
   }
 
 template <class T> void rows() {
-  static volatile T sink;
+  [[maybe_unused]] static volatile T sink;  // keeps the sum from being left out
   const Peer<T> sum = [](T* x, T*, size_t n) { sink = streamed_sum(x, n); };
   const Peer<T> copy = [](T* x, T* y, size_t n) { std::memcpy(x, y, n * sizeof(T)); };
   const Peer<T> scale = [](T* x, T*, size_t n) {
@@ -101,6 +101,9 @@ template <class T> void rows() {
   };
   const Peer<T> vqsort = [](T* x, T*, size_t n) { hwy::Sorter()(x, n, hwy::SortAscending()); };
   const Peer<T> fill = [](T* x, T*, size_t n) { std::fill_n(x, n, T(0.5)); };
+  const Peer<T> libm = [](T* x, T*, size_t n) {
+    for (size_t k = 0; k < n; ++k) x[k] = std::cos(T(0.0773) * T(k) + T(0.4));
+  };
   for (const size_t n : {size_t{4096}, size_t{1} << 22}) {
     for (const bool complex : {false, true}) {
       const std::string form = complex ? "/complex" : "";
@@ -121,6 +124,7 @@ template <class T> void rows() {
       measure<T>({"integ" + form, CALL(i, integ), "plain loop", running, complex}, n);
       measure<T>({"differ" + form, CALL(i, differ), "plain loop", differ, complex}, n);
       measure<T>({"cexp" + form, CALL(c, cexp, 12.3, 0.4), "fill", fill, complex}, n);
+      measure<T>({"oscillator" + form, CALL(c, cexp, 12.3, 0.4), "libm loop", libm, complex}, n);
       measure<T>({"hist" + form, CALL(s, hist, b, 0.0, 0.01, 100), "streamed sum", sum, complex}, n);
       measure<T>({"uniform" + form, CALL(c, rand, 0), "fill", fill, complex}, n);
       measure<T>({"gauss" + form, CALL(c, rand, 1), "fill", fill, complex}, n);
