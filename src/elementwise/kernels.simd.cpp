@@ -1,5 +1,7 @@
 #include "elementwise/kernels.h"
 
+#include "core/kernel_choice.h"
+
 #define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "elementwise/kernels.simd.cpp"
@@ -103,16 +105,5 @@ const MathKernels<float>* kernels_float() { return kernels<float>(); }
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-namespace sigvex {
-namespace elementwise {
-HWY_EXPORT(kernels_double);
-HWY_EXPORT(kernels_float);
-const MathKernels<double>& best(double) { return *HWY_DYNAMIC_DISPATCH(kernels_double)(); }
-const MathKernels<float>& best(float) { return *HWY_DYNAMIC_DISPATCH(kernels_float)(); }
-}  // namespace elementwise
-
-template <> const MathKernels<double>& math_kernels<double>() { return elementwise::best(0.0); }
-template <> const MathKernels<float>& math_kernels<float>() { return elementwise::best(0.0F); }
-
-}  // namespace sigvex
+SIGVEX_CHOOSE_KERNELS(elementwise, MathKernels, math_kernels)
 #endif

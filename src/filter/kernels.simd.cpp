@@ -2,6 +2,8 @@
 
 #include <type_traits>
 
+#include "core/kernel_choice.h"
+
 #define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "filter/kernels.simd.cpp"
@@ -160,16 +162,5 @@ const FilterKernels<float>* kernels_float() { return kernels<float>(); }
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-namespace sigvex {
-namespace filter {
-HWY_EXPORT(kernels_double);
-HWY_EXPORT(kernels_float);
-const FilterKernels<double>& best(double) { return *HWY_DYNAMIC_DISPATCH(kernels_double)(); }
-const FilterKernels<float>& best(float) { return *HWY_DYNAMIC_DISPATCH(kernels_float)(); }
-}  // namespace filter
-
-template <> const FilterKernels<double>& filter_kernels<double>() { return filter::best(0.0); }
-template <> const FilterKernels<float>& filter_kernels<float>() { return filter::best(0.0F); }
-
-}  // namespace sigvex
+SIGVEX_CHOOSE_KERNELS(filter, FilterKernels, filter_kernels)
 #endif

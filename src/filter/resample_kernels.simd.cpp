@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "core/kernel_choice.h"
+
 #define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "filter/resample_kernels.simd.cpp"
@@ -268,16 +270,5 @@ const ResampleKernels<float>* kernels_float() { return kernels<float>(); }
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-namespace sigvex {
-namespace resample {
-HWY_EXPORT(kernels_double);
-HWY_EXPORT(kernels_float);
-const ResampleKernels<double>& best(double) { return *HWY_DYNAMIC_DISPATCH(kernels_double)(); }
-const ResampleKernels<float>& best(float) { return *HWY_DYNAMIC_DISPATCH(kernels_float)(); }
-}  // namespace resample
-
-template <> const ResampleKernels<double>& resample_kernels<double>() { return resample::best(0.0); }
-template <> const ResampleKernels<float>& resample_kernels<float>() { return resample::best(0.0F); }
-
-}  // namespace sigvex
+SIGVEX_CHOOSE_KERNELS(resample, ResampleKernels, resample_kernels)
 #endif

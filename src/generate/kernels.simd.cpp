@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "core/kernel_choice.h"
+
 #define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "generate/kernels.simd.cpp"
@@ -60,16 +62,5 @@ const GenerateKernels<float>* kernels_float() { return kernels<float>(); }
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-namespace sigvex {
-namespace generate {
-HWY_EXPORT(kernels_double);
-HWY_EXPORT(kernels_float);
-const GenerateKernels<double>& best(double) { return *HWY_DYNAMIC_DISPATCH(kernels_double)(); }
-const GenerateKernels<float>& best(float) { return *HWY_DYNAMIC_DISPATCH(kernels_float)(); }
-}  // namespace generate
-
-template <> const GenerateKernels<double>& generate_kernels<double>() { return generate::best(0.0); }
-template <> const GenerateKernels<float>& generate_kernels<float>() { return generate::best(0.0F); }
-
-}  // namespace sigvex
+SIGVEX_CHOOSE_KERNELS(generate, GenerateKernels, generate_kernels)
 #endif

@@ -1,5 +1,7 @@
 #include "polynomial/kernels.h"
 
+#include "core/kernel_choice.h"
+
 #define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "polynomial/kernels.simd.cpp"
@@ -156,16 +158,5 @@ const PolynomialKernels<float>* kernels_float() {
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-namespace sigvex {
-namespace polynomial {
-HWY_EXPORT(kernels_double);
-HWY_EXPORT(kernels_float);
-const PolynomialKernels<double>& best(double) { return *HWY_DYNAMIC_DISPATCH(kernels_double)(); }
-const PolynomialKernels<float>& best(float) { return *HWY_DYNAMIC_DISPATCH(kernels_float)(); }
-}  // namespace polynomial
-
-template <> const PolynomialKernels<double>& polynomial_kernels<double>() { return polynomial::best(0.0); }
-template <> const PolynomialKernels<float>& polynomial_kernels<float>() { return polynomial::best(0.0F); }
-
-}  // namespace sigvex
+SIGVEX_CHOOSE_KERNELS(polynomial, PolynomialKernels, polynomial_kernels)
 #endif

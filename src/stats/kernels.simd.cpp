@@ -1,5 +1,7 @@
 #include "stats/kernels.h"
 
+#include "core/kernel_choice.h"
+
 #define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "stats/kernels.simd.cpp"
@@ -205,16 +207,5 @@ const StatsKernels<float>* kernels_float() { return kernels<float>(); }
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-namespace sigvex {
-namespace stats {
-HWY_EXPORT(kernels_double);
-HWY_EXPORT(kernels_float);
-const StatsKernels<double>& best(double) { return *HWY_DYNAMIC_DISPATCH(kernels_double)(); }
-const StatsKernels<float>& best(float) { return *HWY_DYNAMIC_DISPATCH(kernels_float)(); }
-}  // namespace stats
-
-template <> const StatsKernels<double>& stats_kernels<double>() { return stats::best(0.0); }
-template <> const StatsKernels<float>& stats_kernels<float>() { return stats::best(0.0F); }
-
-}  // namespace sigvex
+SIGVEX_CHOOSE_KERNELS(stats, StatsKernels, stats_kernels)
 #endif

@@ -46,11 +46,6 @@ std::string number_from_zero(const std::string& text) {
   return number && *number >= 0 && std::isfinite(*number) ? "" : in_quotes(text) + " must be a number from 0 on";
 }
 
-void refuse_both_on_stdout(const std::string& plot, const std::string& format, const std::string& output) {
-  if (plot == "-" && (output.empty() || output == "-") && format != "table")
-    throw UsageError("--plot - and --format " + format + " would both fill the standard output: give --output FILE");
-}
-
 CLI::Option* add_plot_option(CLI::App& command, const char* name, std::string& file, const std::string& text) {
   return command.add_option(name, file, text + ": FILE.png or FILE.svg (needs gnuplot), or - in the terminal")
       ->type_name("FILE|-")

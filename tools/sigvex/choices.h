@@ -23,9 +23,6 @@ std::string number_from_zero(const std::string& text);
 // Rows of a picture in the terminal.
 constexpr size_t kPlotRows = 16;
 
-// Refuses a picture in the terminal and a result for programs on one standard output.
-void refuse_both_on_stdout(const std::string& plot, const std::string& format, const std::string& output);
-
 // Adds a --plot that takes FILE.png, FILE.svg or -.
 CLI::Option* add_plot_option(CLI::App& command, const char* name, std::string& file, const std::string& text);
 

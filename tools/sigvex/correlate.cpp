@@ -10,6 +10,7 @@
 #include "errors.h"
 #include "output.h"
 #include "plot.h"
+#include "result.h"
 #include "rows.h"
 #include "text.h"
 
@@ -23,7 +24,7 @@ struct Options {
   double min_lag = 0;
   bool unbiased = false, circular = false;
   int peaks = 5;
-  std::string format = "table", output, plot;
+  ResultOptions result;
 };
 
 constexpr uint64_t kUsualReach = 1 << 17, kFarthestReach = 1 << 26;
@@ -195,7 +196,7 @@ std::string json(const Options& o, const Result& r) {
 void write_values(OutputFile& out, const Options& o, const Result& r) {
   const auto& values = r.correlation.values;
   const bool complex = r.correlation.complex;
-  if (o.format == "csv") {
+  if (o.result.format == "csv") {
     std::vector<double> lag, real, imaginary;
     for (size_t k = 0; k < values.size(); ++k) {
       lag.push_back(r.lag(k));
@@ -214,7 +215,7 @@ void write_values(OutputFile& out, const Options& o, const Result& r) {
     v.data[complex ? 2 * k : k] = values[k].real();
     if (complex) v.data[2 * k + 1] = values[k].imag();
   }
-  write_vector(out, v, o.format, false);
+  write_vector(out, v, o.result.format, false);
 }
 
 Curve curve_of(const Options& o, const Result& r) {
@@ -239,18 +240,15 @@ Curve curve_of(const Options& o, const Result& r) {
 void run_correlate(const Options& o) {
   if (o.unbiased && (o.circular || o.scale == "sum"))
     throw UsageError("--unbiased is for --scale mean and coefficient, without --circular");
-  const bool to_stdout = o.output.empty() || o.output == "-", in_terminal = o.plot == "-";
-  refuse_both_on_stdout(o.plot, o.format, o.output);
+  refuse_both_on_stdout(o.result);
   if (o.second == "-" && o.input.file == "-") throw UsageError("the standard input cannot be both recordings");
   const Result r = measure(o);
-  OutputFile out(o.output), picture(in_terminal ? "-" : o.plot);
-  if (!o.plot.empty() && !in_terminal) plot_file({curve_of(o, r)}, picture);
-  if (o.format == "table") out.write(table(o, r));
-  else if (o.format == "json") out.write(json(o, r));
-  else write_values(out, o, r);
-  if (in_terminal) picture.write((to_stdout ? "\n" : "") + plot_text(curve_of(o, r), terminal_columns(), kPlotRows));
-  out.commit();
-  picture.commit();
+  const auto write = [&](OutputFile& out) {
+    if (o.result.format == "table") out.write(table(o, r));
+    else if (o.result.format == "json") out.write(json(o, r));
+    else write_values(out, o, r);
+  };
+  deliver(o.result, write, [&] { return std::vector{curve_of(o, r)}; });
 }
 
 }  // namespace
@@ -299,18 +297,11 @@ void add_correlate(CLI::App& program) {
       ->capture_default_str()
       ->type_name("N")
       ->group(result);
-  command
-      ->add_option("--format", o->format,
-                   "table or json: the peaks; csv: lag and value; dsp (\"#DSP\" text), binary, gnuplot, trace, "
-                   "summary: all values as a vector, from the first lag on")
-      ->check(CLI::IsMember({"table", "json", "csv", "dsp", "binary", "gnuplot", "trace", "summary"}))
-      ->capture_default_str()
-      ->type_name("FORMAT")
-      ->group(result);
-  command->add_option("--output", o->output, "File for the result instead of the standard output")
-      ->type_name("FILE")
-      ->group(result);
-  add_plot_option(*command, "--plot", o->plot, "Draw the correlation")->group(result);
+  add_result_options(*command, o->result, result,
+                     {"table", "json", "csv", "dsp", "binary", "gnuplot", "trace", "summary"},
+                     "table or json: the peaks; csv: lag and value; dsp (\"#DSP\" text), binary, gnuplot, trace, "
+                     "summary: all values as a vector, from the first lag on",
+                     "Draw the correlation");
   command->footer(
       "With one signal: its autocorrelation, whose peaks are its periods. With two: a peak at a positive lag says that "
       "the\n"

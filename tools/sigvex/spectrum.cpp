@@ -11,6 +11,7 @@
 #include "peaks.h"
 #include "plot.h"
 #include "report.h"
+#include "result.h"
 #include "text.h"
 
 namespace sigvex_tool {
@@ -25,7 +26,7 @@ struct Options {
   int harmonics = 0;
   std::optional<double> length;
   std::optional<double> from_hz, to_hz;
-  std::string format = "table", output, plot;
+  ResultOptions result;
 };
 
 Analysis analysis_of(const Options& o) {
@@ -100,8 +101,7 @@ void run_spectrum(const Options& o) {
   m.window = window_name(m.analysis.window);
   m.scale = o.scale;
   if (o.from_hz && o.to_hz && *o.from_hz > *o.to_hz) throw UsageError("--from-hz must not be above --to-hz");
-  const bool to_stdout = o.output.empty() || o.output == "-";
-  refuse_both_on_stdout(o.plot, o.format, o.output);
+  refuse_both_on_stdout(o.result);
 
   const std::unique_ptr<Source> source = open_source(o.input);
   m.source = source->info();
@@ -116,18 +116,14 @@ void run_spectrum(const Options& o) {
   if (o.harmonics && !m.lines.empty()) m.harmonics = find_harmonics(m.spectrum, lobe, m.lines[0], o.harmonics);
 
   const Levels levels(m.spectrum, scale_of(o.scale), o.db, m.source);
-  const bool in_terminal = o.plot == "-";
-  OutputFile out(o.output), picture(in_terminal ? "-" : o.plot);
-  if (!o.plot.empty() && !in_terminal) plot_file({curve_of(m, levels, o.db)}, picture);
-  if (o.format == "table") out.write(table(m, levels));
-  else if (o.format == "json") out.write(json(m, levels));
-  else if (o.format == "csv") write_table(out, m, levels);
-  else write_spectrum(out, m, levels, o.format);
-  if (in_terminal) {
-    picture.write((to_stdout ? "\n" : "") + plot_text(curve_of(m, levels, o.db), terminal_columns(), kPlotRows));
-  }
-  out.commit();
-  picture.commit();
+  const auto write = [&](OutputFile& out) {
+    const std::string& format = o.result.format;
+    if (format == "table") out.write(table(m, levels));
+    else if (format == "json") out.write(json(m, levels));
+    else if (format == "csv") write_table(out, m, levels);
+    else write_spectrum(out, m, levels, format);
+  };
+  deliver(o.result, write, [&] { return std::vector{curve_of(m, levels, o.db)}; });
 }
 
 }  // namespace
@@ -210,19 +206,11 @@ void add_spectrum(CLI::App& program) {
       ->group(result);
   command->add_option("--from-hz", o->from_hz, "Lowest frequency to look at")->type_name("F")->group(result);
   command->add_option("--to-hz", o->to_hz, "Highest frequency to look at")->type_name("F")->group(result);
-  command
-      ->add_option("--format", o->format,
-                   "table or json: peaks and noise floor; csv: frequency and level of each bin; dsp (\"#DSP\" text), "
-                   "binary, gnuplot, trace, "
-                   "summary: the whole spectrum as a vector")
-      ->check(CLI::IsMember({"table", "json", "csv", "dsp", "binary", "gnuplot", "trace", "summary"}))
-      ->capture_default_str()
-      ->type_name("FORMAT")
-      ->group(result);
-  command->add_option("--output", o->output, "File for the result instead of the standard output")
-      ->type_name("FILE")
-      ->group(result);
-  add_plot_option(*command, "--plot", o->plot, "Draw the spectrum")->group(result);
+  add_result_options(*command, o->result, result,
+                     {"table", "json", "csv", "dsp", "binary", "gnuplot", "trace", "summary"},
+                     "table or json: peaks and noise floor; csv: frequency and level of each bin; dsp (\"#DSP\" text), "
+                     "binary, gnuplot, trace, summary: the whole spectrum as a vector",
+                     "Draw the spectrum");
   command->footer(
       "A peak marked ? may be a maximum of the noise. Levels and frequencies are refined between the bins with the "
       "window's\n"

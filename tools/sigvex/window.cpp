@@ -9,6 +9,7 @@
 #include "errors.h"
 #include "output.h"
 #include "plot.h"
+#include "result.h"
 #include "rows.h"
 #include "text.h"
 
@@ -16,7 +17,8 @@ namespace sigvex_tool {
 namespace {
 
 struct Options {
-  std::string name = "all", format = "table", output, plot;
+  std::string name = "all";
+  ResultOptions result;
   int32_t points = 1024;
 };
 
@@ -123,28 +125,25 @@ std::vector<Curve> curves_of(uint32_t type, int32_t points) {
 }
 
 void run_window(const Options& o) {
-  const bool one = o.name != "all", in_terminal = o.plot == "-";
+  const bool one = o.name != "all";
+  const std::string& format = o.result.format;
   std::vector<uint32_t> types;
   if (one) types = {window_type(o.name, "NAME")};
   else
     for (uint32_t type = 0; type < kWindowTypes; ++type) types.push_back(type);
-  if (!one && (!o.plot.empty() || is_vector_format(o.format)))
-    throw UsageError("NAME is required for " + (o.plot.empty() ? "--format " + o.format : "--plot"));
-  refuse_both_on_stdout(o.plot, o.format, o.output);
-  OutputFile out(o.output), picture(in_terminal ? "-" : o.plot);
-  if (!o.plot.empty() && !in_terminal) plot_file(curves_of(types[0], o.points), picture);
-  if (is_vector_format(o.format)) {
-    Vector<double> weights;
-    make_weights(weights, types[0], o.points);
-    write_vector(out, weights, o.format, false);
-  } else {
-    out.write(o.format == "json" ? json(types, o.points) : table(types, o.points));
-  }
-  if (in_terminal)
-    for (const Curve& curve : curves_of(types[0], o.points))
-      picture.write("\n" + plot_text(curve, terminal_columns(), kPlotRows));
-  out.commit();
-  picture.commit();
+  if (!one && (!o.result.plot.empty() || is_vector_format(format)))
+    throw UsageError("NAME is required for " + (o.result.plot.empty() ? "--format " + format : "--plot"));
+  refuse_both_on_stdout(o.result);
+  const auto write = [&](OutputFile& out) {
+    if (is_vector_format(format)) {
+      Vector<double> weights;
+      make_weights(weights, types[0], o.points);
+      write_vector(out, weights, format, false);
+    } else {
+      out.write(format == "json" ? json(types, o.points) : table(types, o.points));
+    }
+  };
+  deliver(o.result, write, [&] { return curves_of(types[0], o.points); });
 }
 
 }  // namespace
@@ -157,16 +156,10 @@ void add_window(CLI::App& program) {
       ->check(CLI::Range(2, 1 << 20))
       ->capture_default_str()
       ->type_name("N");
-  command
-      ->add_option(
-          "--format", o->format,
-          "table or json: the figures; dsp (\"#DSP\" text), binary, gnuplot, trace, summary: the weights of one "
-          "window, peak 1, as a vector")
-      ->check(CLI::IsMember({"table", "json", "dsp", "binary", "gnuplot", "trace", "summary"}))
-      ->capture_default_str()
-      ->type_name("FORMAT");
-  command->add_option("--output", o->output, "File for the result instead of the standard output")->type_name("FILE");
-  add_plot_option(*command, "--plot", o->plot, "Draw shape and spectrum of one window");
+  add_result_options(*command, o->result, "Result", {"table", "json", "dsp", "binary", "gnuplot", "trace", "summary"},
+                     "table or json: the figures; dsp (\"#DSP\" text), binary, gnuplot, trace, summary: the weights of "
+                     "one window, peak 1, as a vector",
+                     "Draw shape and spectrum of one window");
   command->footer(
       "gain         mean of the weights: what a line keeps of its amplitude\n"
       "ENBW         equivalent noise bandwidth: of how many bins one takes in the noise\n"
