@@ -4,11 +4,9 @@
 namespace sigvex_test {
 namespace {
 
-template <class T> struct Arithmetic : ::testing::Test {};
-TYPED_TEST_SUITE(Arithmetic, Precisions);
+SUITE_OF_BOTH(Arithmetic);
 
-TYPED_TEST(Arithmetic, ExactResults) {
-  using T = TypeParam;
+TEST_BOTH(Arithmetic, ExactResults) {
   const T inf = kInf<T>, nan = kNaN<T>, huge = kHuge<T>, over = std::nextafter(huge, inf), least = T(-0.0);
   const T max = std::numeric_limits<T>::max(), k = 1 / T(25);
   const InPlace<T> times = [](auto* v) { return TWIN_OF(i, scale)(v, T(-2.5)); };
@@ -35,8 +33,7 @@ TYPED_TEST(Arithmetic, ExactResults) {
   // clang-format on
 }
 
-TYPED_TEST(Arithmetic, ResultsOfChangesOfForm) {
-  using T = TypeParam;
+TEST_BOTH(Arithmetic, ResultsOfChangesOfForm) {
   const T inf = kInf<T>, nan = kNaN<T>, huge = kHuge<T>, over = std::nextafter(huge, inf), least = T(-0.0);
   const T pi = static_cast<T>(kPi), c = std::cos(T(0.5)), s = std::sin(T(0.5));
   const std::vector<T> any = {1, least, nan, inf};
@@ -67,8 +64,7 @@ TYPED_TEST(Arithmetic, ResultsOfChangesOfForm) {
   // clang-format on
 }
 
-TYPED_TEST(Arithmetic, AbsKeepsTheBitsOfNaN) {
-  using T = TypeParam;
+TEST_BOTH(Arithmetic, AbsKeepsTheBitsOfNaN) {
   std::conditional_t<sizeof(T) == 8, uint64_t, uint32_t> bits = 0;
   Vec<T> v{0};
   std::memset(v->data, 0xFF, sizeof(T));
@@ -77,8 +73,7 @@ TYPED_TEST(Arithmetic, AbsKeepsTheBitsOfNaN) {
   EXPECT_EQ(bits, ~decltype(bits){0} >> 1);
 }
 
-TYPED_TEST(Arithmetic, LimitClipsBothPartsAndReports) {
-  using T = TypeParam;
+TEST_BOTH(Arithmetic, LimitClipsBothPartsAndReports) {
   const T inf = kInf<T>, nan = kNaN<T>, least = T(-0.0);
   const auto limit = TWIN_OF(i, limit);
   const struct {

@@ -5,8 +5,7 @@
 namespace sigvex_test {
 namespace {
 
-template <class T> struct Binary : ::testing::Test {};
-TYPED_TEST_SUITE(Binary, Precisions);
+SUITE_OF_BOTH(Binary);
 
 template <class T> using Call = int32_t (*)(const Record<T>*, const Record<T>*, Record<T>*);
 
@@ -106,8 +105,7 @@ template <class T> void expect_as_separate(const Operation<T>& operation, Vec<T>
   }
 }
 
-TYPED_TEST(Binary, ResultMayShareRecordOrStorageWithItsInputs) {
-  using T = TypeParam;
+TEST_BOTH(Binary, ResultMayShareRecordOrStorageWithItsInputs) {
   for (const Operation<T>& operation : operations<T>()) {
     for (const Placement<T>& placement : Placement<T>::all()) {
       for (unsigned bits = 0; bits < 16; ++bits) {
@@ -122,8 +120,7 @@ TYPED_TEST(Binary, ResultMayShareRecordOrStorageWithItsInputs) {
   }
 }
 
-TYPED_TEST(Binary, SamplesPairUpOverEitherInputInAnyLength) {
-  using T = TypeParam;
+TEST_BOTH(Binary, SamplesPairUpOverEitherInputInAnyLength) {
   for (size_t n = 1; n < 150; n += n / 60 + 1) {
     for (const int over : {0, 1, 2}) {
       const std::vector<T> zeros(n);
@@ -136,8 +133,7 @@ TYPED_TEST(Binary, SamplesPairUpOverEitherInputInAnyLength) {
   }
 }
 
-TYPED_TEST(Binary, FormsLengthsAndDelta) {
-  using T = TypeParam;
+TEST_BOTH(Binary, FormsLengthsAndDelta) {
   const Vec<T> x[] = {{1}, Vec<T>::pairs({{1, 2}})}, y[] = {{3}, Vec<T>::pairs({{3, -4}})};
   for (const Operation<T>& operation : operations<T>()) {
     SCOPED_TRACE(operation.name);
@@ -161,8 +157,7 @@ TYPED_TEST(Binary, FormsLengthsAndDelta) {
   }
 }
 
-TYPED_TEST(Binary, EachRuleAtItsEdges) {
-  using T = TypeParam;
+TEST_BOTH(Binary, EachRuleAtItsEdges) {
   constexpr T nan = kNaN<T>, inf = kInf<T>, huge = kHuge<T>, tiny = kTiny<T>, least = T(-0.0);
   const T beyond = std::nextafter(huge, inf), wide = 4 * std::sqrt(huge);  // |wide|^2 > huge
   const auto z = [](const std::vector<T>& scalars) { return make<T>(scalars, true); };

@@ -26,13 +26,11 @@ template <class T> void expect_same(const Vec<T>& v, const Vec<T>& expected) {
   EXPECT_TRUE(v->complex == expected->complex && v->delta == expected->delta);
 }
 
-template <class T> struct Copies : ::testing::Test {};
-TYPED_TEST_SUITE(Copies, Precisions);
+SUITE_OF_BOTH(Copies);
 
 // Into other records, the same one, and one over the same block, some scalars apart: either may lie in front and own
 // the block, which may have room for the result or not.
-TYPED_TEST(Copies, GetTheInPlaceResultWhereverTheResultLies) {
-  using T = TypeParam;
+TEST_BOTH(Copies, GetTheInPlaceResultWhereverTheResultLies) {
   std::vector<T> x = {-4, 9, T(-0.0), 0, kInf<T>, 1, 2 * kHuge<T>, kNaN<T>, -kHuge<T>};  // what the guards are for
   while (x.size() < 66) x.push_back(T(0.7) * static_cast<T>(x.size()) - T(9));
   for (const Copy<T>& copy : copies<T>()) {

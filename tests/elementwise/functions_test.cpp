@@ -5,11 +5,9 @@
 namespace sigvex_test {
 namespace {
 
-template <class T> struct Functions : ::testing::Test {};
-TYPED_TEST_SUITE(Functions, Precisions);
+SUITE_OF_BOTH(Functions);
 
-TYPED_TEST(Functions, ExponentialsLogarithmsAndRoots) {
-  using T = TypeParam;
+TEST_BOTH(Functions, ExponentialsLogarithmsAndRoots) {
   const bool single = std::is_same_v<T, float>;
   const T inf = kInf<T>, nan = kNaN<T>, huge = kHuge<T>, over = std::nextafter(huge, inf), least = T(-0.0);
   const T tiny = kTiny<T>, under = std::nextafter(tiny, T(0)), small = std::sqrt(tiny) / 2, pi = static_cast<T>(kPi);
@@ -54,8 +52,7 @@ TYPED_TEST(Functions, ExponentialsLogarithmsAndRoots) {
   // clang-format on
 }
 
-TYPED_TEST(Functions, OfComplexPointsAreInverse) {
-  using T = TypeParam;
+TEST_BOTH(Functions, OfComplexPointsAreInverse) {
   std::vector<std::complex<T>> z;
   for (int k = 1; k < 200; ++k) z.push_back(std::polar(std::exp(T(0.1) * T(k - 100)), T(0.7) * T(k)));
   Vec<T> natural(z), decimal(z), root(z);
@@ -69,8 +66,7 @@ TYPED_TEST(Functions, OfComplexPointsAreInverse) {
   }
 }
 
-TYPED_TEST(Functions, TrigonometryAndBesselAtTheirEdges) {
-  using T = TypeParam;
+TEST_BOTH(Functions, TrigonometryAndBesselAtTheirEdges) {
   const T inf = kInf<T>, nan = kNaN<T>, pi = static_cast<T>(kPi), over = 1 + kEps<T>, least = T(-0.0), huge = kHuge<T>;
   const T denormal = std::numeric_limits<T>::denorm_min(),
           half = make<T>({T(0.5)}, false)[0];  // at run time, as in the library
@@ -115,8 +111,7 @@ long double i0(long double x) {
 // (by x/2 times the ratio of I1 and I0), and the Horner steps round as often; an ulp may be half an epsilon. Above 20
 // an exponential, a root and three products round once each, and the series stops within an epsilon. Single precision
 // is computed in double.
-TYPED_TEST(Functions, ModifiedBesselIsAccurateUpToTheLimit) {
-  using T = TypeParam;
+TEST_BOTH(Functions, ModifiedBesselIsAccurateUpToTheLimit) {
   const bool single = std::is_same_v<T, float>;
   const double end = single ? 34.53877 : 230.2585;
   std::vector<T> x;
@@ -140,8 +135,7 @@ long double integral(int n, long double x) {
   return sum;
 }
 
-TYPED_TEST(Functions, BesselFirstKindMatchesItsIntegralAndTheSecondTheWronskian) {
-  using T = TypeParam;
+TEST_BOTH(Functions, BesselFirstKindMatchesItsIntegralAndTheSecondTheWronskian) {
   std::vector<T> x;
   for (int k = 1; k <= 400; ++k) x.push_back(T(0.1) * static_cast<T>(k));
   Vec<T> j0(x), j1(x), y0(x), y1(x);

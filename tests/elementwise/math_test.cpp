@@ -6,8 +6,7 @@
 namespace sigvex_test {
 namespace {
 
-template <class T> struct Math : ::testing::Test {};
-TYPED_TEST_SUITE(Math, Precisions);
+SUITE_OF_BOTH(Math);
 
 template <class T> struct Function {
   const char* name;
@@ -66,8 +65,7 @@ template <class T> long double ulps(T result, long double exact) {
   return std::abs(result - exact) / std::ldexp(static_cast<long double>(kEps<T>), std::max(std::ilogb(exact), least));
 }
 
-TYPED_TEST(Math, FunctionsAreWithinAnUlp) {
-  using T = TypeParam;
+TEST_BOTH(Math, FunctionsAreWithinAnUlp) {
   for_each_cpu_target([](const char* target) {
     for (const Function<T>& f : functions<T>()) {
       const std::vector<T> x = arguments<T>(f, 3001);
@@ -90,8 +88,7 @@ TYPED_TEST(Math, FunctionsAreWithinAnUlp) {
 }
 
 // The same bits alone, in a row of any length, at any address.
-TYPED_TEST(Math, ASampleGivesTheSameBitsWhereverItStands) {
-  using T = TypeParam;
+TEST_BOTH(Math, ASampleGivesTheSameBitsWhereverItStands) {
   const T inf = kInf<T>, nan = kNaN<T>;
   const std::vector<T> x = {T(0.3),       -1,   1e-30F, 700,      T(-0.0), inf,      1e9F,    T(0.7), nan,
                             kTiny<T> / 8, -inf, 3,      1e37F,    T(-2.5), T(0.999), -1e-30F, 12,     T(0.1),

@@ -7,11 +7,9 @@
 namespace sigvex_test {
 namespace {
 
-template <class T> struct Sequence : ::testing::Test {};
-TYPED_TEST_SUITE(Sequence, Precisions);
+SUITE_OF_BOTH(Sequence);
 
-TYPED_TEST(Sequence, EachRuleAtItsEdges) {
-  using T = TypeParam;
+TEST_BOTH(Sequence, EachRuleAtItsEdges) {
   constexpr T nan = kNaN<T>, inf = kInf<T>, pi = std::numbers::pi_v<T>, turn = 2 * pi, huge = kHuge<T>, least = T(-0.0);
   constexpr T big = 2 / kEps<T>, most = std::numeric_limits<T>::max(), faint = -kTiny<T> / 2;
   const T beyond = std::nextafter(pi, T(4));
@@ -135,8 +133,7 @@ TYPED_TEST(Sequence, EachRuleAtItsEdges) {
   }
 }
 
-TYPED_TEST(Sequence, CountsThatAreNegativeOrDoNotFit) {
-  using T = TypeParam;
+TEST_BOTH(Sequence, CountsThatAreNegativeOrDoNotFit) {
   Vec<T> v{1, 2, 3}, view, none, source, copied{1, 2};
   v->points = 1;  // the capacity behind it suffices, its contents do not count
   EXPECT_EQ(TWIN_OF(i, zpad)(v, 3), 0);
@@ -178,8 +175,7 @@ template <class T, class F> Vec<T> numbered(size_t n, bool complex, F from) {
   return make(scalars, complex);
 }
 
-TYPED_TEST(Sequence, HalvesAndReversalsMoveEveryPoint) {
-  using T = TypeParam;
+TEST_BOTH(Sequence, HalvesAndReversalsMoveEveryPoint) {
   for (const bool complex : {false, true}) {
     for (const size_t n : {0, 1, 2, 3, 4, 5, 7, 8, 16, 17, 32, 64, 65, 128, 256, 1001, 1024, 4096}) {
       const auto expect = [=](Vec<T>& v, auto from) {
@@ -206,8 +202,7 @@ TYPED_TEST(Sequence, HalvesAndReversalsMoveEveryPoint) {
   }
 }
 
-TYPED_TEST(Sequence, SortAndShuffleKeepEveryPoint) {
-  using T = TypeParam;
+TEST_BOTH(Sequence, SortAndShuffleKeepEveryPoint) {
   for (const size_t n : {0, 1, 2, 3, 17, 255, 256, 257, 5000}) {
     for (const bool complex : {false, true}) {
       const auto twice = [](size_t k) { return k / 2; };  // every value about twice
@@ -220,8 +215,7 @@ TYPED_TEST(Sequence, SortAndShuffleKeepEveryPoint) {
 }
 
 // Many points of few magnitudes, NaN and infinite ones among them, against a plain sort by the stated order.
-TYPED_TEST(Sequence, PointsSortByMagnitudeThenParts) {
-  using T = TypeParam;
+TEST_BOTH(Sequence, PointsSortByMagnitudeThenParts) {
   const auto compare = [](T a, T b) { return a < b ? -1 : a > b ? 1 : std::isnan(b) - std::isnan(a); };
   const auto key = [](std::complex<T> z) { return z.real() * z.real() + z.imag() * z.imag(); };
   const T values[] = {0, 1, -1, 2, -2, 3, kInf<T>, -kInf<T>, kNaN<T>, -kNaN<T>, kHuge<T> * kHuge<T>};
@@ -236,8 +230,7 @@ TYPED_TEST(Sequence, PointsSortByMagnitudeThenParts) {
   EXPECT_TRUE(exactly(v, Vec<T>(z).samples()));
 }
 
-TYPED_TEST(Sequence, ShuffleGivesEveryPlaceAnEqualChance) {
-  using T = TypeParam;
+TEST_BOTH(Sequence, ShuffleGivesEveryPlaceAnEqualChance) {
   constexpr size_t kCount = 5, kRounds = 20000;
   double seen[kCount][kCount] = {};  // how often each point came to each place
   for (size_t round = 0; round < kRounds; ++round) {

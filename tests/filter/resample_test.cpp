@@ -105,7 +105,7 @@ template <class T> void expect_definition(const char* target) {
   }
 }
 
-TYPED_TEST(Resampling, EveryModeAndKernelIsTheDefinition) { for_each_cpu_target(expect_definition<TypeParam>); }
+TEST_BOTH(Resampling, EveryModeAndKernelIsTheDefinition) { for_each_cpu_target(expect_definition<T>); }
 
 TEST_BOTH(Resampling, BuiltInSetsAreTheirKernelsAndBlocksOfAnySizesGiveTheSameBits) {
   for_each_cpu_target([](const char* target) {

@@ -9,8 +9,7 @@ namespace {
 TWINS(i, dft, rdft, irdft, dct, window);
 TWIN(, free_internal);
 
-template <class T> struct Concurrency : ::testing::Test {};
-TYPED_TEST_SUITE(Concurrency, Precisions);
+SUITE_OF_BOTH(Concurrency);
 
 // Every transform of the round has its way back, so that each thread checks its own result.
 template <class T> bool there_and_back(const Vec<T>& x, size_t n) {
@@ -31,8 +30,7 @@ template <class T> Vec<T> weights(uint32_t type) {
 }
 
 // 8192 points need work space beyond the stack, from more threads than the library keeps spare blocks for.
-TYPED_TEST(Concurrency, CachesMayBeReleasedWhileThreadsTransformAndWeight) {
-  using T = TypeParam;
+TEST_BOTH(Concurrency, CachesMayBeReleasedWhileThreadsTransformAndWeight) {
   ASSERT_EQ(dsp_lib_init(), 0);
   std::atomic<int> wrong = 0;
   std::atomic<bool> released = false;

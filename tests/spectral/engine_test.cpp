@@ -7,8 +7,7 @@ namespace {
 TWINS(i, fft, rfft, irfft);
 TWIN(, free_internal);
 
-template <class T> struct Engine : ::testing::Test {};
-TYPED_TEST_SUITE(Engine, Precisions);
+SUITE_OF_BOTH(Engine);
 
 // The forward transform in extended precision, unscaled, by halving; the roots are those of all points.
 std::vector<Wide> transformed(const std::vector<Wide>& x, const std::vector<Wide>& roots, size_t start, size_t step) {
@@ -73,15 +72,14 @@ template <class T> void check_length(size_t n, const char* target) {
   EXPECT_TRUE(storage.front() == T(7) && storage.back() == T(7));
 }
 
-TYPED_TEST(Engine, ErrorsStayWithinTheBoundOnEveryCpuTarget) {
+TEST_BOTH(Engine, ErrorsStayWithinTheBoundOnEveryCpuTarget) {
   for_each_cpu_target([](const char* target) {
-    for (int bits = 2; bits <= 13; ++bits) check_length<TypeParam>(size_t{1} << bits, target);
+    for (int bits = 2; bits <= 13; ++bits) check_length<T>(size_t{1} << bits, target);
   });
-  for (const int bits : {14, 15, 16, 18, 20}) check_length<TypeParam>(size_t{1} << bits, "best target");
+  for (const int bits : {14, 15, 16, 18, 20}) check_length<T>(size_t{1} << bits, "best target");
 }
 
-TYPED_TEST(Engine, ImpulsesAndConstantsAreExact) {
-  using T = TypeParam;
+TEST_BOTH(Engine, ImpulsesAndConstantsAreExact) {
   for_each_cpu_target([](const char* target) {
     for (int bits = 2; bits <= 14; ++bits) {
       const size_t n = size_t{1} << bits;

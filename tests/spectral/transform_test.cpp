@@ -11,8 +11,7 @@ namespace {
 
 TWINS(i, fft, rfft, irfft, dft, rdft, irdft, dct, hilbert, analytic);
 
-template <class T> struct Transform : ::testing::Test {};
-TYPED_TEST_SUITE(Transform, Precisions);
+SUITE_OF_BOTH(Transform);
 
 struct Length {
   size_t n, step = 1;  // every step-th bin is compared
@@ -22,8 +21,7 @@ constexpr Length kLengths[] = {{2},   {3},       {4},       {5},        {6},    
                                {9},   {12},      {16},      {31},       {33},         {64},          {99},
                                {100}, {1009, 7}, {1024, 7}, {4098, 61}, {20011, 997}, {100003, 9973}};
 
-TYPED_TEST(Transform, EveryLengthWithinItsErrorBound) {
-  using T = TypeParam;
+TEST_BOTH(Transform, EveryLengthWithinItsErrorBound) {
   for (const Length& length : kLengths) {
     const auto [n, step] = length;
     for (const bool complex : {false, true}) {
@@ -46,8 +44,7 @@ TYPED_TEST(Transform, EveryLengthWithinItsErrorBound) {
 }
 
 // Convolutions of two points up to those in sweeps over memory; 4097 points are one more than half of what is padded.
-TYPED_TEST(Transform, LengthsThatAreNoPowerOfTwoOnEveryCpuTarget) {
-  using T = TypeParam;
+TEST_BOTH(Transform, LengthsThatAreNoPowerOfTwoOnEveryCpuTarget) {
   for (const auto& [n, step] :
        std::initializer_list<Length>{{3}, {5}, {9}, {100, 3}, {1009, 97}, {4097, 911}, {8191, 1777}}) {
     const Vec<T> z = noise<T>(n, true), x = noise<T>(n, false);
@@ -63,8 +60,7 @@ TYPED_TEST(Transform, LengthsThatAreNoPowerOfTwoOnEveryCpuTarget) {
   }
 }
 
-TYPED_TEST(Transform, HalfSpectraAndBack) {
-  using T = TypeParam;
+TEST_BOTH(Transform, HalfSpectraAndBack) {
   for (const Length& length : kLengths) {
     const auto [n, step] = length;
     const Vec<T> x = noise<T>(n, false);
@@ -85,8 +81,7 @@ TYPED_TEST(Transform, HalfSpectraAndBack) {
   }
 }
 
-TYPED_TEST(Transform, CosineCoefficientsAndBack) {
-  using T = TypeParam;
+TEST_BOTH(Transform, CosineCoefficientsAndBack) {
   for (const size_t n : {1, 2, 3, 4, 5, 6, 7, 8, 15, 16, 100, 127, 1000}) {
     const double bound = transform_bound<T>(n) + 2.0 * kEps<T>;  // one more rounding, for the half angles
     const Vec<T> x = noise<T>(n, false);
@@ -116,8 +111,7 @@ TYPED_TEST(Transform, CosineCoefficientsAndBack) {
 }
 
 // A cosine becomes the sine; its offset, and for even n an alternation, have no Hilbert transform.
-TYPED_TEST(Transform, HilbertTurnsACosineIntoTheSine) {
-  using T = TypeParam;
+TEST_BOTH(Transform, HilbertTurnsACosineIntoTheSine) {
   for (const size_t n : {7, 8, 12, 15, 64, 100}) {
     Vec<T> x = noise<T>(n, false), sine = x, z = noise<T>(n, true);
     for (size_t k = 0; k < n; ++k) {
@@ -141,8 +135,7 @@ TYPED_TEST(Transform, HilbertTurnsACosineIntoTheSine) {
 }
 
 // What has nothing to transform, or is refused, keeps everything but the spacing.
-TYPED_TEST(Transform, ShortVectorsAndRefusals) {
-  using T = TypeParam;
+TEST_BOTH(Transform, ShortVectorsAndRefusals) {
   using R = Record<T>;
   const struct {
     std::function<int32_t(R*)> call;
@@ -206,8 +199,7 @@ TYPED_TEST(Transform, ShortVectorsAndRefusals) {
   }
 }
 
-TYPED_TEST(Transform, StorageGrowsToTheConvolutionLengthOnce) {
-  using T = TypeParam;
+TEST_BOTH(Transform, StorageGrowsToTheConvolutionLengthOnce) {
   for (const uint32_t n : {3, 5, 6, 9, 10, 17, 18, 1000, 1025, 1026}) {
     const Vec<T> x = noise<T>(n, true);
     Vec<T> v = x, view;

@@ -21,7 +21,7 @@ template <class T> double metric(uint32_t type, int32_t n, uint32_t which) {
 
 // Six digits and more, where the figure has a closed form: sums over the frame, or the Dirichlet kernel sin(pi f) /
 // (n sin(pi f / n)); to 1e-4 the figures that G. Heinzel, A. Ruediger and R. Schilling (2002) print for type 28.
-TYPED_TEST(WindowFigures, MatchClosedForms) {
+TEST_BOTH(WindowFigures, MatchClosedForms) {
   const struct {
     uint32_t type;
     int32_t n;
@@ -44,7 +44,7 @@ TYPED_TEST(WindowFigures, MatchClosedForms) {
               {DSP_WINDOW_FLAT4, 0, DSP_WINMETRIC_COHERENT_GAIN, 0.239523981482822}};
   // clang-format on
   const auto expect = [](uint32_t type, int32_t n, uint32_t which, double expected, double tolerance) {
-    EXPECT_NEAR(metric<TypeParam>(type, n, which), expected, tolerance * std::max(1.0, std::abs(expected)))
+    EXPECT_NEAR(metric<T>(type, n, which), expected, tolerance * std::max(1.0, std::abs(expected)))
         << type << ' ' << n << ' ' << which;
   };
   for (const int32_t n : {20, 21, 1000, 1 << 24}) {
@@ -78,7 +78,7 @@ struct Level {
 
 // Every type at even and odd n, against plain sums over the window that is applied: the widths are where the response
 // says, the main lobe falls to its edge and nothing beyond rises above the side lobe. 2e-7: the result's own rounding.
-TYPED_TEST(WindowFigures, AreTheSpectrumsOwn) {
+TEST_BOTH(WindowFigures, AreTheSpectrumsOwn) {
   for (uint32_t type = 0; type < 32; ++type) {
     for (const int32_t n : {32, 50, 49}) {
       const Level level(type, n);
@@ -98,14 +98,14 @@ TYPED_TEST(WindowFigures, AreTheSpectrumsOwn) {
                                             {DSP_WINMETRIC_WORST_CASE_LOSS, scalloping + loss},
                                             {DSP_WINMETRIC_OVERLAP_50, apart_half / square},
                                             {DSP_WINMETRIC_OVERLAP_75, apart_quarter / square}}) {
-        EXPECT_NEAR(metric<TypeParam>(type, n, which), expected, 2e-7 * std::max(1.0, expected))
+        EXPECT_NEAR(metric<T>(type, n, which), expected, 2e-7 * std::max(1.0, expected))
             << type << ' ' << n << ' ' << which;
       }
-      const double lobe = metric<TypeParam>(type, n, DSP_WINMETRIC_SIDE_LOBE);
-      const double edge = metric<TypeParam>(type, n, DSP_WINMETRIC_MAIN_LOBE) / 2;
+      const double lobe = metric<T>(type, n, DSP_WINMETRIC_SIDE_LOBE);
+      const double edge = metric<T>(type, n, DSP_WINMETRIC_MAIN_LOBE) / 2;
       const double wide = 1e-4 * std::abs(lobe);
-      EXPECT_NEAR(level(metric<TypeParam>(type, n, DSP_WINMETRIC_WIDTH_3DB) / 2), 10 * std::log10(0.5), 1e-5) << type;
-      EXPECT_NEAR(level(metric<TypeParam>(type, n, DSP_WINMETRIC_WIDTH_6DB) / 2), 20 * std::log10(0.5), 1e-5) << type;
+      EXPECT_NEAR(level(metric<T>(type, n, DSP_WINMETRIC_WIDTH_3DB) / 2), 10 * std::log10(0.5), 1e-5) << type;
+      EXPECT_NEAR(level(metric<T>(type, n, DSP_WINMETRIC_WIDTH_6DB) / 2), 20 * std::log10(0.5), 1e-5) << type;
       EXPECT_LT(level(edge), std::min(level(edge - 0.02), level(edge + 0.02))) << type << ' ' << n;
       double last = level(edge / 2);
       for (double f = edge / 2; f < edge - 0.01; f += 0.03) EXPECT_LE(level(f), std::exchange(last, level(f))) << type;
@@ -117,22 +117,21 @@ TYPED_TEST(WindowFigures, AreTheSpectrumsOwn) {
 
 // An octave far out, among them the types whose ends meet only in their digits. 0.2 dB: what the steps miss, and
 // aliases.
-TYPED_TEST(WindowFigures, FallAlongTheRollOff) {
+TEST_BOTH(WindowFigures, FallAlongTheRollOff) {
   for (const uint32_t type :
        {DSP_WINDOW_BLACKMAN_HARRIS4, DSP_WINDOW_FLAT6, DSP_WINDOW_FLATTOP, DSP_WINDOW_KAISER70, DSP_WINDOW_COS_LOBE,
         DSP_WINDOW_GAUSS60, DSP_WINDOW_UNIFORM, DSP_WINDOW_TRIANGULAR, DSP_WINDOW_HANN, DSP_WINDOW_HAMMING,
         DSP_WINDOW_RIEMANN, DSP_WINDOW_TUKEY25, DSP_WINDOW_BLACKMAN}) {
     const Level level(type, 4096);
-    EXPECT_NEAR(metric<TypeParam>(type, 4096, DSP_WINMETRIC_ROLL_OFF), level.highest(160, 161) - level.highest(80, 81),
-                0.2)
+    EXPECT_NEAR(metric<T>(type, 4096, DSP_WINMETRIC_ROLL_OFF), level.highest(160, 161) - level.highest(80, 81), 0.2)
         << type;
   }
 }
 
-TYPED_TEST(WindowFigures, RefuseWhatHasNone) {
-  TypeParam result = 7;
-  const auto refused = [&](uint32_t type, int32_t n, uint32_t which, TypeParam* into) {
-    EXPECT_TRUE(window_metric.template of<TypeParam>()(type, n, which, into) == -1 && result == 7)
+TEST_BOTH(WindowFigures, RefuseWhatHasNone) {
+  T result = 7;
+  const auto refused = [&](uint32_t type, int32_t n, uint32_t which, T* into) {
+    EXPECT_TRUE(window_metric.template of<T>()(type, n, which, into) == -1 && result == 7)
         << type << ' ' << n << ' ' << which;
   };
   refused(32, 64, 0, &result);

@@ -69,8 +69,8 @@ TEST_BOTH(WindowNames, AllNamesAreFoundInAnyCaseAndOnlyWhole) {
   EXPECT_EQ(window_from_str.template of<T>()("Hann", nullptr), -1);
 }
 
-TYPED_TEST(WindowNames, ShownNamesAreCutAndPaddedToTheBuffer) {
-  const auto show = window_to_str.template of<TypeParam>();
+TEST_BOTH(WindowNames, ShownNamesAreCutAndPaddedToTheBuffer) {
+  const auto show = window_to_str.template of<T>();
   struct Row {
     uint32_t type;
     int32_t size, status;

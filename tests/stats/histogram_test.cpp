@@ -3,11 +3,9 @@
 namespace sigvex_test {
 namespace {
 
-template <class T> struct Histogram : ::testing::Test {};
-TYPED_TEST_SUITE(Histogram, Precisions);
+SUITE_OF_BOTH(Histogram);
 
-TYPED_TEST(Histogram, CountsByBinWithAnInclusiveTopEdge) {
-  using T = TypeParam;
+TEST_BOTH(Histogram, CountsByBinWithAnInclusiveTopEdge) {
   const auto hist = TWIN_OF(s, hist);
   const T top = 4 * (1 + 10 * kEps<T>);
   const struct {
@@ -40,8 +38,7 @@ TYPED_TEST(Histogram, CountsByBinWithAnInclusiveTopEdge) {
 }
 
 // In single precision the tolerance of the top edge spans whole bins here: they must not be counted behind the last.
-TYPED_TEST(Histogram, TheTopEdgeOfManyBinsStaysInside) {
-  using T = TypeParam;
+TEST_BOTH(Histogram, TheTopEdgeOfManyBinsStaysInside) {
   constexpr int32_t bins = 2000000;
   Vec<T> v{static_cast<T>(bins), static_cast<T>(bins) * (1 + 9 * kEps<T>)}, result;
   EXPECT_EQ(TWIN_OF(s, hist)(v, result, 0.0, 1.0, bins), 0);

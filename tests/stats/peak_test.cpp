@@ -3,11 +3,9 @@
 namespace sigvex_test {
 namespace {
 
-template <class T> struct Peak : ::testing::Test {};
-TYPED_TEST_SUITE(Peak, Precisions);
+SUITE_OF_BOTH(Peak);
 
-TYPED_TEST(Peak, FindsAndRefines) {
-  using T = TypeParam;
+TEST_BOTH(Peak, FindsAndRefines) {
   constexpr T huge = kHuge<T>, nan = kNaN<T>, inf = kInf<T>;
   constexpr T offset = T(0.792233201343665), curvature = T(0.6260852964868817), shape = T(0.02036);
   const auto gauss = [=](T ratio) { return std::log(ratio) * offset; };

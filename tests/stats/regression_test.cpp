@@ -6,8 +6,7 @@
 namespace sigvex_test {
 namespace {
 
-template <class T> struct Regression : ::testing::Test {};
-TYPED_TEST_SUITE(Regression, Precisions);
+SUITE_OF_BOTH(Regression);
 
 template <class T> Vec<T> line(const Record<T>* x, const Vec<T>& y) {
   Vec<T> result{7};
@@ -19,8 +18,7 @@ template <class T> Vec<T> line(const Record<T>* x, const Vec<T>& y) {
 
 // The data set Norris of the Statistical Reference Datasets (NIST), certified to 15 digits. Its sums of squares round
 // to some 1e-15, s^2 being 1e-7 of them; the float data are rounded, which moves s itself.
-TYPED_TEST(Regression, MatchesCertifiedValues) {
-  using T = TypeParam;
+TEST_BOTH(Regression, MatchesCertifiedValues) {
   const Vec<T> x{T(0.2),   T(337.4), T(118.2), T(884.6), T(10.1),  T(226.5), T(666.3), T(996.3), T(448.6),
                  T(777.0), T(558.2), T(0.4),   T(0.6),   T(775.5), T(666.9), T(338.0), T(447.5), T(11.6),
                  T(556.0), T(228.1), T(995.8), T(887.6), T(120.2), T(0.3),   T(0.3),   T(556.8), T(339.1),
@@ -44,8 +42,7 @@ TYPED_TEST(Regression, MatchesCertifiedValues) {
 }
 
 // Small integers, whose sums are exact.
-TYPED_TEST(Regression, SmallCasesAreExact) {
-  using T = TypeParam;
+TEST_BOTH(Regression, SmallCasesAreExact) {
   constexpr T huge = kHuge<T>;
   const T third = T(1) / 3, root = std::sqrt(T(2)) / 2, tail = T(12.706204736174706);  // t of 1 degree of freedom
   const T sb = T(std::sqrt(1.0 / 12)), sa = T(std::sqrt(5.0 / 36)), s = T(std::sqrt(1.0 / 6));
@@ -77,8 +74,7 @@ TYPED_TEST(Regression, SmallCasesAreExact) {
 
 // The bounds over the standard errors are Student's t, to the digits of the published tables, on both sides of the
 // change of method too.
-TYPED_TEST(Regression, BoundsFollowStudentsDistribution) {
-  using T = TypeParam;
+TEST_BOTH(Regression, BoundsFollowStudentsDistribution) {
   const std::pair<size_t, double> quantiles[] = {
       {1, 12.706204736174706},  {2, 4.302652729749462},    {3, 3.182446305283708},   {10, 2.228138851986274},
       {100, 1.983971518523552}, {1000, 1.962339080826408}, {1001, 1.962336705280880}};
@@ -92,8 +88,7 @@ TYPED_TEST(Regression, BoundsFollowStudentsDistribution) {
 }
 
 // A large offset of either variable, and many points, cost no more than the rounding of the data themselves.
-TYPED_TEST(Regression, OffsetsDoNotCancel) {
-  using T = TypeParam;
+TEST_BOTH(Regression, OffsetsDoNotCancel) {
   const T far = T(0.25) / kEps<T>;  // integers up to it and 4096 beyond are exact
   std::vector<T> x, y, far_x, far_y;
   for (int k = 0; k < 5000; ++k) {
@@ -107,8 +102,7 @@ TYPED_TEST(Regression, OffsetsDoNotCancel) {
     EXPECT_NEAR(shifted[k], near[k], (sizeof(T) == 8 ? 1e-12 : 4e-7) * std::abs(near[k])) << k;
 }
 
-TYPED_TEST(Regression, RefusesWhatHasNoLine) {
-  using T = TypeParam;
+TEST_BOTH(Regression, RefusesWhatHasNoLine) {
   const Vec<T> two{1, 2}, one{1}, none, alike{T(0.1), T(0.1)}, complex = Vec<T>::pairs({{1, 2}, {3, 4}});
   Vec<T> result{7}, still{1, 2, 3};
   still->delta = 0;

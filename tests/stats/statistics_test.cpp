@@ -47,8 +47,7 @@ template <class T> Vec<T> result_of(std::string_view name, const Vec<T>& input) 
   return result;
 }
 
-template <class T> struct Statistics : ::testing::Test {};
-TYPED_TEST_SUITE(Statistics, Precisions);
+SUITE_OF_BOTH(Statistics);
 
 template <class T> Vec<T> noise(size_t n, bool complex) {
   std::minstd_rand random(static_cast<unsigned>(n) + 1);
@@ -71,8 +70,7 @@ template <class T, class Term> T sum_of_blocks(size_t n, Term term) {
   return total;
 }
 
-TYPED_TEST(Statistics, SumsRunInBlocksToTheLastBitOnEveryTarget) {
-  using T = TypeParam;
+TEST_BOTH(Statistics, SumsRunInBlocksToTheLastBitOnEveryTarget) {
   for_each_cpu_target([](const char* target) {
     for (size_t n : {1, 2, 3, 4, 5, 2047, 2048, 2049, 4095, 4096, 4097, 16 * 2048 + 17, 27 * 2048 - 1}) {
       SCOPED_TRACE(target + std::to_string(n));
@@ -106,8 +104,7 @@ TYPED_TEST(Statistics, SumsRunInBlocksToTheLastBitOnEveryTarget) {
 // powers is off by at most g R^p, g being epsilon times the longest chain of additions and some products; the factors
 // count the means that enter. An offset costs nothing where it cancels before anything is squared. The excess is
 // measured without one, as its deviations are from a rounded mean; R^2 / var bounds a kurtosis.
-TYPED_TEST(Statistics, AgreeWithExtendedPrecisionWhateverTheOffset) {
-  using T = TypeParam;
+TEST_BOTH(Statistics, AgreeWithExtendedPrecisionWhateverTheOffset) {
   constexpr size_t n = 5000;
   for (T offset : {T(0), T(4096), T(-4096)}) {
     std::minstd_rand random(1);
@@ -141,8 +138,7 @@ TYPED_TEST(Statistics, AgreeWithExtendedPrecisionWhateverTheOffset) {
   }
 }
 
-TYPED_TEST(Statistics, AtTheEdges) {
-  using T = TypeParam;
+TEST_BOTH(Statistics, AtTheEdges) {
   constexpr T huge = kHuge<T>, inf = kInf<T>, nan = kNaN<T>, most = std::numeric_limits<T>::max();
   // Alone among 16 zeros its fourth power survives in the mean of fourth powers, but not in the squared variance.
   const T faint = std::ldexp(T(1), sizeof(T) == 8 ? -267 : -36);
@@ -202,8 +198,7 @@ TYPED_TEST(Statistics, AtTheEdges) {
   });
 }
 
-TYPED_TEST(Statistics, TheFirstOfEqualsWinsAcrossBlocks) {
-  using T = TypeParam;
+TEST_BOTH(Statistics, TheFirstOfEqualsWinsAcrossBlocks) {
   const T least = T(-0.0);
   for_each_cpu_target([&](const char* target) {
     for (size_t first : {0, 2047, 2048, 9000}) {
@@ -223,8 +218,7 @@ TYPED_TEST(Statistics, TheFirstOfEqualsWinsAcrossBlocks) {
 }
 
 // Spread out, all in one class, and with the two middle ones far apart.
-TYPED_TEST(Statistics, TheMedianOfManyIsThatOfTheSorted) {
-  using T = TypeParam;
+TEST_BOTH(Statistics, TheMedianOfManyIsThatOfTheSorted) {
   for (const size_t n : {65535, 65536, 70001, 131072}) {
     Vec<T> spread = noise<T>(n, false), alike(std::vector<T>(n, T(-0.1))), apart(spread);
     for (size_t k = 0; k < n; ++k) apart[k] = k % 2 ? kInf<T> : k % 64 ? T(-2) : kNaN<T>;
@@ -237,8 +231,7 @@ TYPED_TEST(Statistics, TheMedianOfManyIsThatOfTheSorted) {
   }
 }
 
-TYPED_TEST(Statistics, OfNothingTheResultIsStated) {
-  using T = TypeParam;
+TEST_BOTH(Statistics, OfNothingTheResultIsStated) {
   for (const Statistic<T>& row : statistics<T>()) {
     Vec<T> none, complex = Vec<T>::pairs({}), result{7, 7, 7};
     EXPECT_EQ(row.of(complex, result), row.takes_complex ? 0 : -1) << row.name;
@@ -250,8 +243,7 @@ TYPED_TEST(Statistics, OfNothingTheResultIsStated) {
   }
 }
 
-TYPED_TEST(Statistics, OfOneRecordOrSharedStorageEqualTheSeparateResult) {
-  using T = TypeParam;
+TEST_BOTH(Statistics, OfOneRecordOrSharedStorageEqualTheSeparateResult) {
   for (const Statistic<T>& row : statistics<T>()) {
     for (const bool complex : {false, true}) {
       if (complex && !row.takes_complex) continue;
