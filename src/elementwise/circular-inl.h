@@ -25,19 +25,23 @@ template <class T> struct Reduced {
   M<T> fine;
 };
 
+// x - n pi/2, where that is within pi/2 or so and the products of n are exact.
+template <class T> HWY_INLINE Sum<T> less_right_angles(V<T> x, V<T> n) {
+  if constexpr (kFused) {
+    const V<T> second = set<T>(kRightAngle<T>[1]), rest = negmuladd(n, set<T>(kRightAngle<T>[0]), x);
+    const V<T> high = negmuladd(n, second, rest);
+    return {high, negmuladd(n, set<T>(kRightAngle<T>[2]), negmuladd(n, second, rest - high))};
+  } else {
+    const V<T> rest = x - n * set<T>(kRightAngleUnfused<T>[0]);
+    const V<T> second = n * set<T>(kRightAngleUnfused<T>[1]), high = rest - second;
+    return fast_sum<T>(high, ((rest - high) - second) - n * set<T>(kRightAngleUnfused<T>[2]));
+  }
+}
+
 template <class T> HWY_INLINE Reduced<T> reduced(V<T> magnitude) {
   const Whole<T> n = whole<T>(magnitude, 2 * std::numbers::inv_pi);
   constexpr double kFar = kDouble<T> ? 0x1.9p+20 : kFused ? 0x1p17 : 0x1.9p12, kNear = kDouble<T> ? 0x1p-33 : 0x1p-24;
-  Sum<T> r;
-  if constexpr (kFused) {
-    const V<T> second = set<T>(kRightAngle<T>[1]), rest = negmuladd(n.value, set<T>(kRightAngle<T>[0]), magnitude);
-    r.high = negmuladd(n.value, second, rest);
-    r.low = negmuladd(n.value, set<T>(kRightAngle<T>[2]), negmuladd(n.value, second, rest - r.high));
-  } else {
-    const V<T> rest = magnitude - n.value * set<T>(kRightAngleUnfused<T>[0]);
-    const V<T> second = n.value * set<T>(kRightAngleUnfused<T>[1]), high = rest - second;
-    r = fast_sum<T>(high, ((rest - high) - second) - n.value * set<T>(kRightAngleUnfused<T>[2]));
-  }
+  const Sum<T> r = less_right_angles<T>(magnitude, n.value);
   const M<T> near = hn::Le(magnitude, set<T>(kFar));
   return {n.bits, r, hn::And(near, hn::Ge(hn::Abs(r.high), magnitude * set<T>(kNear)))};
 }
