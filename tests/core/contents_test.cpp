@@ -9,19 +9,17 @@ TWIN(u, subvec);
 SUITE_OF_BOTH(Contents);
 
 TEST_BOTH(Contents, AppendTurnsComplexWhereEitherIs) {
-  Vec<T> v{1, 2}, complex = Vec<T>::pairs({{3, 4}}), tail{7}, view;
+  Vec<T> v{1, 2}, complex = Vec<T>::pairs({{3, 4}}), tail{7};
   v->delta = T(0.5);
   EXPECT_EQ(append(v, complex) + append(v, tail), 0);
   EXPECT_TRUE(exactly(v, {1, 0, 2, 0, 3, 4, 7, 0}));
   EXPECT_TRUE(v->complex == 1 && v->delta == T(0.5));
   EXPECT_EQ(append(tail, tail), 0);
   EXPECT_TRUE(exactly(tail, {7, 7}));
-  view->data = v->data + 2;  // moves with the growth of what it lies in
-  view->points = 2;
+  Vec<T> view = Vec<T>::over(v->data + 2, 2);  // moves with the growth of what it lies in
   EXPECT_EQ(append(v, view), 0);
   EXPECT_TRUE(exactly(v, {1, 0, 2, 0, 3, 4, 7, 0, 2, 0, 0, 0}));
-  view->data = v->data + 2;
-  view->points = INT32_MAX;  // of which only what is copied may be read
+  view = Vec<T>::over(v->data + 2, INT32_MAX);  // of which only what is copied may be read
   EXPECT_EQ(subvec(view, v, 2, 2), 0);
   EXPECT_TRUE(exactly(v, {3, 4}));
   EXPECT_EQ(append(v, view), -1);
@@ -34,10 +32,9 @@ TEST_BOTH(Contents, SubvecClampsStartAndCount) {
     std::vector<T> expected;
   } rows[] = {{1, 2, {2, 3}}, {9, 2, {}}, {2, 99, {3, 4}}, {0, -1, {}}, {-5, 2, {1, 2}}, {0, INT32_MAX, {1, 2, 3, 4}}};
   for (const auto& [start, count, expected] : rows) {
-    Vec<T> source{1, 2, 3, 4}, destination{9, 9}, view;
-    source->delta = view->delta = 3;
-    view->data = source->data;
-    view->points = 4;
+    Vec<T> source{1, 2, 3, 4}, destination{9, 9};
+    source->delta = 3;
+    Vec<T> view = source.view();
     EXPECT_EQ(subvec(source, destination, start, count) + subvec(view, view, start, count), 0);
     EXPECT_TRUE(exactly(source, {1, 2, 3, 4}));  // which the view has left
     EXPECT_EQ(subvec(source, source, start, count), 0);

@@ -45,9 +45,7 @@ TEST_BOTH(Storage, CapacityIsExactReusedAndNeverShrinks) {
 TEST_BOTH(Storage, AViewIsLeftBehindByGrowth) {
   T storage[] = {1, 2, 3};
   for (const bool keep : {false, true}) {
-    Vec<T> v;
-    v->data = storage;
-    v->points = 4;
+    Vec<T> v = Vec<T>::over(storage, 4);
     EXPECT_EQ(keep ? realloc(v, 3, 0) : alloc(v), 0);
     EXPECT_TRUE(v->data != storage && v->allocated == 4);
     EXPECT_TRUE(!keep || (v[0] == 1 && v[1] == 2 && v[2] == 3));
@@ -60,8 +58,7 @@ TEST_BOTH(Storage, MoreScalarsThanTheRecordCanCountAreRefused) {
   Vec<T> one{2};
   for (const int call : {0, 1, 2}) {
     for (const bool owning : {false, true}) {
-      Vec<T> v = owning ? Vec<T>{1} : Vec<T>{};
-      if (!owning) v->data = storage;
+      Vec<T> v = owning ? Vec<T>{1} : Vec<T>::over(storage, 1);
       v->points = INT32_MAX;  // claims more than there is: refused before anything is read
       v->complex = call != 2;
       EXPECT_EQ(call == 0 ? alloc(v) : call == 1 ? realloc(v, 1, 0) : append(v, one), -1);

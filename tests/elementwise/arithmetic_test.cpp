@@ -9,19 +9,16 @@ SUITE_OF_BOTH(Arithmetic);
 TEST_BOTH(Arithmetic, ExactResults) {
   const T inf = kInf<T>, nan = kNaN<T>, huge = kHuge<T>, over = std::nextafter(huge, inf), least = T(-0.0);
   const T max = std::numeric_limits<T>::max(), k = 1 / T(25);
-  const InPlace<T> times = [](auto* v) { return TWIN_OF(i, scale)(v, T(-2.5)); };
-  const InPlace<T> plus = [](auto* v) { return TWIN_OF(i, offset)(v, T(3)); };
-  const InPlace<T> rotate = [](auto* v) { return TWIN_OF(i, cscale)(v, T(2), T(-3)); };
   // clang-format off
   check<T>({{TWIN_ROW(i, abs), kRealOnly, {-2, least, -inf, nan, 3}, {2, 0, inf, nan, 3}},
             {TWIN_ROW(i, neg), kReal, {-2, least, 0, inf, nan}, {2, 0, least, -inf, nan}},
             {TWIN_ROW(i, neg), kComplex, {1, least}, {-1, 0}},
-            {"scale", times, kReal, {2, least, inf, nan, max}, {-5, 0, -inf, nan, -inf}},
-            {"scale", times, kComplex, {2, -4}, {-5, 10}},
-            {"offset", plus, kReal, {2, -3, inf, nan}, {5, 0, inf, nan}},
-            {"offset", plus, kComplex, {2, -4, nan, nan}, {5, -4, nan, nan}},
-            {"cscale", rotate, kToComplex, {1, -2, 0}, {2, -3, -4, 6, 0, least}},
-            {"cscale", rotate, kComplex, {1, 2, nan, 0}, {8, 1, nan, nan}},
+            {"scale", WITH(i, scale, T(-2.5)), kReal, {2, least, inf, nan, max}, {-5, 0, -inf, nan, -inf}},
+            {"scale", WITH(i, scale, T(-2.5)), kComplex, {2, -4}, {-5, 10}},
+            {"offset", WITH(i, offset, 3), kReal, {2, -3, inf, nan}, {5, 0, inf, nan}},
+            {"offset", WITH(i, offset, 3), kComplex, {2, -4, nan, nan}, {5, -4, nan, nan}},
+            {"cscale", WITH(i, cscale, 2, -3), kToComplex, {1, -2, 0}, {2, -3, -4, 6, 0, least}},
+            {"cscale", WITH(i, cscale, 2, -3), kComplex, {1, 2, nan, 0}, {8, 1, nan, nan}},
             {TWIN_ROW(i, timesi), kToComplex, {1, least, 3}, {0, 1, 0, least, 0, 3}},
             {TWIN_ROW(i, timesi), kComplex, {1, 2, 0, least}, {-2, 1, 0, 0}},
             {TWIN_ROW(i, square), kReal, {-3, least, -inf, nan}, {9, 0, inf, nan}},

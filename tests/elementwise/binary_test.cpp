@@ -19,14 +19,13 @@ template <class T> struct Operation {
 
 template <class T> std::vector<Operation<T>> operations() {
   const T third = T(1) / 3, part = T(1) / 25, q = T(2.5), h = T(0.5);
-  const auto averaged = [](auto* a, auto* b, auto* result) { return TWIN_OF(b, avg_add)(a, b, result, T(0.25)); };
   return {{TWIN_ROW(b, add), {{4}, {4, 2}, {4, -4}, {4, -2}}, 2, true},
           {TWIN_ROW(b, sub), {{-2}, {-2, 2}, {-2, 4}, {-2, 6}}, 2, true},
           {TWIN_ROW(b, mul), {{3}, {3, 6}, {3, -4}, {11, 2}}},
           {TWIN_ROW(b, div), {{third}, {third, 2 * third}, {3 * part, 4 * part}, {-5 * part, 10 * part}}},
           {TWIN_ROW(b, max), {{3}, {3, 0}, {3, -4}, {3, -4}}},
           {TWIN_ROW(b, min), {{1}, {1, 2}, {1, 0}, {1, 2}}},
-          {"avg_add", averaged, {{q}, {q, h}, {q, -3}, {q, -q}}},
+          {"avg_add", WITH(b, avg_add, T(0.25)), {{q}, {q, h}, {q, -3}, {q, -q}}},
           {TWIN_ROW(b, conj_mul), {{3}, {3, 6}, {3, 4}, {-5, 10}}},
           {TWIN_ROW(b, ritoc), {{1, 3}, {}, {}, {}}, h, false, false},
           {TWIN_ROW(b, inter), {{1, 3}, {1, 2, 3, 0}, {1, 0, 3, -4}, {1, 2, 3, -4}}, h, false, false},
@@ -34,12 +33,7 @@ template <class T> std::vector<Operation<T>> operations() {
           {TWIN_ROW(b, pmul), {{3}, {3, 6}, {3, -4}, {11, 2}}, 1, true, false}};
 }
 
-template <class T> void view(Vec<T>& over, const Vec<T>& of, size_t offset = 0) {
-  over = Vec<T>();
-  *over.get() = *of.operator->();
-  over->data += offset;
-  over->allocated = 0;
-}
+template <class T> void view(Vec<T>& over, Vec<T>& of, size_t offset = 0) { over = of.view(), over->data += offset; }
 
 // How a result may share record or storage with one input, or with both.
 template <class T> struct Placement {
@@ -62,10 +56,7 @@ template <class T> struct Placement {
                std::vector<T> longer = x->samples();
                longer.insert(longer.begin(), 0);
                longer.resize(14);
-               V block(longer);
-               block->points = 5;
-               block->complex = (*x)->complex;
-               own = std::move(block), view(*x, own, 1);
+               own = V(longer, (*x)->complex), own->points = 5, view(*x, own, 1);
              }}};
   }
 };
@@ -74,9 +65,8 @@ template <class T> struct Placement {
 template <class T> Vec<T> sampled(T first, bool complex, size_t spare) {
   std::vector<T> samples((complex ? 10 : 5) + spare);
   for (T& x : samples) x = first += T(0.5);
-  Vec<T> v(samples);
+  Vec<T> v(samples, complex);
   v->points = 5;
-  v->complex = complex;
   v->delta = first;
   return v;
 }
@@ -90,8 +80,7 @@ template <class T> void expect_as_separate(const Operation<T>& operation, Vec<T>
   const int32_t status = operation.call(kept_a, kept_b, expected);
   ASSERT_EQ(operation.call(a, b, result), status);
   if (status == 0) {
-    EXPECT_TRUE(exactly(result, expected.samples()));
-    EXPECT_TRUE(result->complex == expected->complex && result->delta == expected->delta);
+    EXPECT_TRUE(same(result, expected));
     EXPECT_GE(static_cast<size_t>(result->allocated), expected.size());
   }
   for (const auto& [input, before] : {std::pair(&a, &kept_a), std::pair(&b, &kept_b)}) {
@@ -160,7 +149,7 @@ TEST_BOTH(Binary, FormsLengthsAndDelta) {
 TEST_BOTH(Binary, EachRuleAtItsEdges) {
   constexpr T nan = kNaN<T>, inf = kInf<T>, huge = kHuge<T>, tiny = kTiny<T>, least = T(-0.0);
   const T beyond = std::nextafter(huge, inf), wide = 4 * std::sqrt(huge);  // |wide|^2 > huge
-  const auto z = [](const std::vector<T>& scalars) { return make<T>(scalars, true); };
+  const auto z = [](const std::vector<T>& scalars) { return Vec<T>(scalars, true); };
   const Call<T> quotient = TWIN_OF(b, div), larger = TWIN_OF(b, max), smaller = TWIN_OF(b, min), dot = TWIN_OF(bs, dot);
   const Call<T> sum = TWIN_OF(b, add), difference = TWIN_OF(b, sub), product = TWIN_OF(b, pmul);
   const struct {
@@ -193,10 +182,8 @@ TEST_BOTH(Binary, EachRuleAtItsEdges) {
     EXPECT_TRUE(exactly(result, row.expected) && exactly(a, row.expected)) << &row - rows;
   }
   for (const Call<T> call : {TWIN_OF(b, add), TWIN_OF(b, mul), TWIN_OF(b, pmul)}) {
-    Vec<T> result{7, 8}, many;  // claims more than fits, from the result's own block on: refused before it is read
-    many->data = result->data + 1;
-    many->points = 1 << 30;
-    many->complex = 1;
+    Vec<T> result{7, 8};  // claims more than fits, from the result's own block on: refused before it is read
+    const Vec<T> many = Vec<T>::over(result->data + 1, 1 << 30, 1);
     EXPECT_EQ(call(many, many, result), -1);
     EXPECT_TRUE(result->data == nullptr && result->points == 0);
   }

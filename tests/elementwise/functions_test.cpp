@@ -17,13 +17,12 @@ TEST_BOTH(Functions, ExponentialsLogarithmsAndRoots) {
   const T ln10 = static_cast<T>(2.302585092994045684L), log10e = static_cast<T>(0.4342944819032518);
   const T half = T(0.5), square = huge * huge, e = std::exp(T(1)), hundred = std::exp(2 * ln10);
   const T root = std::sqrt(huge), eighth = std::atan2(inf, inf) / 2;
-  const InPlace<T> db20 = [](auto* v) { return TWIN_OF(i, db)(v, T(20)); };
   // clang-format off
   check<T>({{TWIN_ROW(i, log), kReal, {1, tiny, under, 0, least, -1, -inf, nan, inf},
              {0, std::log(tiny), floor, floor, floor, floor, floor, floor, inf}},
             {TWIN_ROW(i, log10), kReal, {1, 1000, tiny, under, least, -1, nan, inf},
              {0, 3, std::log10(tiny), floor10, floor10, floor10, floor10, inf}},
-            {"db", db20, kReal, {10, under, -1, nan}, {20, 20 * floor10, 20 * floor10, 20 * floor10}},
+            {"db", WITH(i, db, 20), kReal, {10, under, -1, nan}, {20, 20 * floor10, 20 * floor10, 20 * floor10}},
             {TWIN_ROW(i, exp), kReal, {0, least, ln_huge, std::nextafter(ln_huge, inf), 1000, inf, -1000, -inf, nan},
              {1, 1, std::exp(ln_huge), huge, huge, huge, 0, 0, nan}},
             {TWIN_ROW(i, exp10), kReal, {0, std::nextafter(log10_huge, inf), inf, log10_huge, -huge, -inf, nan},
@@ -37,7 +36,7 @@ TEST_BOTH(Functions, ExponentialsLogarithmsAndRoots) {
             {TWIN_ROW(i, log10), kComplex, {10, 0, 0, 0, small, small, inf, over, nan, 0},
              {1, 0, floor10, 0, floor10, 0, half * std::log10(square + square), log10e * std::atan2(huge, huge),
               half * std::log10(square), log10e * pi}},
-            {"db", db20, kComplex, {0, 10, 0, 0}, {20, 20 * log10e * std::atan2(T(10), T(0)), 20 * floor10, 0}},
+            {"db", WITH(i, db, 20), kComplex, {0, 10, 0, 0}, {20, 20 * log10e * std::atan2(T(10), T(0)), 20 * floor10, 0}},
             {TWIN_ROW(i, exp), kComplex, {0, 0, 1000, 0, 1, -2, -inf, 1},
              {1, 0, huge, 0, e * std::cos(T(-2)), e * std::sin(T(-2)), 0, 0}},
             // the angle is a number of the precision, however far it is
@@ -68,8 +67,7 @@ TEST_BOTH(Functions, OfComplexPointsAreInverse) {
 
 TEST_BOTH(Functions, TrigonometryAndBesselAtTheirEdges) {
   const T inf = kInf<T>, nan = kNaN<T>, pi = static_cast<T>(kPi), over = 1 + kEps<T>, least = T(-0.0), huge = kHuge<T>;
-  const T denormal = std::numeric_limits<T>::denorm_min(),
-          half = make<T>({T(0.5)}, false)[0];  // at run time, as in the library
+  const T denormal = std::numeric_limits<T>::denorm_min(), half = Vec<T>{T(0.5)}[0];  // at run time, as in the library
   const T above = std::nextafter(static_cast<T>(std::log(static_cast<long double>(huge))), inf);
   // clang-format off
   check<T>({{TWIN_ROW(i, acos), kRealOnly, {1, -1, half, over, -over, inf, -inf, nan},

@@ -20,13 +20,6 @@ template <class T> struct Exact {
   std::vector<T> in, out;  // scalars
 };
 
-template <class T> Vec<T> make(const std::vector<T>& scalars, bool complex) {
-  Vec<T> v(scalars);
-  v->complex = complex;
-  if (complex) v->points /= 2;
-  return v;
-}
-
 // Identical, or off by at most so many units in the last place of what is expected, if that is a number other than 0.
 template <class T> bool within_ulps(T x, T expected, int ulps) {
   if (identical(x, expected) || ulps == 0 || expected == 0 || !std::isfinite(expected)) return identical(x, expected);
@@ -45,9 +38,7 @@ template <class T> void check(const std::vector<Exact<T>>& rows, int ulps = 0) {
     for (size_t copies = 0; copies < 20; ++copies) {
       for (const bool view : {false, true}) {
         SCOPED_TRACE(row.name + std::to_string(copies) + (view ? " view" : ""));
-        Vec<T> storage = make(in, row.forms == kComplex || row.forms == kToReal), v;
-        *v.get() = *storage.get();
-        (view ? v : storage)->allocated = 0;
+        Vec<T> storage(in, row.forms == kComplex || row.forms == kToReal), v = view ? storage.view() : storage;
         v->delta = T(0.3);
         EXPECT_EQ(row.operation(v), 0);
         EXPECT_TRUE(scalars_agree(v, out, [=](T x, T e) { return within_ulps(x, e, ulps); }));

@@ -8,9 +8,7 @@ TWINS(c, fir, fir2);
 SUITE_OF_BOTH(Design);
 
 template <class T> Vec<T> designed(int32_t n, int32_t type, double p1, double p2 = 0, bool complex = false) {
-  Vec<T> v;
-  v->points = n;
-  v->complex = complex;
+  Vec<T> v = Vec<T>::over(nullptr, n, complex);
   EXPECT_EQ(fir(v, type, p1, p2), 0);
   return v;
 }
@@ -94,9 +92,7 @@ TEST_BOTH(Design, KernelsFollowTheirShape) {
 TEST_BOTH(Design, RefusesAfterSizing) {
   for (const int n : {0, 4, 5}) {
     for (int32_t type = -1; type <= 11; ++type) {
-      Vec<T> v;
-      v->points = n;
-      v->complex = 1;
+      Vec<T> v = Vec<T>::over(nullptr, n, 1);
       const bool refused = type < 0 || type > 10 || ((type == 1 || type == 2) && n % 2 == 0);
       EXPECT_EQ(fir(v, type, 0.2, 0.1), refused ? -1 : 0) << n << ' ' << type;
       EXPECT_TRUE(v->points == n && v->allocated == 2 * n && v->complex == !refused) << n << ' ' << type;

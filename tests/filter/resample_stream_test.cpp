@@ -91,9 +91,7 @@ void expect_outputs(const Vec<T>& in, const Coef<T>& coef, const std::vector<Wid
   }
   EXPECT_EQ(whole.offset(), blocks.offset());
   EXPECT_TRUE(exactly(Vec<T>(cut_up), joined));
-  Vec<T> result(joined);
-  if (in->complex) result->points /= 2;
-  result->complex = in->complex;
+  const Vec<T> result(joined, in->complex);
   ASSERT_EQ(static_cast<size_t>(result->points), expected.size());
   // The cubic's error and that of the gain lie below the attenuation; 96 to 672 products are rounded.
   EXPECT_LT((transform_error(result, [&](size_t k) { return expected[k]; })),

@@ -13,10 +13,7 @@ template <class T> Vec<T> whole(const Vec<T>& half) {
   std::vector<T> taps = half.samples();
   for (size_t k = n - 1; k-- > 0;)
     for (size_t part = 0; part < width; ++part) taps.push_back(half[k * width + part]);
-  Vec<T> result(taps);
-  result->points = 2 * half->points - 1;
-  result->complex = half->complex;
-  return result;
+  return {taps, half->complex != 0};
 }
 
 // The decimating form, in place, beside the two operations in turn.

@@ -13,14 +13,6 @@ TWIN(c, rand);
 
 SUITE_OF_BOTH(Generators);
 
-template <class T> Vec<T> blank(int32_t n, bool complex, T delta = 1) {
-  Vec<T> v;
-  v->points = n;
-  v->complex = complex;
-  v->delta = delta;
-  return v;
-}
-
 // The oscillators' defining recurrence, one sample after the other.
 template <class T> std::vector<std::complex<T>> phasors(int n, T delta, double frequency, double phase) {
   constexpr double pi = 3.141592653589793;
@@ -40,7 +32,7 @@ TEST_BOTH(Generators, OscillatorsTurnAndRestartExactlyOnEveryTarget) {
     for (const int n : {0, 1, 255, 256, 257, 1023, 1024, 1025, 2303, 6000}) {
       const std::vector<std::complex<T>> expected = phasors<T>(n, T(0.01), 3.7, 0.3);
       for (const bool wide : {false, true}) {
-        Vec<T> cosine = blank<T>(n, wide, T(0.01)), turning = blank<T>(n, wide, T(0.01));
+        Vec<T> cosine = Vec<T>::over(nullptr, n, wide, T(0.01)), turning = Vec<T>::over(nullptr, n, wide, T(0.01));
         std::vector<T> real;
         for (const std::complex<T> p : expected) real.insert(real.end(), wide ? 2 : 1, p.real());
         for (size_t k = 1; wide && k < real.size(); k += 2) real[k] = 0;
@@ -54,7 +46,7 @@ TEST_BOTH(Generators, OscillatorsTurnAndRestartExactlyOnEveryTarget) {
 }
 
 TEST_BOTH(Generators, TheLineIsARunningSum) {
-  Vec<T> real = blank<T>(3000, false, T(0.1)), complex = blank<T>(3000, true, T(0.1));
+  Vec<T> real = Vec<T>::over(nullptr, 3000, false, T(0.1)), complex = Vec<T>::over(nullptr, 3000, true, T(0.1));
   EXPECT_EQ(line(real.get(), 0.7, -2.0) | line(complex.get(), 0.7, -2.0), 0);
   T value = -2;
   for (size_t k = 0; k < 3000; ++k, value += static_cast<T>(0.7 * static_cast<double>(T(0.1)))) {
@@ -82,7 +74,7 @@ TEST_BOTH(Generators, NoiseHasTheMomentsAndTailsOfItsDistribution) {
         Row{DSP_RAND_GAUSS, false, 0, normal, 1, normal_tail}, Row{DSP_RAND_GAUSS, true, 0, normal, 1, normal_tail},
         Row{DSP_RAND_EXPONENTIAL, false, 1, 1, 2, tail}, Row{DSP_RAND_LAPLACE, false, 0, 1, 2, tail / 2}}) {
     SCOPED_TRACE(::testing::Message() << kind << complex);
-    Vec<T> v = blank<T>(200001, complex);
+    Vec<T> v = Vec<T>::over(nullptr, 200001, complex);
     ASSERT_EQ(rand(v.get(), kind), 0);
     const auto x = [&](size_t k) { return static_cast<double>(v[k]); };
     const auto neighbours = [&](size_t k) { return x(k) * x(k - 1); };  // of one point, pair or draw, or not
@@ -100,7 +92,7 @@ TEST_BOTH(Generators, NoiseHasTheMomentsAndTailsOfItsDistribution) {
 TEST_BOTH(Generators, RefusedKindsLeaveTheStorageSized) {
   for (const int32_t kind : {-1, 0, 1, 2, 3, 4}) {
     for (const bool complex : {false, true}) {
-      Vec<T> v = blank<T>(5, complex);
+      Vec<T> v = Vec<T>::over(nullptr, 5, complex);
       EXPECT_EQ(rand(v.get(), kind), kind >= 0 && kind < (complex ? 2 : 4) ? 0 : -1);
       EXPECT_TRUE(v->allocated == (complex ? 10 : 5) && v->points == 5 && v->complex == complex);
     }

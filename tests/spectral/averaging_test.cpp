@@ -95,9 +95,7 @@ TEST_BOTH(Averaging, TheFrameIsWindowedScaledAndTransformedAsItsFlagsSay) {
       for (const bool complex : {false, true}) {
         for (uint32_t flags = 0; flags < 256; flags += 2) {
           SCOPED_TRACE(::testing::Message() << n << ' ' << type << ' ' << complex << ' ' << flags);
-          Vec<T> x, y;
-          x->points = n;
-          x->complex = complex;
+          Vec<T> x = Vec<T>::over(nullptr, n, complex), y;
           ASSERT_EQ((Twin{&dspc_rand, &dspfc_rand})(x.get(), 0), 0);
           x->delta = T(0.5);
           Vec<T> frame = x;

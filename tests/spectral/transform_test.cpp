@@ -202,13 +202,11 @@ TEST_BOTH(Transform, ShortVectorsAndRefusals) {
 TEST_BOTH(Transform, StorageGrowsToTheConvolutionLengthOnce) {
   for (const uint32_t n : {3, 5, 6, 9, 10, 17, 18, 1000, 1025, 1026}) {
     const Vec<T> x = noise<T>(n, true);
-    Vec<T> v = x, view;
+    Vec<T> v = x;
     ASSERT_EQ(dft(v.get(), 0U), 0);
     EXPECT_EQ(v->allocated, static_cast<int32_t>(2 * std::bit_ceil(2 * n - 2))) << n;
     const std::vector<T> first = v.samples();
-    view->data = x->data;  // of a view, the storage is left
-    view->points = x->points;
-    view->complex = 1;
+    Vec<T> view = Vec<T>::over(x->data, x->points, 1);  // of a view, the storage is left
     EXPECT_EQ(dft(view.get(), 0U), 0);
     EXPECT_EQ(view->allocated, v->allocated) << n;
     EXPECT_TRUE(exactly(view, first) && exactly(x, noise<T>(n, true).samples())) << n;

@@ -52,11 +52,9 @@ SUITE_OF_BOTH(Statistics);
 template <class T> Vec<T> noise(size_t n, bool complex) {
   std::minstd_rand random(static_cast<unsigned>(n) + 1);
   std::uniform_real_distribution<T> uniform(T(-1), T(3));
-  std::vector<std::complex<T>> samples(n);
-  for (auto& z : samples) z = {uniform(random), uniform(random)};
-  Vec<T> v(samples);
-  v->complex = complex;
-  return v;
+  std::vector<T> scalars(complex ? 2 * n : n);
+  for (T& x : scalars) x = uniform(random);
+  return {scalars, complex};
 }
 
 // The rule itself, one block after the other.
@@ -119,10 +117,7 @@ TEST_BOTH(Statistics, AgreeWithExtendedPrecisionWhateverTheOffset) {
       }
       return m;
     };
-    const Vec<T> v(std::vector<T>(x.begin(), x.begin() + n));
-    Vec<T> z(x);
-    z->complex = 1;
-    z->points = n;
+    const Vec<T> v({x.begin(), x.begin() + n}, false), z(x, true);
     const double g = (2048 + 3 + 8) * double{kEps<T>}, R = 3, sample = n / (n - 1.0);
     const auto m = moments(0, 1);
     const double var = static_cast<double>(m[2]), var_z = static_cast<double>(moments(0, 2)[2] + moments(1, 2)[2]);
@@ -249,18 +244,12 @@ TEST_BOTH(Statistics, OfOneRecordOrSharedStorageEqualTheSeparateResult) {
       if (complex && !row.takes_complex) continue;
       Vec<T> input = noise<T>(5, complex);
       input->complex *= 5;  // any number but 0 says complex; what a result gets is 1
-      Vec<T> storage(input), result, itself(input), owner(input), reader, view;
-      *reader.get() = *owner.get();
-      *view.get() = *storage.get();
-      reader->allocated = view->allocated = 0;
+      Vec<T> storage(input), result, itself(input), owner(input), reader = owner.view(), view = storage.view();
       result->delta = itself->delta = view->delta = owner->delta = T(0.25);
       EXPECT_EQ(row.of(input, result) + row.of(itself, itself) + row.of(view, view) + row.of(reader, owner), 0);
-      EXPECT_TRUE(exactly(input, storage.samples())) << row.name;
-      EXPECT_TRUE(exactly(input, noise<T>(5, complex).samples())) << row.name;
-      for (const Vec<T>* v : {&result, &itself, &view, &owner}) {
-        EXPECT_TRUE(exactly(*v, result.samples())) << row.name;
-        EXPECT_TRUE((*v)->complex == (complex && row.keeps_form) && (*v)->delta == T(0.25)) << row.name;
-      }
+      EXPECT_TRUE(exactly(input, storage.samples()) && exactly(input, noise<T>(5, complex).samples())) << row.name;
+      EXPECT_TRUE(result->complex == (complex && row.keeps_form) && result->delta == T(0.25)) << row.name;
+      EXPECT_TRUE(same(itself, result) && same(view, result) && same(owner, result)) << row.name;
     }
   }
 }

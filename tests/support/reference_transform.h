@@ -57,10 +57,7 @@ template <class T> Vec<T> noise(size_t n, bool complex) {
   std::normal_distribution<double> normal;
   std::vector<T> samples(complex ? 2 * n : n);
   for (T& x : samples) x = static_cast<T>(normal(source));
-  Vec<T> v(samples);
-  v->points = static_cast<int32_t>(n);
-  v->complex = complex;
-  return v;
+  return {samples, complex};
 }
 
 // Relative difference of two vectors of one form in the mean square.

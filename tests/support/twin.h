@@ -79,6 +79,8 @@ constexpr long double kPi = 3.141592653589793238462643383279502884L;
 // The C function of an operation for the precision T, and with it its name for a row of a table.
 #define TWIN_OF(family, op)  (sigvex_test::Twin{&dsp##family##_##op, &dspf##family##_##op}.template of<T>())
 #define TWIN_ROW(family, op) #op, TWIN_OF(family, op)
+// The operation on whatever records it is called with, its further arguments given.
+#define WITH(family, op, ...) [](auto*... records) { return TWIN_OF(family, op)(records..., __VA_ARGS__); }
 
 // A record that owns its samples and releases them; converts to the pointer that the C functions take.
 template <class T> class Vec {
@@ -89,15 +91,25 @@ template <class T> class Vec {
     v_.points = static_cast<int32_t>(samples.size());
     fill(samples.data(), samples.size());
   }
-  explicit Vec(const std::vector<std::complex<T>>& samples) : Vec() {
-    v_.points = static_cast<int32_t>(samples.size());
-    v_.complex = 1;
-    fill(reinterpret_cast<const T*>(samples.data()), 2 * samples.size());
+  // Samples, or the parts of points in turn.
+  Vec(const std::vector<T>& scalars, bool complex) : Vec(scalars) {
+    v_.complex = complex;
+    if (complex) v_.points /= 2;
   }
+  explicit Vec(const std::vector<std::complex<T>>& samples)
+      : Vec({reinterpret_cast<const T*>(samples.data()), reinterpret_cast<const T*>(samples.data() + samples.size())},
+            true) {}
   // Complex points from a list of pairs.
   static Vec pairs(std::initializer_list<std::complex<T>> samples) {
     return Vec(std::vector<std::complex<T>>(samples));
   }
+  // Storage of somebody else, or none.
+  static Vec over(T* data, int32_t points, int32_t complex = 0, T delta = 1) {
+    Vec v;
+    v.v_ = {delta, data, 0, points, complex, 0};
+    return v;
+  }
+  Vec view() { return over(v_.data, v_.points, v_.complex, v_.delta); }
   Vec(const Vec& other) : Vec() {
     v_.points = other.v_.points;
     v_.complex = other.v_.complex;
@@ -158,6 +170,12 @@ AssertionResult scalars_agree(const Vec<T>& v, const std::vector<U>& expected, A
 // The scalars of a vector equal the expected ones exactly (NaN to NaN, -0.0 apart from 0.0).
 template <class T> AssertionResult exactly(const Vec<T>& v, const std::vector<T>& expected) {
   return scalars_agree(v, expected, identical<T>);
+}
+
+// So do they, form and spacing.
+template <class T> AssertionResult same(const Vec<T>& v, const Vec<T>& expected) {
+  if (v->complex == expected->complex && v->delta == expected->delta) return exactly(v, expected.samples());
+  return ::testing::AssertionFailure() << "form " << v->complex << ", spacing " << v->delta;
 }
 
 // The scalars of a vector are within `tolerance` times the magnitude of the expected ones (at least `floor`).

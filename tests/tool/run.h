@@ -60,10 +60,8 @@ class Tool : public ::testing::Test {
   // A binary record of real samples, or of pairs; its bytes.
   std::string record(const std::string& name, const std::vector<double>& samples, double delta,
                      bool pairs = false) const {
-    Vec<double> v(samples);
+    Vec<double> v(samples, pairs);
     v->delta = delta;
-    v->complex = pairs;
-    v->points /= pairs ? 2 : 1;
     FILE* const file = std::fopen(path(name).c_str(), "wb");
     EXPECT_EQ(dspf_fwrite(v, file), 0);
     std::fclose(file);
