@@ -77,24 +77,23 @@ template <class T> struct Difference {
   Point<T> operator()(Point<T> a, Point<T> b) const { return {a.re - b.re, a.im - b.im}; }
 };
 
-// A zero divisor gives huge (always positive), or 0 over 0.
+// A zero divisor gives huge (always positive), or 0 over 0. Both results are made and one chosen, which vectorises.
 template <class T> struct Quotient {
-  static constexpr T kUnbounded = Limits<T>::huge;
-  static Point<T> by_zero(bool any_nonzero) { return any_nonzero ? Point<T>{kUnbounded, kUnbounded} : Point<T>{0, 0}; }
+  static T by_zero(bool any_nonzero) { return any_nonzero ? Limits<T>::huge : T(0); }
+  static Point<T> choose(bool divides, Point<T> quotient, T otherwise) {
+    return {divides ? quotient.re : otherwise, divides ? quotient.im : otherwise};
+  }
   static bool nonzero(Point<T> z) { return z.re != 0 || z.im != 0; }
 
-  T operator()(T a, T b) const {
-    if (b != 0) return a / b;
-    return a != 0 ? kUnbounded : T(0);
-  }
-  Point<T> operator()(Point<T> a, T b) const { return b != 0 ? a * (1 / b) : by_zero(nonzero(a)); }
+  T operator()(T a, T b) const { return b != 0 ? a / b : by_zero(a != 0); }
+  Point<T> operator()(Point<T> a, T b) const { return choose(b != 0, a * (1 / b), by_zero(nonzero(a))); }
   Point<T> operator()(T a, Point<T> b) const {
     const T m = magsq(b);
-    return m > 0 ? conj(b) * a * (1 / m) : by_zero(a != 0 || nonzero(b));
+    return choose(m > 0, conj(b) * a * (1 / m), by_zero(a != 0 || nonzero(b)));
   }
   Point<T> operator()(Point<T> a, Point<T> b) const {
     const T m = magsq(b);
-    return m > 0 ? a * conj(b) * (1 / m) : by_zero(nonzero(a) || nonzero(b));
+    return choose(m > 0, a * conj(b) * (1 / m), by_zero(nonzero(a) || nonzero(b)));
   }
 };
 
@@ -114,7 +113,10 @@ template <class T, bool (*prefer)(T, T)> struct Choice {
   T operator()(T a, T b) const { return prefer(a, b) ? a : b; }
   Point<T> operator()(T a, Point<T> b) const { return (*this)(Point<T>{a, 0}, b); }
   Point<T> operator()(Point<T> a, T b) const { return (*this)(a, Point<T>{b, 0}); }
-  Point<T> operator()(Point<T> a, Point<T> b) const { return prefer(magsq_capped(a), magsq_capped(b)) ? a : b; }
+  Point<T> operator()(Point<T> a, Point<T> b) const {
+    const bool first = prefer(magsq_capped(a), magsq_capped(b));
+    return {first ? a.re : b.re, first ? a.im : b.im};
+  }
 };
 template <class T> bool greater(T a, T b) { return a > b; }
 template <class T> bool less(T a, T b) { return a < b; }

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "core/limits.h"
+#include "elementwise/products.h"
 
 namespace sigvex {
 
@@ -18,7 +19,7 @@ template <class T> struct Times {
 template <class T> struct TimesComplex {
   T re, im;
   Point<T> operator()(T x) const { return {x * re, x * im}; }
-  Point<T> operator()(Point<T> z) const { return {z.re * re - z.im * im, z.im * re + z.re * im}; }
+  Point<T> operator()(Point<T> z) const { return z * Point<T>{re, im}; }
 };
 
 struct Absolute {
