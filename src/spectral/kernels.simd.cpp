@@ -81,6 +81,10 @@ template <class T, size_t R, size_t L> struct InRegisters {
   }
 };
 
+// Interleaved points in a vector. The shortest transforms stay below it where exchanging the lanes of the widest
+// vectors takes longer than their number saves.
+template <class T> constexpr size_t kPoints = kMaxLanes<T> / 2;
+
 template <class T, size_t R, size_t L>
 using Small = std::conditional_t<(kMaxLanes<T> >= L), InRegisters<T, R, L>, Passes<T, R, L>>;
 #if HWY_TARGET != HWY_SCALAR
@@ -100,11 +104,11 @@ template <class T, class F> HWY_INLINE auto with_passes(int bits, F f) {
     case 3:
       return f(Smallest<T, 4, 2, 2>());
     case 4:
-      return f(Smallest<T, 4, 4, 2>());
+      return f(Smallest<T, 4, 4, std::clamp<size_t>(kPoints<T>, 2, 16 / sizeof(T))>());
     case 5:
-      return f(Smallest<T, 8, 4, 4>());
+      return f(Smallest<T, 4, 8, std::clamp<size_t>(kPoints<T>, 2, 4)>());
     case 6:
-      return f(Small<T, 8, 8>());
+      return f(Smallest<T, 8, 8, std::max<size_t>(kPoints<T>, 4)>());
     case 7:
       return f(Small<T, 16, 8>());
     case 8:

@@ -8,6 +8,8 @@
 #define SIGVEX_SPECTRAL_PAIRS_INL_H
 #endif
 
+#include <type_traits>
+
 #include "spectral/passes-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -33,15 +35,23 @@ template <class D, bool kInverse> HWY_INLINE Pairs<D, kInverse> operator+(Pairs<
 template <class D, bool kInverse> HWY_INLINE Pairs<D, kInverse> operator-(Pairs<D, kInverse> a, Pairs<D, kInverse> b) {
   return {hn::Sub(a.v, b.v)};
 }
+// b with the signs of its even lanes changed, or of its odd ones, added to a. The first is an instruction of its own.
+template <bool kOdd, class D> HWY_INLINE hn::VFromD<D> plus_alternating(D d, hn::VFromD<D> a, hn::VFromD<D> b) {
+#if HWY_TARGET <= HWY_AVX2
+  using V = hn::VFromD<D>;
+  if constexpr (!kOdd && std::is_same_v<V, hn::Vec256<double>>) return V{_mm256_addsub_pd(a.raw, b.raw)};
+  if constexpr (!kOdd && std::is_same_v<V, hn::Vec256<float>>) return V{_mm256_addsub_ps(a.raw, b.raw)};
+  if constexpr (!kOdd && std::is_same_v<V, hn::Vec128<float>>) return V{_mm_addsub_ps(a.raw, b.raw)};
+#endif
+  return hn::MulAdd(b, kOdd ? alternating(d, 1, -1) : alternating(d, -1, 1), a);
+}
 template <class D, bool kInverse> HWY_INLINE Pairs<D, kInverse> plus_i(Pairs<D, kInverse> a, Pairs<D, kInverse> b) {
   const D d;
-  constexpr int kSign = kInverse ? -1 : 1;
-  return {hn::MulAdd(parts_exchanged(d, b.v), alternating(d, -kSign, kSign), a.v)};
+  return {plus_alternating<kInverse>(d, a.v, parts_exchanged(d, b.v))};
 }
 template <class D, bool kInverse> HWY_INLINE Pairs<D, kInverse> minus_i(Pairs<D, kInverse> a, Pairs<D, kInverse> b) {
   const D d;
-  constexpr int kSign = kInverse ? -1 : 1;
-  return {hn::MulAdd(parts_exchanged(d, b.v), alternating(d, kSign, -kSign), a.v)};
+  return {plus_alternating<!kInverse>(d, a.v, parts_exchanged(d, b.v))};
 }
 template <class D, bool kInverse>
 HWY_INLINE Pairs<D, kInverse> plus_scaled(Pairs<D, kInverse> a, hn::VFromD<D> factor, Pairs<D, kInverse> b) {
@@ -115,8 +125,8 @@ template <class T, size_t R, size_t C, size_t P> struct InPairs {
           same = hn::Mul(same, scale);
           crossed = hn::Mul(crossed, scale);
         }
-        const auto y = hn::Mul(parts_exchanged(d, x[g][k].v), crossed);
-        x[g][k].v = kInverse ? hn::MulSub(x[g][k].v, same, y) : hn::MulAdd(x[g][k].v, same, y);
+        const auto z = x[g][k].v, y = hn::Mul(z, same), exchanged = parts_exchanged(d, z);  // side by side
+        x[g][k].v = kInverse ? hn::NegMulAdd(exchanged, crossed, y) : hn::MulAdd(exchanged, crossed, y);
       }
     }
     for (size_t k = 0; k < R; k += P) {

@@ -113,11 +113,10 @@ template <class T, size_t R, size_t C> struct RealInPairs {
 
   // a + d of two points.
   template <bool kInverse> static HWY_INLINE V term(V z, V mirrored, const T* roots) {
-    const auto conjugate = alternating(d, 1, -1);
-    const V sum = hn::MulAdd(mirrored, conjugate, z), difference = hn::NegMulAdd(mirrored, conjugate, z);
+    const V sum = plus_alternating<true>(d, z, mirrored), difference = plus_alternating<false>(d, z, mirrored);
     const V exchanged = parts_exchanged(d, difference), crossed = hn::LoadU(d, roots + 4);
-    const V part = kInverse ? hn::NegMulAdd(exchanged, crossed, sum) : hn::MulAdd(exchanged, crossed, sum);
-    return hn::MulAdd(difference, hn::LoadU(d, roots), part);
+    const V part = hn::MulAdd(difference, hn::LoadU(d, roots), sum);
+    return kInverse ? hn::NegMulAdd(exchanged, crossed, part) : hn::MulAdd(exchanged, crossed, part);
   }
 };
 
