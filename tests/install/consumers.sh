@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# consumers.sh BUILD_DIR CC CXX: what a program outside the project sees of an installed sigvex.
+# consumers.sh BUILD_DIR CC CXX GENERATOR: what a program outside the project sees of an installed sigvex.
 set -euo pipefail
-build=$1 cc=$2 cxx=$3
+build=$1 cc=$2 cxx=$3 generator=$4
 here=$(cd "$(dirname "$0")" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -36,7 +36,8 @@ foreach(program from_c from_cpp)
   target_link_libraries(${program} PRIVATE sigvex::sigvex)
 endforeach()
 CMAKE
-cmake -S "$work" -B "$work/build" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" >/dev/null
+cmake -S "$work" -B "$work/build" -G "$generator" \
+  -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" >/dev/null
 cmake --build "$work/build" >/dev/null
 "$work/build/from_c"
 "$work/build/from_cpp"
