@@ -207,10 +207,10 @@ template <class T> std::vector<Row<T>> rows() {
        VOLK_POINTS(volk_32fc_s32f_atan2_32f(y, z, 1, n))},
       {"mag", true, -1, 1, OURS(mag), sleef_hypot<T>(), point_loop<T>([](T x, T y) { return std::hypot(x, y); }),
        VOLK_POINTS(volk_32fc_magnitude_32f(y, z, n))},
-      {"besj0", false, 0, 50, OURS(besj0), {}, loop<T>([](T x) { return static_cast<T>(::j0(x)); }), {}},
-      {"besj1", false, 0, 50, OURS(besj1), {}, loop<T>([](T x) { return static_cast<T>(::j1(x)); }), {}},
-      {"besy0", false, 0, 50, OURS(besy0), {}, loop<T>([](T x) { return static_cast<T>(::y0(x)); }), {}},
-      {"besy1", false, 0, 50, OURS(besy1), {}, loop<T>([](T x) { return static_cast<T>(::y1(x)); }), {}},
+      {"besj0", false, 0, 50, OURS(besj0), {}, loop<T>(by<T>(::j0, ::j0f)), {}},
+      {"besj1", false, 0, 50, OURS(besj1), {}, loop<T>(by<T>(::j1, ::j1f)), {}},
+      {"besy0", false, 0, 50, OURS(besy0), {}, loop<T>(by<T>(::y0, ::y0f)), {}},
+      {"besy1", false, 0, 50, OURS(besy1), {}, loop<T>(by<T>(::y1, ::y1f)), {}},
   };
 }
 

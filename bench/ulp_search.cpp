@@ -1,9 +1,12 @@
 // The largest error of every elementary function, in units in the last place of the exact result, over random arguments
-// of every magnitude and arguments known to be hard, through the public functions, on every CPU target.
+// of every magnitude and arguments known to be hard, through the public functions, on every CPU target. For the Bessel
+// functions beside the errors of the C library's, and once more in units of the amplitude, which they swing with.
 //   ulp_search [arguments of a function, default 200000] [part of a function's name] [part of a target's name]
+#include <math.h>  // j0 j1 y0 y1 are POSIX, not C++
 #include <mpfr.h>
 #include <sigvex.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -42,14 +45,16 @@ class Exact {
     f(z_, x_, y_, MPFR_RNDN);
   }
 
-  // How far a result is off, in units in the last place of the exact one. 0 where the exact one overflows.
-  template <class T> double ulps(T result) {
+  // How far a result is off, in units in the last place of the exact one, or of `scale` where that is larger. 0 where
+  // the exact one overflows.
+  template <class T> double ulps(T result, double scale = 0) {
     using L = std::numeric_limits<T>;
     const double value = mpfr_get_d(z_, MPFR_RNDN);
     if (!(std::abs(value) <= static_cast<double>(L::max()))) return 0;
     if (value == 0 && result == 0) return 0;
     if (!std::isfinite(result)) return HUGE_VAL;
-    const long exponent = std::max<long>(mpfr_get_exp(z_), L::min_exponent) - L::digits;
+    const long of_scale = scale > 0 ? std::ilogb(scale) + 1 : L::min_exponent;
+    const long exponent = std::max<long>({mpfr_get_exp(z_), of_scale, L::min_exponent}) - L::digits;
     mpfr_d_sub(y_, static_cast<double>(result), z_, MPFR_RNDN);
     mpfr_mul_2si(y_, y_, -exponent, MPFR_RNDN);
     return std::abs(mpfr_get_d(y_, MPFR_RNDN));
@@ -127,6 +132,24 @@ const Function kComposed[] = {
 const PointFunction kPointFunctions[] = {
     {"mag", dspi_mag, dspfi_mag, mpfr_hypot, false},
     {"phase", dspi_phase, dspfi_phase, mpfr_atan2, true},
+};
+
+struct BesselFunction {
+  const char* name;
+  int32_t (*in_double)(dsp_vector*);
+  int32_t (*in_single)(dspf_vector*);
+  double (*libm_double)(double);
+  float (*libm_single)(float);
+  Exact::Unary exact;
+  double (*other)(double);  // the other kind, with which it makes up the amplitude
+  Interval within;
+  double swings_from;
+};
+const BesselFunction kBesselFunctions[] = {
+    {"besj0", dspi_besj0, dspfi_besj0, ::j0, ::j0f, mpfr_j0, ::y0, {-1e6, 1e6}, 2},
+    {"besj1", dspi_besj1, dspfi_besj1, ::j1, ::j1f, mpfr_j1, ::y1, {-1e6, 1e6}, 2},
+    {"besy0", dspi_besy0, dspfi_besy0, ::y0, ::y0f, mpfr_y0, ::j0, {kLeastSingle, 1e6}, 0.5},
+    {"besy1", dspi_besy1, dspfi_besy1, ::y1, ::y1f, mpfr_y1, ::j1, {kLeastSingle, 1e6}, 0.5},
 };
 
 template <class T> auto of(const auto& function) {
@@ -222,6 +245,51 @@ template <class T> Worst search(const PointFunction& f, int count) {
   return worst;
 }
 
+// Of every magnitude, evenly up to 20, and the zero that follows such an argument, to the last bit or near it.
+template <class T> T bessel_argument(const BesselFunction& f, Arguments& arguments) {
+  if (arguments.random() % 3 == 0) return arguments.next<T>(f.within, true);
+  const T even = arguments.next<T>({0.01, 20}, false);
+  if (arguments.random() % 2 == 0) return even;
+  double low = static_cast<double>(even), high = low + 0.25;
+  while (f.libm_double(low) * f.libm_double(high) > 0) low = high, high += 0.25;
+  for (int k = 0; k < 60; ++k) {
+    const double middle = (low + high) / 2;
+    (f.libm_double(middle) * f.libm_double(high) > 0 ? high : low) = middle;
+  }
+  const auto steps = static_cast<T>(static_cast<int>(arguments.random() % 65) - 32);
+  return static_cast<T>(low) * (1 + steps * std::numeric_limits<T>::epsilon());
+}
+
+// The errors in units of the result and of the amplitude, ours and the C library's.
+template <class T> void search(const BesselFunction& f, int count) {
+  Arguments arguments;
+  Exact exact;
+  std::vector<T> x(static_cast<size_t>(count));
+  for (T& at : x) at = bessel_argument<T>(f, arguments);
+  std::vector<T> y = x;
+  Record<T> v{};
+  v.data = y.data();
+  v.points = count;
+  of<T>(f)(&v);
+  Worst ours[2], libm[2];
+  for (size_t k = 0; k < x.size(); ++k) {
+    const auto at = static_cast<double>(x[k]);
+    exact.of(f.exact, at);
+    T by_libm;
+    if constexpr (std::is_same_v<T, double>) by_libm = f.libm_double(x[k]);
+    else by_libm = f.libm_single(x[k]);
+    const double amplitude = std::abs(at) < f.swings_from ? 0 : std::hypot(f.libm_double(at), f.other(std::abs(at)));
+    for (const int which : {0, 1}) {
+      ours[which].meet(exact.ulps(y[k], which * amplitude), at);
+      libm[which].meet(exact.ulps(by_libm, which * amplitude), at);
+    }
+  }
+  std::printf("  %-6s %s %8.3f ulp of the amplitude at %a, %8.2g of the result at %a   libm %8.3f at %a, %8.2g at %a\n",
+              f.name, std::is_same_v<T, double> ? "double" : "single", ours[1].ulps, ours[1].x, ours[0].ulps, ours[0].x,
+              libm[1].ulps, libm[1].x, libm[0].ulps, libm[0].x);
+  std::fflush(stdout);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -242,5 +310,8 @@ int main(int argc, char** argv) {
     rows(kFunctions);
     rows(kPointFunctions);
     rows(kComposed);
+    for (const BesselFunction& f : kBesselFunctions) {
+      if (std::string(f.name).find(name) != std::string::npos) search<double>(f, count), search<float>(f, count);
+    }
   });
 }

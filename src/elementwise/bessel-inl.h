@@ -49,19 +49,22 @@ template <class T> HWY_INLINE V<double> i0_or_huge(V<double> x) {
   return hn::IfThenElse(inside, i0(hn::IfThenElseZero(inside, x)), set<double>(Limits<T>::huge));
 }
 
-template <class T> void map_i0_or_huge(const T* x, T* y, size_t n);
-template <> inline void map_i0_or_huge(const double* x, double* y, size_t n) {
-  each_sample(x, y, n, [](V<double> at) HWY_ATTR { return i0_or_huge<double>(at); });
+// In double in either precision, for the sake of the coefficients, which leave the range of float, and of the zeros.
+template <class F> HWY_INLINE void each_in_double(const double* x, double* y, size_t n, F f) {
+  each_sample(x, y, n, f);
 }
-// In double: the coefficients of the power series leave the range of float.
-template <> inline void map_i0_or_huge(const float* x, float* y, size_t n) {
+template <class F> HWY_INLINE void each_in_double(const float* x, float* y, size_t n, F f) {
   double block[256];
   for (size_t start = 0; start < n; start += std::size(block)) {
     const size_t count = std::min(n - start, std::size(block));
     std::copy_n(x + start, count, block);
-    each_sample(block, block, count, [](V<double> at) HWY_ATTR { return i0_or_huge<float>(at); });
+    each_sample(block, block, count, f);
     std::transform(block, block + count, y + start, [](double at) { return static_cast<float>(at); });
   }
+}
+
+template <class T> void map_i0_or_huge(const T* x, T* y, size_t n) {
+  each_in_double(x, y, n, [](V<double> at) HWY_ATTR { return i0_or_huge<T>(at); });
 }
 
 }  // namespace HWY_NAMESPACE

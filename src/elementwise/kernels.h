@@ -18,6 +18,7 @@ template <class T> struct MathKernels {
 
   Map i0_or_huge;          // modified Bessel function; huge beyond +-ln huge and for NaN
   double (*i0)(double x);  // the same of one number, without limits
+  Map j0, j1, y0, y1;      // Bessel functions of the first and the second kind
 
   // The same for n points; those that give angles or magnitudes give one sample for each, and x may be y there too.
   Map exp_of_points, exp10_of_points, log_of_points, root_of_points;

@@ -10,6 +10,7 @@
 
 #include "elementwise/arc-inl.h"
 #include "elementwise/bessel-inl.h"
+#include "elementwise/bessel_jy-inl.h"
 #include "elementwise/circular-inl.h"
 #include "elementwise/exponential-inl.h"
 #include "elementwise/hyperbolic-inl.h"
@@ -81,6 +82,10 @@ template <class T> const MathKernels<T>* kernels() {
       .db = db<T>,
       .i0_or_huge = map_i0_or_huge<T>,
       .i0 = i0_of_one,
+      .j0 = map_bessel<T, 0, false>,
+      .j1 = map_bessel<T, 1, false>,
+      .y0 = map_bessel<T, 0, true>,
+      .y1 = map_bessel<T, 1, true>,
       .exp_of_points = map_points<T, exp_of_point<T>>,
       .exp10_of_points = map_points<T, exp10_of_point<T>>,
       .log_of_points = map_points<T, log_of_point<T>>,

@@ -75,6 +75,10 @@ template <class T> HWY_INLINE Sum<T> fast_sum(V<T> a, V<T> b) {  // exact for |a
   const V<T> s = a + b;
   return {s, (a - s) + b};
 }
+template <class T> HWY_INLINE Sum<T> exact_sum(V<T> a, V<T> b) {
+  const V<T> s = a + b, from_b = s - a;
+  return {s, (a - (s - from_b)) + (b - from_b)};
+}
 // Near 1/x, to 12 bits or more, for normal numbers with normal inverses.
 template <class T> HWY_INLINE V<T> rough_inverse(V<T> x) {
 #if HWY_TARGET == HWY_AVX3

@@ -44,15 +44,15 @@ template <class T> HWY_INLINE V<T> log1p_tail(Sum<T> r) {
 
 // e log 2 + log(1/c) + term, the latter small beside the former two unless these are 0.
 template <class T>
-HWY_INLINE V<T> log_sum(const Decomposed<T>& x, Log2Parts<T> log2, V<T> high, V<T> low, Sum<T> term) {
+HWY_INLINE Sum<T> log_sum(const Decomposed<T>& x, Log2Parts<T> log2, V<T> high, V<T> low, Sum<T> term) {
   const Sum<T> sum = fast_sum<T>(muladd(x.e, set<T>(log2.high), high), term.high);
-  return sum.high + (term.low + (sum.low + muladd(x.e, set<T>(log2.low), low)));
+  return {sum.high, term.low + (sum.low + muladd(x.e, set<T>(log2.low), low))};
 }
 
 template <class T> HWY_INLINE V<T> ln_of_normal(V<T> x) {
   const Decomposed<T> parts = decompose<T>(x);
   const V<T> high = lookup16(kLnHigh<T>, parts.cell), low = lookup16(kLnLow<T>, parts.cell);
-  return log_sum<T>(parts, kLn2<T>, high, low, {parts.r.high, log1p_tail<T>(parts.r)});
+  return rounded(log_sum<T>(parts, kLn2<T>, high, low, {parts.r.high, log1p_tail<T>(parts.r)}));
 }
 
 template <class T> HWY_INLINE V<T> log10_of_normal(V<T> x) {
@@ -60,7 +60,7 @@ template <class T> HWY_INLINE V<T> log10_of_normal(V<T> x) {
   const V<T> high = lookup16(kLog10High<T>, parts.cell), low = lookup16(kLog10Low<T>, parts.cell);
   const V<T> r = parts.r.high, factor = set<T>(std::numbers::log10e), product = r * factor;
   const V<T> rest = muladd(r, set<T>(kLog10ERest<T>), lost_by<T>(product, r, factor));
-  return log_sum<T>(parts, kLog10Of2<T>, high, low, {product, muladd(log1p_tail<T>(parts.r), factor, rest)});
+  return rounded(log_sum<T>(parts, kLog10Of2<T>, high, low, {product, muladd(log1p_tail<T>(parts.r), factor, rest)}));
 }
 
 // For x >= tiny; infinity stays.

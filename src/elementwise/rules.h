@@ -1,5 +1,5 @@
-// The rules of single samples that an operation in place and its form into another vector share, the loop that turns
-// real samples into points, and the choice of what moves as one.
+// The rules of single samples that an operation in place and its form into another vector share, the loops over samples
+// and points, real samples alone or on their way to points, and the choice of what moves as one.
 #pragma once
 
 #include <cmath>
@@ -48,6 +48,13 @@ template <class T, class F> void map_points(const T* x, T* y, size_t n, F f) {
   on_widest_vectors([=] {
     for (size_t k = 0; k < n; ++k) store<T>(y, k, f(Point<T>{x[2 * k], x[2 * k + 1]}));
   });
+}
+
+// A kernel over real samples, which points are not.
+template <class T> Status each_real(Vector<T>& v, void (*kernel)(const T* x, T* y, size_t n)) {
+  if (v.complex) return kFailure;
+  kernel(v.data, v.data, points<T>(v));
+  return kSuccess;
 }
 
 // Spreads n samples into points f(x), from the last to the first: the points may grow over the samples themselves, so

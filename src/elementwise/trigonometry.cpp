@@ -1,18 +1,9 @@
 // dspi_acos dspi_asin dspi_atan dspi_cos dspi_sin dspi_tan dspi_cosh dspi_sinh dspi_tanh dspi_sinc
 #include "core/exports.h"
-#include "core/vector.h"
 #include "elementwise/kernels.h"
+#include "elementwise/rules.h"
 
 namespace sigvex::dspi {
-namespace {
-
-template <class T> Status each_real(Vector<T>& v, typename MathKernels<T>::Map kernel) {
-  if (v.complex) return kFailure;
-  kernel(v.data, v.data, points<T>(v));
-  return kSuccess;
-}
-
-}  // namespace
 
 template <class T> Status acos(Vector<T>& v) { return each_real<T>(v, math_kernels<T>().acos_or_zero); }
 template <class T> Status asin(Vector<T>& v) { return each_real<T>(v, math_kernels<T>().asin_or_zero); }

@@ -40,6 +40,8 @@ template <class T> std::vector<Function<T>> functions() {
           {TWIN_ROW(i, sinc)},
           {TWIN_ROW(i, sqrt)},
           {TWIN_ROW(i, besi0)},
+          {TWIN_ROW(i, besj1)},
+          {TWIN_ROW(i, besy0)},
           {TWIN_ROW(i, mag)},
           {TWIN_ROW(i, phase)},
           {TWIN_ROW(i, rtop)},
