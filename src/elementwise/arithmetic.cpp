@@ -29,7 +29,14 @@ template <class T> Status offset(Vector<T>& v, T offset) {
 
 template <class T> Status cscale(Vector<T>& v, T re, T im) {
   const TimesComplex<T> f{re, im};
-  if (v.complex) return each_point<T>(v, f);
+  if (v.complex) {
+    T* const z = v.data;
+    const size_t n = points<T>(v);
+    on_vectors_for_products(n, [=] {
+      for (size_t k = 0; k < n; ++k) store<T>(z, k, f(Point<T>{z[2 * k], z[2 * k + 1]}));
+    });
+    return kSuccess;
+  }
   SIGVEX_TRY(reshape<T>(v, points<T>(v), 1));
   spread(v.data, v.data, points<T>(v), f);
   return kSuccess;

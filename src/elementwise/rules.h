@@ -38,14 +38,14 @@ template <class T> void store(T* points, size_t k, Point<T> z) {
   points[2 * k + 1] = z.im;
 }
 
-// y = f(x) for n samples, or points; y may be x.
+// y = f(x) for n samples, and for n points; y may be x.
 template <class T, class F> void map_scalars(const T* x, T* y, size_t n, F f) {
   on_widest_vectors([=] {
     for (size_t k = 0; k < n; ++k) y[k] = f(x[k]);
   });
 }
-template <class T, class F> void map_points(const T* x, T* y, size_t n, F f) {
-  on_widest_vectors([=] {
+template <class T> void map_points(const T* x, T* y, size_t n, TimesComplex<T> f) {
+  on_vectors_for_products(n, [=] {
     for (size_t k = 0; k < n; ++k) store<T>(y, k, f(Point<T>{x[2 * k], x[2 * k + 1]}));
   });
 }

@@ -219,5 +219,19 @@ TEST_BOTH(Binary, EachRuleAtItsEdges) {
   }
 }
 
+// A product that is fused into the sum leaves a point times its conjugate an imaginary part.
+TEST_BOTH(Binary, ProductsOfPointsRoundBothTerms) {
+  std::vector<T> parts(300);
+  for (T& x : parts) x = std::sqrt(static_cast<T>(&x - parts.data() + 2));
+  const Vec<T> z = make<T>(parts, true);
+  for_each_cpu_target([&](const char* target) {
+    Vec<T> square, unity, scaled = z;
+    EXPECT_EQ(TWIN_OF(b, conj_mul)(z, z, square) | TWIN_OF(b, div)(z, z, unity), 0);
+    EXPECT_EQ(TWIN_OF(i, cscale)(scaled, z[0], -z[1]), 0);
+    for (size_t k = 0; k < 150; ++k) EXPECT_TRUE(square.at(k).imag() == 0 && unity.at(k).imag() == 0) << target << k;
+    EXPECT_EQ(scaled.at(0).imag(), 0) << target;
+  });
+}
+
 }  // namespace
 }  // namespace sigvex_test
