@@ -8,6 +8,8 @@
 #include <system_error>
 #include <thread>
 
+#include "core/thread_order.h"
+
 namespace sigvex {
 namespace {
 
@@ -51,17 +53,26 @@ void leave(int lock) {
 
 }  // namespace detail
 
-constinit InUse::Slot InUse::slots_[kSlots + 1] = {};
+constinit InUse::Slot InUse::slots_[kOwned + kShared + 1] = {};
 
 InUse::Slot* InUse::taken_elsewhere() {
-  static constinit std::atomic<uint32_t> threads{0};
-  if (thread_number_ == 0) thread_number_ = ++threads;
-  for (uint32_t k = 0; k < kSlots; ++k) {
-    Slot& slot = slots_[(thread_number_ + k) % kSlots];
+  static constinit std::atomic<uint64_t> threads{0};
+  static constinit thread_local uint32_t first =
+      0;  // of the shared slots, to begin with; 0 before the thread's first use
+  if (first == 0) {
+    const uint64_t number = threads++;
+    first = static_cast<uint32_t>(kOwned + number % kShared);
+    if (number < kOwned && threads_can_be_ordered()) {
+      own_ = &slots_[number];
+      return taken();
+    }
+  }
+  for (uint32_t k = 0; k < kShared; ++k) {
+    Slot& slot = slots_[kOwned + (first + k) % kShared];
     if (slot.running.exchange(1) == 0) return &slot;
   }
-  ++slots_[kSlots].running;
-  return &slots_[kSlots];
+  ++slots_[kOwned + kShared].running;
+  return &slots_[kOwned + kShared];
 }
 
 bool InUse::none() {
@@ -69,6 +80,7 @@ bool InUse::none() {
 }
 
 void InUse::wait_for_none() {
+  order_threads();
   for (std::chrono::milliseconds pause{6}; !none(); ++pause) std::this_thread::sleep_for(pause);
 }
 

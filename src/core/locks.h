@@ -39,7 +39,10 @@ using WorkLock = LockGuard<1>;   // every other cache and the random source: hel
 // for the lock while counted, because the release holds it.
 //
 // Each thread counts in a slot of its own line of memory, so that threads that transform at once do not wait for each
-// other. A slot that is taken, by a thread of the same number or by another use in the same thread, is passed over.
+// other. The first threads own theirs alone and take it with a plain store: it is the release that makes every thread
+// put its accesses in order (core/thread_order.h), because an ordered store costs more than all the rest of a short
+// call. Later threads, systems that cannot do that, and a second use in one thread take the first free one of the
+// shared slots.
 class InUse {
  public:
   InUse() : slot_(taken()) {}
@@ -58,24 +61,27 @@ class InUse {
   struct alignas(128) Slot {
     std::atomic<int32_t> running;
   };  // two lines, because they are fetched in pairs
-  static constexpr uint32_t kSlots = 64;
+  static constexpr uint32_t kOwned = 64, kShared = 64;
 
   static Slot* taken() {
-    Slot& own = slots_[thread_number_ % kSlots];
-    return thread_number_ != 0 && own.running.exchange(1) == 0 ? &own : taken_elsewhere();
+    Slot* const own = own_;
+    if (!own || own->running.load(std::memory_order_relaxed) != 0) return taken_elsewhere();
+    own->running.store(1, std::memory_order_relaxed);
+    std::atomic_signal_fence(std::memory_order_seq_cst);  // no table is looked for before
+    return own;
   }
   static Slot* taken_elsewhere();
   void leave() {
-    if (slot_ == &slots_[kSlots]) --slot_->running;
+    if (slot_ == &slots_[kOwned + kShared]) --slot_->running;
     else slot_->running.store(0, std::memory_order_release);
   }
   static bool none();
 
-  static Slot slots_[kSlots + 1];  // the last one counts those that find all others taken
+  static Slot slots_[kOwned + kShared + 1];  // the last one counts those that find all others taken
 #if defined(__GNUC__) && defined(__ELF__)
   [[gnu::tls_model("initial-exec")]]  // one instruction to reach it
 #endif
-  static constinit inline thread_local uint32_t thread_number_ = 0;  // 0 before the first use
+  static constinit inline thread_local Slot* own_ = nullptr;
 
   Slot* slot_;
 };

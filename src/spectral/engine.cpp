@@ -12,7 +12,7 @@ namespace {
 template <class T> Status run_complex(T* data, size_t n, bool inverse) {
   const Lease<ComplexTables<T>> tables = complex_tables<T>(std::countr_zero(n));
   if (!tables) return kFailure;
-  Workspace work(tables->pool, tables->kernels->work_size(tables->bits) * sizeof(T));
+  Workspace work(tables->pool, tables->work_size * sizeof(T));
   if (!work) return kFailure;
   const auto run = inverse ? tables->inverse : tables->forward;
   run(tables->bits, tables->roots, data, work.as<T>(), inverse ? T(1) : 1 / static_cast<T>(n));
@@ -23,7 +23,7 @@ template <class T> Status run_real(T* data, size_t n, bool inverse) {
   const Lease<RealTables<T>> tables = real_tables<T>(std::countr_zero(n));
   if (!tables) return kFailure;
   const ComplexTables<T>& half = *tables->half;
-  Workspace work(half.pool, half.kernels->work_size(half.bits) * sizeof(T));
+  Workspace work(half.pool, half.work_size * sizeof(T));
   if (!work) return kFailure;
   (inverse ? tables->inverse : tables->forward)(*tables, data, work.as<T>(), inverse ? T(1) : 1 / static_cast<T>(n));
   return kSuccess;

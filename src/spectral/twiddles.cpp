@@ -100,6 +100,7 @@ template <class T> ComplexTables<T>* build_complex(int bits, const TripleTable<T
   kernels.fill_table(bits, *roots, to);
   table->kernels = &kernels;
   table->bits = bits;
+  table->work_size = kernels.work_size(bits);
   table->forward = kernels.forward(bits);
   table->inverse = kernels.inverse(bits);
   table->roots = to;

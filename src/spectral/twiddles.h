@@ -44,6 +44,7 @@ template <class T> using Transform = void (*)(int bits, const T* roots, T* data,
 template <class T> struct ComplexTables : TableHead {
   const EngineKernels<T>* kernels;  // those that laid out the roots
   int bits;
+  size_t work_size;  // of one transform, in scalars
   const T* roots;
   Transform<T> forward, inverse;
   mutable WorkspacePool pool;
