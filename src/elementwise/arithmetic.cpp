@@ -5,6 +5,7 @@
 #include "core/exports.h"
 #include "core/limits.h"
 #include "core/scratch.h"
+#include "elementwise/blocks.h"
 #include "elementwise/kernels.h"
 #include "elementwise/operations.h"
 #include "elementwise/rules.h"
@@ -29,16 +30,9 @@ template <class T> Status offset(Vector<T>& v, T offset) {
 
 template <class T> Status cscale(Vector<T>& v, T re, T im) {
   const TimesComplex<T> f{re, im};
-  if (v.complex) {
-    T* const z = v.data;
-    const size_t n = points<T>(v);
-    on_vectors_for_products(n, [=] {
-      for (size_t k = 0; k < n; ++k) store<T>(z, k, f(Point<T>{z[2 * k], z[2 * k + 1]}));
-    });
-    return kSuccess;
-  }
+  if (v.complex) return each_point<T>(v, f);
   SIGVEX_TRY(reshape<T>(v, points<T>(v), 1));
-  spread(v.data, v.data, points<T>(v), f);
+  map_blocks<T>(v.data, v.data, points<T>(v), f);
   return kSuccess;
 }
 

@@ -2,52 +2,37 @@
 #include "core/exports.h"
 #include "core/limits.h"
 #include "core/scratch.h"
-#include "core/widest.h"
+#include "elementwise/blocks.h"
 #include "elementwise/operations.h"
 #include "elementwise/products.h"
-#include "elementwise/rules.h"
 
 namespace sigvex::dspb {
 namespace {
 
-// result[k] = f(a[k], b[k]). The rule f has one overload for each pair of forms. Mixed forms go from the last point to
-// the first, so that a result which grows over a real input never overwrites samples not yet read.
-template <class T, bool products = false, class F>
-Status combine(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, F f) {
+// result[k] = f(a[k], b[k]). The rule f has one overload for each pair of forms.
+template <class T, class F> Status combine(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, F f) {
   const int32_t complex = a.complex || b.complex;
   const size_t need = scalars(a.points, complex);
   if (fits(need) && endangered<T>(a, result, 0)) {  // the result leaves a block that a shares rather than moving it
     Scratch<T> copy;
     SIGVEX_TRY(dsp::copy<T>(copy, a));
-    return combine<T, products>(copy, b, result, f);
+    return combine<T>(copy, b, result, f);
   }
   if (endangered<T>(b, result, need)) {
     Scratch<T> copy;
     SIGVEX_TRY(dsp::copy<T>(copy, b));
-    return combine<T, products>(a, copy, result, f);
+    return combine<T>(a, copy, result, f);
   }
   const bool real_a = !a.complex, real_b = !b.complex;  // before the result, which may be one of them, gets its form
   SIGVEX_TRY(prepare_result<T>(a, b, result));
   const size_t n = points<T>(result);
   const T *const x = a.data, *const y = b.data;
   T* const z = result.data;
-  const auto loop = [=] {
-    if (real_a && real_b) {
-      SIGVEX_INDEPENDENT_TURNS
-      for (size_t k = 0; k < n; ++k) z[k] = f(x[k], y[k]);
-    } else if (real_a) {
-      for (size_t k = n; k-- > 0;) store<T>(z, k, f(x[k], Point<T>{y[2 * k], y[2 * k + 1]}));
-    } else if (real_b) {
-      for (size_t k = n; k-- > 0;) store<T>(z, k, f(Point<T>{x[2 * k], x[2 * k + 1]}, y[k]));
-    } else {
-      SIGVEX_INDEPENDENT_TURNS
-      for (size_t k = 0; k < n; ++k) {
-        store<T>(z, k, f(Point<T>{x[2 * k], x[2 * k + 1]}, Point<T>{y[2 * k], y[2 * k + 1]}));
-      }
-    }
-  };
-  if constexpr (products) on_vectors_for_products(n, loop);
-  else on_widest_vectors(n, loop);
+  if (real_a) {
+    real_b ? combine_samples(x, y, z, n, f) : combine_blocks<T, Point<T>>(x, y, z, n, f);
+  } else {
+    real_b ? combine_blocks<Point<T>, T>(x, y, z, n, f) : combine_blocks<Point<T>, Point<T>>(x, y, z, n, f);
+  }
   return kSuccess;
 }
 
@@ -135,15 +120,15 @@ template <class T> Status sub(const Vector<T>& a, const Vector<T>& b, Vector<T>&
 }
 
 template <class T> Status mul(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
-  return combine<T, true>(a, b, result, [](auto x, auto y) { return x * y; });
+  return combine<T>(a, b, result, [](auto x, auto y) { return x * y; });
 }
 
 template <class T> Status conj_mul(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
-  return combine<T, true>(a, b, result, [](auto x, auto y) { return x * conj(y); });
+  return combine<T>(a, b, result, [](auto x, auto y) { return x * conj(y); });
 }
 
 template <class T> Status div(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
-  return combine<T, true>(a, b, result, Quotient<T>{});
+  return combine<T>(a, b, result, Quotient<T>{});
 }
 
 template <class T> Status avg_add(const Vector<T>& a, const Vector<T>& b, Vector<T>& result, T weight) {

@@ -1,6 +1,7 @@
 // dspu_scale dspu_cscale dspu_sqrt dspu_mag dspu_magsq
 #include "core/exports.h"
 #include "core/scratch.h"
+#include "elementwise/blocks.h"
 #include "elementwise/kernels.h"
 #include "elementwise/operations.h"
 #include "elementwise/rules.h"
@@ -28,7 +29,7 @@ template <class T> Status scale(const Vector<T>& source, Vector<T>& destination,
   if (&source == &destination) return dspi::scale<T>(destination, factor);
   const size_t width = source.complex ? 2 : 1;
   return apply<T>(source, destination, source.complex,
-                  [=](const T* x, T* y, size_t n) { map_scalars(x, y, width * n, Times<T>{factor}); });
+                  [=](const T* x, T* y, size_t n) { map_samples(x, y, width * n, Times<T>{factor}); });
 }
 
 template <class T> Status cscale(const Vector<T>& source, Vector<T>& destination, T re, T im) {
@@ -36,7 +37,7 @@ template <class T> Status cscale(const Vector<T>& source, Vector<T>& destination
   const bool spreads = !source.complex;
   return apply<T>(source, destination, 1, [=](const T* x, T* y, size_t n) {
     const TimesComplex<T> f{re, im};
-    spreads ? spread(x, y, n, f) : map_points(x, y, n, f);
+    spreads ? map_blocks<T>(x, y, n, f) : map_blocks<Point<T>>(x, y, n, f);
   });
 }
 
@@ -49,13 +50,13 @@ template <class T> Status sqrt(const Vector<T>& source, Vector<T>& destination) 
 template <class T> Status mag(const Vector<T>& source, Vector<T>& destination) {
   if (&source == &destination) return dspi::mag<T>(destination);
   if (source.complex) return apply<T>(source, destination, 0, math_kernels<T>().magnitude);
-  return apply<T>(source, destination, 0, [](const T* x, T* y, size_t n) { map_scalars(x, y, n, Absolute()); });
+  return apply<T>(source, destination, 0, [](const T* x, T* y, size_t n) { map_samples(x, y, n, Absolute()); });
 }
 
 template <class T> Status magsq(const Vector<T>& source, Vector<T>& destination) {
   if (&source == &destination) return dspi::magsq<T>(destination);
   if (source.complex) return apply<T>(source, destination, 0, math_kernels<T>().magsq_capped);
-  return apply<T>(source, destination, 0, [](const T* x, T* y, size_t n) { map_scalars(x, y, n, MagsqCapped()); });
+  return apply<T>(source, destination, 0, [](const T* x, T* y, size_t n) { map_samples(x, y, n, MagsqCapped()); });
 }
 
 }  // namespace sigvex::dspu

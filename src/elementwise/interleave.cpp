@@ -4,6 +4,7 @@
 
 #include "core/exports.h"
 #include "core/scratch.h"
+#include "elementwise/blocks.h"
 #include "elementwise/kernels.h"
 #include "elementwise/operations.h"
 #include "elementwise/rules.h"
@@ -35,6 +36,25 @@ Status weave(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t complex, 
   return kSuccess;
 }
 
+template <class T> Point<T> as_point(T x) { return {x, 0}; }
+template <class T> Point<T> as_point(Point<T> z) { return z; }
+
+// The points of n elements X and Y in turn.
+template <class X, class Y, class T> void alternate(const T* x, const T* y, T* z, size_t n) {
+  on_widest_vectors(n, [=] {
+    const auto put = [=](size_t k, auto first, auto second) {
+      store<T>(z, 2 * k, as_point(first));
+      store<T>(z, 2 * k + 1, as_point(second));
+    };
+    const auto one = [=](size_t k) { put(k, Element<X>::at(x, k), Element<Y>::at(y, k)); };
+    in_blocks<true>(n, one, [=](size_t k) {
+      const Block<X> a(x, k);
+      const Block<Y> b(y, k);
+      for (size_t i = 0; i < kBlock; ++i) put(k + i, a[i], b[i]);
+    });
+  });
+}
+
 }  // namespace
 
 template <class T> Status ritoc(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
@@ -46,14 +66,12 @@ template <class T> Status inter(const Vector<T>& a, const Vector<T>& b, Vector<T
   if (points<T>(a) != points<T>(b)) return kFailure;
   const size_t n = 2 * points<T>(a);
   if (!a.complex && !b.complex) return weave<T>(a, b, n, 0, result, math_kernels<T>().weave);
-  const bool complex_a = a.complex,
-             complex_b = b.complex;  // before the result, which may be one of them, gets its form
+  const bool complex_a = a.complex, complex_b = b.complex;  // before the result, which may be an input, gets its form
   return weave<T>(a, b, n, 1, result, [=](const T* x, const T* y, T* z, size_t k) {
-    while (k-- > 0) {
-      const Point<T> first = complex_a ? Point<T>{x[2 * k], x[2 * k + 1]} : Point<T>{x[k], 0};
-      const Point<T> second = complex_b ? Point<T>{y[2 * k], y[2 * k + 1]} : Point<T>{y[k], 0};
-      store<T>(z, 2 * k, first);
-      store<T>(z, 2 * k + 1, second);
+    if (complex_a) {
+      complex_b ? alternate<Point<T>, Point<T>>(x, y, z, k) : alternate<Point<T>, T>(x, y, z, k);
+    } else {
+      alternate<T, Point<T>>(x, y, z, k);
     }
   });
 }
@@ -62,12 +80,17 @@ template <class T> Status inter(const Vector<T>& a, const Vector<T>& b, Vector<T
 
 namespace {
 
-// Spreads n elements by zeros, from the last to the first: they may come to lie over themselves.
+// Spreads n elements by zeros, from the last to the first and some at a time: they may come to lie over themselves.
 template <class E> void stuff(const E* x, E* y, size_t n, size_t factor) {
-  while (n-- > 0) {
-    const E element = x[n];
-    std::fill_n(y + n * factor, factor, E{});
-    y[n * factor] = element;
+  constexpr size_t kSome = 256;
+  while (n > 0) {
+    E some[kSome];
+    const size_t count = n % kSome > 0 ? n % kSome : kSome;
+    n -= count;
+    std::copy_n(x + n, count, some);
+    E* const to = y + n * factor;
+    std::fill_n(to, count * factor, E{});
+    for (size_t k = 0; k < count; ++k) to[k * factor] = some[k];
   }
 }
 

@@ -5,7 +5,6 @@
 #include <type_traits>
 
 #include "core/vector.h"
-#include "core/widest.h"
 
 namespace sigvex {
 
@@ -27,17 +26,6 @@ template <class T> Point<T> operator*(T x, Point<T> z) { return z * x; }
 template <class T> Point<T> operator*(Point<T> a, Point<T> b) {
   return {rounded_product(a.re, b.re) - rounded_product(a.im, b.im),
           rounded_product(a.im, b.re) + rounded_product(a.re, b.im)};
-}
-
-// A loop of n turns over products of points. Not for AVX-512, which brings fused instructions along: GCC 12.2 uses them
-// for the difference and the sum of such a product, contraction off or not (its bug 107647), and one term is not
-// rounded then.
-template <class F> void on_vectors_for_products(size_t n, F loop) {
-#if defined(__x86_64__)
-  constexpr size_t kWidePays = 64;
-  if (n >= kWidePays && widest_vectors() != Vectors::kBaseline) return on_avx2(loop);
-#endif
-  loop();
 }
 
 }  // namespace sigvex
