@@ -146,10 +146,10 @@ struct BesselFunction {
   double swings_from;
 };
 const BesselFunction kBesselFunctions[] = {
-    {"besj0", dspi_besj0, dspfi_besj0, ::j0, ::j0f, mpfr_j0, ::y0, {-1e6, 1e6}, 2},
-    {"besj1", dspi_besj1, dspfi_besj1, ::j1, ::j1f, mpfr_j1, ::y1, {-1e6, 1e6}, 2},
-    {"besy0", dspi_besy0, dspfi_besy0, ::y0, ::y0f, mpfr_y0, ::j0, {kLeastSingle, 1e6}, 0.5},
-    {"besy1", dspi_besy1, dspfi_besy1, ::y1, ::y1f, mpfr_y1, ::j1, {kLeastSingle, 1e6}, 0.5},
+    {"besj0", dspi_besj0, dspfi_besj0, ::j0, ::j0f, mpfr_j0, ::y0, {-1e12, 1e12}, 2},
+    {"besj1", dspi_besj1, dspfi_besj1, ::j1, ::j1f, mpfr_j1, ::y1, {-1e12, 1e12}, 2},
+    {"besy0", dspi_besy0, dspfi_besy0, ::y0, ::y0f, mpfr_y0, ::j0, {kLeastSingle, 1e12}, 0.5},
+    {"besy1", dspi_besy1, dspfi_besy1, ::y1, ::y1f, mpfr_y1, ::j1, {kLeastSingle, 1e12}, 0.5},
 };
 
 template <class T> auto of(const auto& function) {

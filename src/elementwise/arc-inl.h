@@ -15,7 +15,7 @@ namespace HWY_NAMESPACE {
 // quarters pi/2 + sign a, where |a| is at most that many quarters, or the quarters are 0.
 template <class T> HWY_INLINE V<T> mirrored(V<T> quarters, V<T> sign, Sum<T> a) {
   const Sum<T> sum = fast_sum<T>(quarters * set<T>(std::numbers::pi / 2), hn::Xor(sign, a.high));
-  return sum.high + (sum.low + muladd(quarters, set<T>(kRightAngleRest<T>), hn::Xor(sign, a.low)));
+  return sum.high + (sum.low + muladd(quarters, set<T>(kRightAngle<T>[1]), hn::Xor(sign, a.low)));
 }
 
 // atan2(y, x) from the smaller magnitude over the larger, mirrored at the diagonal and at the axes. The quotient t is

@@ -93,7 +93,7 @@ template <int kOrder, bool kSecond> HWY_INLINE V<double> bessel(V<double> x) {
     value = hn::IfThenElse(is_near, near, value);
   }
   if constexpr (kOrder == 1 && !kSecond) value = with_sign_of<double>(x, value);
-  M<double> fine = hn::Le(y, set<double>(0x1p19));  // where the products of the quadrants are exact
+  M<double> fine = hn::Le(y, set<double>(kFused ? 0x1p40 : 0x1p19));  // where right angles are taken off exactly
   if constexpr (kSecond) fine = hn::And(fine, hn::Ge(y, set<double>(0x1p-1000)));
   return patch<double>(
       fine, value,

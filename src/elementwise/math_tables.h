@@ -290,17 +290,15 @@ alignas(64) inline constexpr float kArctan16Error<float>[16] = {0,
                                                                 0x1.5e118cp-27F,
                                                                 -0x1.1d4eb6p-26F};
 
-// pi/2 in three parts. With fused products only the first one's product with n must leave no rest: its last bit is no
-// finer than that of an argument of one quadrant. Without, the first two have so few bits that their products are
-// exact.
-template <class T> inline constexpr T kRightAngle[3] = {0x1.921fb544p+0, 0x1.0b4611a626331p-34, 0x1.1701b839a252p-88};
+// pi/2 in three parts, each the number nearest to what the ones before it lack. A fused product of n with the first one
+// leaves no rest where it is taken from its near multiple: that has no finer bits. Without fused products the first two
+// have so few bits that their products are exact.
+template <class T>
+inline constexpr T kRightAngle[3] = {0x1.921fb54442d18p+0, 0x1.1a62633145c07p-54, -0x1.f1976b7ed8fbcp-110};
 template <> inline constexpr float kRightAngle<float>[3] = {0x1.921fb6p+0F, -0x1.777a5cp-25F, -0x1.ee59dap-50F};
 template <class T>
 inline constexpr T kRightAngleUnfused[3] = {0x1.921fb544p+0, 0x1.0b4611a8p-34, -0x1.d9cceba3f91f2p-66};
 template <> inline constexpr float kRightAngleUnfused<float>[3] = {0x1.922p+0F, -0x1.28p-18F, -0x1.777a5cp-25F};
-// pi/2 - the number nearest to it
-template <class T> inline constexpr T kRightAngleRest = 0x1.1a62633145c07p-54;
-template <> inline constexpr float kRightAngleRest<float> = -0x1.777a5cp-25F;
 
 // 1 / (k!)^2, the power series of I0 in (x/2)^2.
 inline constexpr auto kI0Series = [] {

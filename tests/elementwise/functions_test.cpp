@@ -127,7 +127,7 @@ TEST_BOTH(Functions, ModifiedBesselIsAccurateUpToTheLimit) {
   });
 }
 
-// Below, at and above the edges of the kernels, 2^-1000, 2 and 2^19, and at the zeros. In double the C library's own
+// Below, at and above the edges of the kernels, 2^-1000, 2, 2^19 and 2^40, and at the zeros. In double the C library's own
 // error is up to 4 units in the last place of the amplitude, ours up to 3; single precision is that, rounded.
 TEST_BOTH(Functions, BesselOfBothKindsMatchTheCLibrary) {
   struct Row {
@@ -147,7 +147,7 @@ TEST_BOTH(Functions, BesselOfBothKindsMatchTheCLibrary) {
       EXPECT_EQ(row.operation(v), 0);
       for (size_t k = 0; k < x.size(); ++k) {
         const double at = std::abs(static_cast<double>(x[k])), exact = row.exact(static_cast<double>(x[k]));
-        if (!(at > 0x1p-1000 && at < 0x1p19 && std::isfinite(exact))) {
+        if (!(at > 0x1p-1000 && at < 0x1p40 && std::isfinite(exact))) {
           ASSERT_TRUE(identical(v[k], static_cast<T>(exact))) << x[k] << target;
           continue;
         }
