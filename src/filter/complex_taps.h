@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "core/vector.h"
+#include "core/widest.h"
 
 namespace sigvex {
 
@@ -17,12 +18,20 @@ template <class T, class Sums> void by_parts(int32_t complex, T* y, size_t n, Su
     const size_t m = std::min(kBlock, n * width - start);
     sums(0, start, by_re, m);
     sums(1, start, by_im, m);
-    for (size_t k = 0; k < m; k += width) {
-      const Point<T> z = complex ? Point<T>{by_re[k] - by_im[k + 1], by_re[k + 1] + by_im[k]}  //
-                                 : Point<T>{by_re[k], by_im[k]};
-      *y++ = z.re;
-      *y++ = z.im;
-    }
+    on_widest_vectors(m, [=, re = by_re, im = by_im] {
+      if (complex) {
+        for (size_t k = 0; k < m; k += 2) {
+          y[k] = re[k] - im[k + 1];
+          y[k + 1] = re[k + 1] + im[k];
+        }
+      } else {
+        for (size_t k = 0; k < m; ++k) {
+          y[2 * k] = re[k];
+          y[2 * k + 1] = im[k];
+        }
+      }
+    });
+    y += complex ? m : 2 * m;
   }
 }
 

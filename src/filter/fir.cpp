@@ -27,14 +27,16 @@ template <class T> void convolve(const T* x, int32_t complex, const Vector<T>& t
   });
 }
 
-// The first n outputs by their definition.
+// The first n outputs by their definition. Those at the seam fill a whole tile where there are as many.
 template <class T>
 Status filter_directly(const Vector<T>& in, const Vector<T>& taps, Vector<T>& out, const Vector<T>* state, size_t n) {
-  const size_t past = points<T>(taps) - 1, head = std::min(past, n);
+  const size_t past = points<T>(taps) - 1, head = std::min(std::max(past, kWholeTile), n);
   Scratch<T> seam;
   SIGVEX_TRY(join<T>(seam, state, past, in, head));
   convolve<T>(seam.data, in.complex, taps, out.data, head);
-  convolve<T>(in.data, in.complex, taps, out.data + head * (out.complex ? 2 : 1), n - head);
+  if (head == n) return kSuccess;
+  convolve<T>(in.data + (head - past) * (in.complex ? 2 : 1), in.complex, taps, out.data + head * (out.complex ? 2 : 1),
+              n - head);
   return kSuccess;
 }
 

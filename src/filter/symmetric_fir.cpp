@@ -7,45 +7,48 @@
 #include "filter/complex_taps.h"
 #include "filter/kernels.h"
 #include "filter/operations.h"
+#include "filter/pair_order.h"
 
 namespace sigvex {
 namespace {
 
-// The distance in scalars from an output's oldest sample to each pair that shares a tap, by tap, the centre last (its
-// later one is not used), where every step-th point from r on lies in row r and the rows are `row` points apart.
-class Pairs {
- public:
-  Pairs(size_t half, size_t step, size_t row, size_t width) : early_(half), late_(half) {
-    const auto place = [=](size_t k) { return (k % step * row + k / step) * width; };
-    for (size_t k = 0; k < half; ++k) {
-      early_[k] = place(k);
-      late_[k] = place(2 * half - 2 - k);
-    }
-  }
+// The pairs where point k of those that an output reaches back to lies at place(k), of points of `width` scalars.
+template <class T, class Place> std::vector<Pair> pairs_at(const Vector<T>& half, size_t width, Place place) {
+  const size_t reach = points<T>(half) - 1, tap_width = half.complex ? 2 : 1;
+  std::vector<Pair> pairs;
+  pairs.reserve(reach + 1);
+  const auto add = [&](size_t e) { pairs.push_back({place(reach - e), place(reach + e), (reach - e) * tap_width}); };
+  add(0);
+  for_each_pair(reach, pair_period<T>(width), add);
+  return pairs;
+}
 
-  // n outputs y, the oldest sample of the first at x.
-  template <class T> void convolve(const T* x, int32_t complex, const Vector<T>& half, T* y, size_t n) const {
-    const auto kernel = filter_kernels<T>().convolve_pairs;
-    const size_t taps = early_.size();
-    if (!half.complex) return kernel(x, early_.data(), late_.data(), half.data, 1, taps, y, n * (complex ? 2 : 1));
-    by_parts<T>(complex, y, n, [&](size_t part, size_t start, T* to, size_t m) {
-      kernel(x + start, early_.data(), late_.data(), half.data + part, 2, taps, to, m);
-    });
-  }
-
- private:
-  std::vector<size_t> early_, late_;
-};
+// n outputs y, the oldest sample of the first at x.
+template <class T> void convolve(const T* x, int32_t complex, const Vector<T>& half, T* y, size_t n) {
+  const size_t width = complex ? 2 : 1, tap_width = half.complex ? 2 : 1;
+  const std::vector<Pair> pairs = pairs_at<T>(half, width, [width](size_t k) { return k * width; });
+  const auto sums = [&](size_t part, size_t start, T* to, size_t m) {
+    filter_kernels<T>().convolve_symmetric(x + start, width, pairs.data(), pairs.size(), half.data + part, tap_width,
+                                           to, m);
+  };
+  if (half.complex) by_parts<T>(complex, y, n, sums);
+  else sums(0, 0, y, n * width);
+}
 
 // n outputs y, `step` points apart, the oldest sample of the first at x. A decimation computes on the points in the
-// order of their place within a step: the samples that one tap meets in neighbouring outputs are then neighbours.
+// order of their place within a step, every step-th one from r on in row r: the samples that one tap meets in
+// neighbouring outputs are then neighbours.
 template <class T> void convolve(const T* x, int32_t complex, const Vector<T>& half, size_t step, T* y, size_t n) {
+  if (step == 1) return convolve<T>(x, complex, half, y, n);
   const size_t width = complex ? 2 : 1, out_width = complex || half.complex ? 2 : 1, past = symmetric_past<T>(half);
-  if (step == 1) return Pairs(points<T>(half), 1, 0, width).convolve<T>(x, complex, half, y, n);
   const size_t rows = std::min(step, past + 1), tile = std::min(n, std::max<size_t>(128, 4096 / rows));
   const size_t row = tile + past / step;
-  const Pairs pairs(points<T>(half), step, row, width);
+  const auto place = [=](size_t k) { return (k % step * row + k / step) * width; };
+  const std::vector<Pair> pairs = pairs_at<T>(half, width, place);
   std::vector<T> sorted(rows * row * width);
+  const auto sums = [&](size_t part, size_t start, T* to, size_t m) {
+    filter_kernels<T>().convolve_pairs(sorted.data() + start, pairs.data(), pairs.size(), half.data + part, to, m);
+  };
   for (size_t done = 0; done < n; done += tile) {
     const size_t m = std::min(tile, n - done);
     for (size_t r = 0; r < rows; ++r) {
@@ -55,7 +58,8 @@ template <class T> void convolve(const T* x, int32_t complex, const Vector<T>& h
       for (size_t k = 0, count = m + (past - r) / step; k < count; ++k, from += step * width)
         for (size_t part = 0; part < width; ++part) *to++ = from[part];
     }
-    pairs.convolve<T>(sorted.data(), complex, half, y + done * out_width, m);
+    if (half.complex) by_parts<T>(complex, y + done * out_width, m, sums);
+    else sums(0, 0, y + done * out_width, m * width);
   }
 }
 
@@ -64,7 +68,8 @@ template <class T> void convolve(const T* x, int32_t complex, const Vector<T>& h
 template <class T>
 Status filter_symmetrically(const Vector<T>& in, const Vector<T>& half, const Vector<T>* history, const Kept& kept,
                             Vector<T>& out) {
-  const size_t past = symmetric_past<T>(half), head = std::min(past, points<T>(in));
+  const size_t past = symmetric_past<T>(half), seam_size = kept.step == 1 ? std::max(past, kWholeTile) : past;
+  const size_t head = std::min(seam_size, points<T>(in));
   const size_t width = in.complex ? 2 : 1, out_width = out.complex ? 2 : 1;
   const size_t at_seam = Kept(head, kept.start, kept.step).count, rest = kept.start + at_seam * kept.step;
   if (at_seam > 0) {
