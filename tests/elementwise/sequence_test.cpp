@@ -1,5 +1,4 @@
 // Operations on a vector as a sequence: running rules, sizes, order.
-#include <algorithm>
 #include <numbers>
 
 #include "elementwise/inplace.h"
@@ -30,7 +29,7 @@ TEST_BOTH(Sequence, EachRuleAtItsEdges) {
       {i, {big, 1, 1, -big}, {big, big, big, 0}, 1},  // summed one by one in the precision of the samples
       {i, z({1, 2, 3, 5}), z({2, 4, 8, 14}), 2},
       {u, {0, 6}, {0, 6 - turn}},
-      {u, {pi, 0, -pi}, {pi, 0, -pi}},  // half a turn stays
+      {u, {pi, T(0.1), 0, -pi}, {pi, T(0.1), 0, -pi}},  // half a turn stays, and what is less to the bit
       {u, {beyond}, {beyond - turn}},
       {u, {3, -3, 4}, {3, 3 + (-6 + turn), 4}},  // 4 is measured against the corrected -3
       {u, {100}, {std::fmod(T(100), turn) - turn}},
@@ -203,7 +202,10 @@ TEST_BOTH(Sequence, PointsSortByMagnitudeThenParts) {
   const auto key = [](std::complex<T> z) { return z.real() * z.real() + z.imag() * z.imag(); };
   const T values[] = {0, 1, -1, 2, -2, 3, kInf<T>, -kInf<T>, kNaN<T>, -kNaN<T>, kHuge<T> * kHuge<T>};
   std::vector<std::complex<T>> z;
-  for (size_t k = 0; k < 3000; ++k) z.emplace_back(values[k * k % 11], values[k * 7919 % 1009 % 11]);
+  for (size_t k = 0; k < 3000; ++k) {
+    z.emplace_back(values[k * k % 11], values[k * 7919 % 1009 % 11]);
+    z.emplace_back(0, T(k / 2 + 4) * (k % 2 ? -1 : 1));  // two of each magnitude
+  }
   Vec<T> v(z);
   std::sort(z.begin(), z.end(), [&](std::complex<T> a, std::complex<T> b) {
     const int order[] = {compare(key(a), key(b)), compare(a.real(), b.real()), compare(a.imag(), b.imag())};

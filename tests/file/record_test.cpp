@@ -1,13 +1,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <numeric>
 #include <random>
-#include <string>
 
 #include "file/temporary_stream.h"
 

@@ -1,6 +1,4 @@
-#include <cstdio>
 #include <random>
-#include <string>
 
 #include "file/temporary_stream.h"
 

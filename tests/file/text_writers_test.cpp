@@ -1,6 +1,4 @@
-#include <cstdio>
 #include <numeric>
-#include <string>
 
 #include "file/temporary_stream.h"
 

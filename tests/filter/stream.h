@@ -1,9 +1,7 @@
 // A signal in blocks through an operation with state, as a host runs it.
 #pragma once
 
-#include <algorithm>
 #include <numeric>
-#include <random>
 
 #include "support/reference_transform.h"
 

@@ -1,5 +1,3 @@
-#include <random>
-
 #include "support/cpu_targets.h"
 #include "support/reference_transform.h"
 

@@ -15,48 +15,43 @@ SUITE_OF_BOTH(Transform);
 
 struct Length {
   size_t n, step = 1;  // every step-th bin is compared
-  bool power_of_two() const { return std::has_single_bit(n); }
 };
-constexpr Length kLengths[] = {{2},   {3},       {4},       {5},        {6},          {7},           {8},
-                               {9},   {12},      {16},      {31},       {33},         {64},          {99},
-                               {100}, {1009, 7}, {1024, 7}, {4098, 61}, {20011, 997}, {100003, 9973}};
+// Convolutions of two points up to those in sweeps over memory; 4097 points are one more than half of what is padded.
+constexpr Length kLengths[] = {
+    {2},  {3},  {4},  {5},   {6},       {7},       {8},         {9},        {12},         {16},         {31},
+    {33}, {64}, {99}, {100}, {1009, 7}, {1024, 7}, {4097, 911}, {4098, 61}, {8191, 1777}, {20011, 997}, {100003, 9973}};
 
-TEST_BOTH(Transform, EveryLengthWithinItsErrorBound) {
+// Either transform of a length: the one for powers of two only there.
+template <class F> void for_each_way(const Length& length, F check) {
+  for (const bool fast : {false, true}) {
+    if (!fast || std::has_single_bit(length.n)) check(fast);
+  }
+}
+
+TEST_BOTH(Transform, EveryLengthWithinItsErrorBoundOnEveryCpuTarget) {
   for (const Length& length : kLengths) {
     const auto [n, step] = length;
     for (const bool complex : {false, true}) {
       const Vec<T> x = noise<T>(n, complex);
-      for (const uint32_t inverse : {0U, 2U, 0U}) {
-        const ReferenceTransform reference(x, inverse);
-        for (const bool fast : {false, true}) {
-          if (fast && !length.power_of_two()) continue;
-          Vec<T> v = x;
-          v->delta = T(0.5);
-          ASSERT_EQ(fast ? fft(v.get(), inverse) : dft(v.get(), inverse), 0);
-          EXPECT_LE(transform_error(v, reference, step), transform_bound<T>(n)) << n << ' ' << inverse;
-          EXPECT_EQ(v->points, static_cast<int32_t>(n));
-          EXPECT_EQ(v->complex, 1);
-          EXPECT_EQ(v->delta, T(1) / (static_cast<T>(n) * T(0.5)));
+      const ReferenceTransform references[] = {{x, false}, {x, true}};
+      for_each_cpu_target([&](const char* target) {
+        for (const uint32_t inverse : {0U, 2U, 0U}) {
+          for_each_way(length, [&](bool fast) {
+            SCOPED_TRACE(::testing::Message() << n << ' ' << inverse << ' ' << target);
+            Vec<T> v = x;
+            v->delta = T(0.5);
+            ASSERT_EQ(fast ? fft(v.get(), inverse) : dft(v.get(), inverse), 0);
+            EXPECT_LE(transform_error(v, references[inverse / 2], step), transform_bound<T>(n));
+            EXPECT_TRUE(v->points == static_cast<int32_t>(n) && v->complex == 1);
+            EXPECT_EQ(v->delta, T(1) / (static_cast<T>(n) * T(0.5)));
+            if (complex || inverse || fast || std::has_single_bit(n)) return;
+            Vec<T> half = x;
+            EXPECT_EQ(rdft(half.get()), 0);
+            EXPECT_TRUE(std::equal(half->data, half->data + half.size(), v->data));
+          });
         }
-      }
+      });
     }
-  }
-}
-
-// Convolutions of two points up to those in sweeps over memory; 4097 points are one more than half of what is padded.
-TEST_BOTH(Transform, LengthsThatAreNoPowerOfTwoOnEveryCpuTarget) {
-  for (const auto& [n, step] :
-       std::initializer_list<Length>{{3}, {5}, {9}, {100, 3}, {1009, 97}, {4097, 911}, {8191, 1777}}) {
-    const Vec<T> z = noise<T>(n, true), x = noise<T>(n, false);
-    const ReferenceTransform forward(z, false), inverse(z, true), real(x, false);
-    for_each_cpu_target([&, n = n, step = step](const char* target) {
-      Vec<T> a = z, b = z, c = x, d = x;
-      ASSERT_EQ(dft(a.get(), 0U) | dft(b.get(), 1U) | dft(c.get(), 0U) | rdft(d.get()), 0);
-      EXPECT_LE(transform_error(a, forward, step), transform_bound<T>(n)) << n << ' ' << target;
-      EXPECT_LE(transform_error(b, inverse, step), transform_bound<T>(n)) << n << ' ' << target;
-      EXPECT_LE(transform_error(c, real, step), transform_bound<T>(n)) << n << ' ' << target;
-      EXPECT_TRUE(std::equal(d->data, d->data + 2 * d->points, c->data)) << n << ' ' << target;
-    });
   }
 }
 
@@ -65,8 +60,7 @@ TEST_BOTH(Transform, HalfSpectraAndBack) {
     const auto [n, step] = length;
     const Vec<T> x = noise<T>(n, false);
     const ReferenceTransform reference(x, false);
-    for (const bool fast : {false, true}) {
-      if (fast && !length.power_of_two()) continue;
+    for_each_way(length, [&](bool fast) {
       Vec<T> v = x;
       v->delta = T(0.5);
       ASSERT_EQ(fast ? rfft(v.get()) : rdft(v.get()), 0);
@@ -77,7 +71,7 @@ TEST_BOTH(Transform, HalfSpectraAndBack) {
       EXPECT_EQ(v->complex, 0);
       EXPECT_LE(difference(v, x), 2 * transform_bound<T>(n)) << n;
       EXPECT_NEAR(v->delta, 0.5, 2 * kEps<T>);
-    }
+    });
   }
 }
 
@@ -140,40 +134,31 @@ TEST_BOTH(Transform, ShortVectorsAndRefusals) {
   const struct {
     std::function<int32_t(R*)> call;
     std::vector<int32_t> points;
-    bool complex;
-    int32_t status;
+    int32_t complex, status;
     T delta;  // afterwards, when it was 0.25
-  } rows[] = {
-      {[](R* v) { return dft(v, 0U); }, {1, 0, -3}, false, 0, 4},
-      {[](R* v) { return rdft(v); }, {1, 0}, false, 0, 4},
-      {[](R* v) { return fft(v, 0U); }, {1}, false, 0, 4},
-      {[](R* v) { return fft(v, 1U); }, {1}, true, 0, 4},
-      {[](R* v) { return rfft(v); }, {1}, false, 0, 4},
-      {[](R* v) { return dct(v, 0U); }, {0, -2}, false, 0, 2},
-      {[](R* v) { return dct(v, 3U); }, {0, -2}, false, 0, 2},
-      {[](R* v) { return hilbert(v); }, {0, -5}, false, 0, T(0.25)},
-      {[](R* v) { return analytic(v); }, {0, -5}, false, 0, T(0.25)},
-      {[](R* v) { return fft(v, 0U); }, {0, -1, -8, INT32_MIN, 3, 6}, false, -1, T(0.25)},
-      {[](R* v) { return rfft(v); }, {0, -1, -8, INT32_MIN, 3, 6}, false, -1, T(0.25)},
-      {[](R* v) { return rfft(v); }, {4}, true, -1, T(0.25)},
-      {[](R* v) { return rdft(v); }, {3}, true, -1, T(0.25)},
-      {[](R* v) { return dct(v, 0U); }, {3}, true, -1, T(0.25)},
-  };
+  } rows[] = {{WITH(i, dft, 0), {1, 0, -3}, 0, 0, 4},
+              {TWIN_OF(i, rdft), {1, 0}, 0, 0, 4},
+              {WITH(i, fft, 0), {1}, 0, 0, 4},
+              {WITH(i, fft, 1), {1}, 1, 0, 4},
+              {TWIN_OF(i, rfft), {1}, 0, 0, 4},
+              {WITH(i, dct, 0), {0, -2}, 0, 0, 2},
+              {WITH(i, dct, 3), {0, -2}, 0, 0, 2},
+              {TWIN_OF(i, hilbert), {0, -5}, 0, 0, T(0.25)},
+              {TWIN_OF(i, analytic), {0, -5}, 0, 0, T(0.25)},
+              {WITH(i, fft, 0), {0, -1, -8, INT32_MIN, 3, 6}, 0, -1, T(0.25)},
+              {TWIN_OF(i, rfft), {0, -1, -8, INT32_MIN, 3, 6}, 0, -1, T(0.25)},
+              {TWIN_OF(i, rfft), {4}, 1, -1, T(0.25)},
+              {TWIN_OF(i, rdft), {3}, 1, -1, T(0.25)},
+              {WITH(i, dct, 0), {3}, 1, -1, T(0.25)}};
   for (const auto& row : rows) {
     for (const int32_t points : row.points) {
       for (const T delta : {T(0.25), T(0), T(-0.0)}) {
         SCOPED_TRACE(::testing::Message() << "row " << &row - rows << ", " << points << " points");
-        Vec<T> v{1, 2, 3, 4, 5, 6, 7, 8};
-        v->points = points;
-        v->complex = row.complex;
-        v->delta = delta;
+        Vec<T> storage{1, 2, 3, 4, 5, 6, 7, 8}, v = Vec<T>::over(storage->data, points, row.complex, delta);
         EXPECT_EQ(row.call(v), row.status);
         EXPECT_EQ(v->delta, delta != 0 ? row.delta : row.delta == T(0.25) ? 0 : kHuge<T>);
-        EXPECT_EQ(v->points, points);
-        EXPECT_EQ(v->complex, row.complex);
-        v->points = 8;
-        v->complex = 0;
-        EXPECT_TRUE(exactly(v, {1, 2, 3, 4, 5, 6, 7, 8}));
+        EXPECT_TRUE(v->points == points && v->complex == row.complex && v->data == storage->data);
+        EXPECT_TRUE(exactly(storage, {1, 2, 3, 4, 5, 6, 7, 8}));
       }
     }
   }

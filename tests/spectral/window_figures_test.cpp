@@ -1,8 +1,5 @@
 // dsp_window_metric against closed forms, published figures, and the spectra of the windows that dspi_window
 // applies.
-#include <algorithm>
-#include <limits>
-
 #include "support/twin.h"
 
 namespace sigvex_test {

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <functional>
 #include <numeric>
 
@@ -151,33 +150,33 @@ TEST_BOTH(Window, RotationFormAndSamples) {
 }
 
 TEST_BOTH(Window, RefusalsLeaveTheVector) {
-  using R = Record<T>;
   constexpr T limit = static_cast<T>(kHuge<T> == T(1e100) ? 230.25850929940458 : 34.538776381388636);
-  const struct {
-    uint32_t type, flags;
-    T parameter;
-    // clang-format off
-  } rows[] = {{DSP_WINDOW_HANN, 3, 0}, {DSP_WINDOW_UNIFORM, 3, 0}, {32, 0, 0}, {UINT32_MAX, 0, 0},
-              {DSP_WINDOW_TRIANGULAR, kAlternative, 0}, {DSP_WINDOW_TRIANGULAR, kGiven, 3},
-              {DSP_WINDOW_HANN, kAlternative, 0}, {DSP_WINDOW_UNIFORM, kGiven, 0},
-              {DSP_WINDOW_KAISER70, kGiven, kNaN<T>}, {DSP_WINDOW_COS_LOBE, kGiven, kInf<T>},
-              {DSP_WINDOW_GAUSS60, kGiven, 0}, {DSP_WINDOW_TUKEY25, kGiven, T(1.5)},
-              {DSP_WINDOW_HANN, kGiven, T(0.25)}};  // the last holds no sample
-  // clang-format on
-  // clang-format off
-  std::vector<std::function<int32_t(R*)>> refused = {
-      [](R* v) { return window(v, DSP_WINDOW_HANN, kGiven); }, [](R* v) { return window_cos(v, kGiven); },
-      [](R* v) { return window_fir(v, DSP_WINDOW_HANN, kAlternative, T(0)); },
-      [](R* v) { return window_gauss(v, kAlternative, T(1)); }, [](R* v) { return window_gauss(v, 0U, kNaN<T>); },
-      [](R* v) { return window_sinc(v, 0U, T(0), T(1)); }, [](R* v) { return window_sinc(v, 0U, T(1), kInf<T>); },
-      [](R* v) { return window_tukey(v, 0U, T(-0.1)); }, [](R* v) { return window_kaiser(v, kGiven, T(1)); },
-      [](R* v) { return window_kaiser(v, kMean, kNaN<T>); },
-      [](R* v) { return window_kaiser(v, kMean, T(2.001) * limit); },
-      [](R* v) { return window_kaiser(v, kRms, T(-1.001) * limit); }};
-  // clang-format on
-  for (const auto& row : rows) {
-    refused.push_back([&row](R* v) { return window2(v, row.type, row.flags, row.parameter); });
-  }
+  const std::vector<std::function<int32_t(Record<T>*)>> refused = {
+      WITH(i, window2, DSP_WINDOW_HANN, 3, 0),
+      WITH(i, window2, DSP_WINDOW_UNIFORM, 3, 0),
+      WITH(i, window2, 32, 0, 0),
+      WITH(i, window2, UINT32_MAX, 0, 0),
+      WITH(i, window2, DSP_WINDOW_TRIANGULAR, kAlternative, 0),
+      WITH(i, window2, DSP_WINDOW_TRIANGULAR, kGiven, 3),
+      WITH(i, window2, DSP_WINDOW_HANN, kAlternative, 0),
+      WITH(i, window2, DSP_WINDOW_UNIFORM, kGiven, 0),
+      WITH(i, window2, DSP_WINDOW_KAISER70, kGiven, kNaN<T>),
+      WITH(i, window2, DSP_WINDOW_COS_LOBE, kGiven, kInf<T>),
+      WITH(i, window2, DSP_WINDOW_GAUSS60, kGiven, 0),
+      WITH(i, window2, DSP_WINDOW_TUKEY25, kGiven, T(1.5)),
+      WITH(i, window2, DSP_WINDOW_HANN, kGiven, T(0.25)),  // which holds no sample
+      WITH(i, window, DSP_WINDOW_HANN, kGiven),
+      WITH(i, window_cos, kGiven),
+      WITH(i, window_fir, DSP_WINDOW_HANN, kAlternative, 0),
+      WITH(i, window_gauss, kAlternative, 1),
+      WITH(i, window_gauss, 0, kNaN<T>),
+      WITH(i, window_sinc, 0, 0, 1),
+      WITH(i, window_sinc, 0, 1, kInf<T>),
+      WITH(i, window_tukey, 0, T(-0.1)),
+      WITH(i, window_kaiser, kGiven, 1),
+      WITH(i, window_kaiser, kMean, kNaN<T>),
+      WITH(i, window_kaiser, kMean, T(2.001) * limit),
+      WITH(i, window_kaiser, kRms, T(-1.001) * limit)};
   for (size_t k = 0; k < refused.size(); ++k) {
     Vec<T> v{1, 2, 3};
     EXPECT_EQ(refused[k](v), -1) << k;
@@ -191,17 +190,15 @@ TEST_BOTH(Window, RefusalsLeaveTheVector) {
 }
 
 TEST_BOTH(Window, FamiliesOfTheirOwnAreTheTypesWithoutRotation) {
-  using R = Record<T>;
   const struct {
     uint32_t type, given;
     T parameter;
-    int32_t (*family)(R*, uint32_t);
-  } rows[] = {
-      {DSP_WINDOW_COS_LOBE, 0, 0, [](R* v, uint32_t flags) { return window_cos(v, flags); }},
-      {DSP_WINDOW_GAUSS80, kGiven, T(0.2), [](R* v, uint32_t flags) { return window_gauss(v, flags, T(0.2)); }},
-      {DSP_WINDOW_SINC_LOBE, 0, 0, [](R* v, uint32_t flags) { return window_sinc(v, flags, T(1), T(kPi)); }},
-      {DSP_WINDOW_TUKEY25, kGiven, T(0.75), [](R* v, uint32_t flags) { return window_tukey(v, flags, T(0.75)); }},
-      {DSP_WINDOW_KAISER89, 0, 0, [](R* v, uint32_t flags) { return window_kaiser(v, flags, T(11.9)); }}};
+    int32_t (*family)(Record<T>*, uint32_t);
+  } rows[] = {{DSP_WINDOW_COS_LOBE, 0, 0, TWIN_OF(i, window_cos)},
+              {DSP_WINDOW_GAUSS80, kGiven, T(0.2), WITH(i, window_gauss, T(0.2))},
+              {DSP_WINDOW_SINC_LOBE, 0, 0, WITH(i, window_sinc, 1, T(kPi))},
+              {DSP_WINDOW_TUKEY25, kGiven, T(0.75), WITH(i, window_tukey, T(0.75))},
+              {DSP_WINDOW_KAISER89, 0, 0, WITH(i, window_kaiser, T(11.9))}};
   for (const auto& row : rows) {
     for (const uint32_t mode : {kMean, kRms, kPeak}) {
       for (const size_t n : {6, 7}) {
@@ -282,18 +279,11 @@ TEST_BOTH(Window, MetricsAreThoseOfTheWeights) {
     EXPECT_NEAR(enbw, 1.5, 1.5 * (4 * kEps<double> + kEps<T> / 2));
   }
   T none = 7;
-  const int32_t refused[] = {window_scale(&none, hann, 3U, 8),
-                             window_scale(&none, hann, kGiven, 8),
-                             window_scale(&none, hann, kAlternative, 8),
-                             window_scale(&none, 32U, kPeak, 8),
-                             window_scale(&none, gauss, kMean, 0),
-                             window_scale(&none, triangle, kRms, -4),
-                             window2_scale(&none, triangle, kGiven, 8, T(4)),
-                             window2_scale(&none, gauss, kGiven, 8, kNaN<T>),
-                             window_enbw(&none, 32U, 8),
-                             window_enbw(&none, gauss, 0),
-                             window2_enbw(&none, triangle, 8, T(4))};
-  for (const int32_t& status : refused) EXPECT_EQ(status, -1) << &status - refused;
+  const std::tuple<uint32_t, uint32_t, int32_t> refused[] = {{hann, 3, 8},   {hann, kGiven, 8}, {hann, kAlternative, 8},
+                                                             {32, kPeak, 8}, {gauss, kMean, 0}, {triangle, kRms, -4}};
+  for (const auto& [type, flags, n] : refused) EXPECT_EQ(window_scale(&none, type, flags, n), -1) << type << flags;
+  EXPECT_EQ(window2_scale(&none, triangle, kGiven, 8, T(4)) & window2_scale(&none, gauss, kGiven, 8, kNaN<T>), -1);
+  EXPECT_EQ(window_enbw(&none, 32U, 8) & window_enbw(&none, gauss, 0) & window2_enbw(&none, triangle, 8, T(4)), -1);
   EXPECT_EQ(none, T(7));
 }
 

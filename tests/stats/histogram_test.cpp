@@ -23,6 +23,7 @@ TEST_BOTH(Histogram, CountsByBinWithAnInclusiveTopEdge) {
       {Vec<T>::pairs({{kNaN<T>, 0}, {0, -2 * kHuge<T>}}), 0, double(kHuge<T>), 2, {0, 2}},
       {{1, 2}, 0, 1, -5, {}},
       {{}, 0, 1, 2, {0, 0}},
+      {Vec<T>(std::vector<T>(1300, 1)), 0, 1, 2, {0, 1300}},
   };
   for (const auto& [input, lo, width, bins, expected] : rows) {
     Vec<T> result = Vec<T>::pairs({{9, 9}}), itself(input), owner(input), reader = owner.view(), wanted(expected);

@@ -21,7 +21,7 @@ TEST_BOTH(Peak, FindsAndRefines) {
     int32_t status = 0;
   } rows[] = {
       {{5, 5, 1}, 0, 0, {5, 0}},
-      {{5, nan, 1, 2, T(-0.5)}, 0, 0, {2, 3}},  // the NaN takes the place of the 5 and leaves it to the 1
+      {{5, nan, 1, 2, T(-0.5), 2}, 0, 0, {2, 3}},  // the NaN takes the place of the 5 and leaves it to the 1
       {{5, nan}, 0, 0, {nan, 1}},
       {{-3 * huge, -2 * huge}, 0, 0, {-3 * huge, 0}},
       {{2, -4, 0, -4}, DSP_PEAK_MINIMUM, 0, {-4, 1}},
@@ -37,6 +37,7 @@ TEST_BOTH(Peak, FindsAndRefines) {
       {{1, 3, 2}, DSP_PEAK_GAUSS, 0, {height(3, e), 1 + e}},
       {{2, 3, 1}, DSP_PEAK_GAUSS, 0, {height(3, 1 - d), d}},
       {{3, 2}, DSP_PEAK_GAUSS, 0, {height(3, e), e}},
+      {{2, 3, 2}, DSP_PEAK_GAUSS, 0, {height(3, e), 1 + e}},  // the right one of equal neighbours
       {{1, 3, 2}, DSP_PEAK_GAUSS_CORRECTED, 0, {height(3, corrected), 1 + corrected}},
       {{1, 100}, DSP_PEAK_GAUSS, 0, {height(100, T(-0.5)), T(1.5)}, -1},
       {{3, -2}, DSP_PEAK_GAUSS, 0, {height(3, T(-0.5)), T(-0.5)}, -1},

@@ -1,10 +1,7 @@
 // Transforms by their definition in extended precision, and the error of ours against them.
 #pragma once
 
-#include <cmath>
-#include <complex>
 #include <random>
-#include <vector>
 
 #include "support/twin.h"
 
@@ -26,9 +23,10 @@ class ReferenceTransform {
     }
   }
   Wide operator()(size_t k) const {
+    const size_t n = samples_.size();
     Wide sum = 0;
-    for (size_t j = 0; j < samples_.size(); ++j) sum += samples_[j] * roots_[j * k % samples_.size()];
-    return inverse_ ? sum : sum / static_cast<long double>(samples_.size());
+    for (size_t j = 0, turn = 0; j < n; ++j, turn = (turn + k) % n) sum += samples_[j] * roots_[turn];
+    return inverse_ ? sum : sum / static_cast<long double>(n);
   }
 
  private:

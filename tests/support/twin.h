@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sigvex.h>
 
+#include <algorithm>
 #include <cmath>
 #include <complex>
 #include <cstdint>
@@ -79,8 +80,8 @@ constexpr long double kPi = 3.141592653589793238462643383279502884L;
 // The C function of an operation for the precision T, and with it its name for a row of a table.
 #define TWIN_OF(family, op)  (sigvex_test::Twin{&dsp##family##_##op, &dspf##family##_##op}.template of<T>())
 #define TWIN_ROW(family, op) #op, TWIN_OF(family, op)
-// The operation on whatever records it is called with, its further arguments given.
-#define WITH(family, op, ...) [](auto*... records) { return TWIN_OF(family, op)(records..., __VA_ARGS__); }
+// The operation of the first arguments, its last ones given.
+#define WITH(family, op, ...) [](auto... first) { return TWIN_OF(family, op)(first..., __VA_ARGS__); }
 
 // A record that owns its samples and releases them; converts to the pointer that the C functions take.
 template <class T> class Vec {

@@ -1,4 +1,3 @@
-#include <complex>
 #include <random>
 
 #include "run.h"

@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "run.h"
 
 namespace sigvex_test {
