@@ -1,7 +1,6 @@
 #include "support/twin.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::contents_test {
 
 TWINS(, append, copy_at_most, insert_subvec, cmp);
 TWIN(u, subvec);
@@ -95,5 +94,4 @@ TEST(Tof, RoundsEverySampleAndRefusesOneRecord) {
   EXPECT_EQ(dspfu_tof(copied, copied), -1);
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::contents_test

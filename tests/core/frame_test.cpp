@@ -1,7 +1,6 @@
 #include "support/twin.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::frame_test {
 
 TEST(Frame, VersionInitialisationAndReleaseOfAFreshLibrary) {
   EXPECT_TRUE(dsp_version() == 3035006 && dspf_version() == 3035006);
@@ -10,5 +9,4 @@ TEST(Frame, VersionInitialisationAndReleaseOfAFreshLibrary) {
   EXPECT_EQ(dsp_free_internal(), 0);
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::frame_test

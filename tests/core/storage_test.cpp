@@ -2,8 +2,7 @@
 
 #include "support/failing_storage.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::storage_test {
 
 TWINS(, init, destroy, alloc, realloc, copy, append);
 
@@ -100,5 +99,4 @@ TEST_BOTH(Storage, AFailingHookLeavesARecordThatCanBeUsedAgain) {
   for (const Vec<T>* each : {&v, &w}) EXPECT_TRUE(!(*each)->data && !(*each)->allocated && !(*each)->points);
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::storage_test

@@ -1,8 +1,7 @@
 // Arithmetic with constants, and changes between real, complex and polar form.
 #include "elementwise/inplace.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::arithmetic_test {
 
 SUITE_OF_BOTH(Arithmetic);
 
@@ -95,5 +94,4 @@ TEST_BOTH(Arithmetic, LimitClipsBothPartsAndReports) {
   EXPECT_TRUE(exactly(v, {-5, 0}));
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::arithmetic_test

@@ -1,8 +1,7 @@
 #include "elementwise/inplace.h"
 #include "support/cpu_targets.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::binary_test {
 
 SUITE_OF_BOTH(Binary);
 
@@ -223,5 +222,4 @@ TEST_BOTH(Binary, EachRuleAtItsEdges) {
   }
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::binary_test

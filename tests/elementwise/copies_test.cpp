@@ -1,7 +1,6 @@
 #include "elementwise/inplace.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::copies_test {
 
 // An operation beside its form in place, which has tests of its values.
 template <class T> struct Copy {
@@ -58,5 +57,4 @@ TEST_BOTH(Copies, GetTheInPlaceResultWhereverTheResultLies) {
   }
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::copies_test

@@ -4,8 +4,7 @@
 #include "elementwise/inplace.h"
 #include "support/cpu_targets.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::functions_test {
 
 SUITE_OF_BOTH(Functions);
 
@@ -160,5 +159,4 @@ TEST_BOTH(Functions, BesselOfBothKindsMatchTheCLibrary) {
   });
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::functions_test

@@ -3,8 +3,7 @@
 #include "support/cpu_targets.h"
 #include "support/twin.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::math_test {
 
 SUITE_OF_BOTH(Math);
 
@@ -126,5 +125,4 @@ TEST_BOTH(Math, ASampleGivesTheSameBitsWhereverItStands) {
   });
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::math_test

@@ -3,8 +3,7 @@
 
 #include "elementwise/inplace.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::sequence_test {
 
 SUITE_OF_BOTH(Sequence);
 
@@ -230,5 +229,4 @@ TEST_BOTH(Sequence, ShuffleGivesEveryPlaceAnEqualChance) {
   }
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::sequence_test

@@ -68,8 +68,7 @@ void* realloc(void* block, size_t n) noexcept {
 }
 }
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::exhaustion_test {
 
 // One of the calls of a row, on 12 real points, 12 complex ones and an empty record.
 template <class T> struct Call {
@@ -203,5 +202,4 @@ TEST_BOTH(Exhaustion, EveryRequestOfEveryOperationMayFail) {
   }
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::exhaustion_test

@@ -8,8 +8,7 @@
 
 #include "file/temporary_stream.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::record_test {
 
 TWINS(f, fread, fwrite, fwrite2);
 
@@ -166,5 +165,4 @@ TEST(Streams, StandardNamesAndRefusals) {
   EXPECT_TRUE(dspf_fclose(null) == 0 && dspf_fclose(full) == 0);
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::record_test

@@ -2,8 +2,7 @@
 
 #include "file/temporary_stream.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::text_reader_test {
 
 TWIN(f, fread);
 
@@ -101,5 +100,4 @@ TEST_BOTH(TextReader, StorageGrowsByOneThousandAndTwentyFourPoints) {
   }
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::text_reader_test

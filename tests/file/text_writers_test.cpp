@@ -2,8 +2,7 @@
 
 #include "file/temporary_stream.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::text_writers_test {
 
 TWINS(f, fwrite2, fwrite_ascii);
 
@@ -93,5 +92,4 @@ TEST_BOTH(TextWriters, DisplayRangeIsTheNextOfOneTwoFourFiveTen) {
   EXPECT_EQ(ranges, "144 1 1 0.4 10 5 10 1000 20 0.05 " + std::string(sizeof(T) == 8 ? "1e+100" : "1e+15"));
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::text_writers_test

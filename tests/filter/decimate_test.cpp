@@ -1,7 +1,6 @@
 #include "filter/stream.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::decimate_test {
 
 TWIN(d, deci);
 
@@ -44,5 +43,4 @@ TEST_BOTH(Decimation, BlocksOfAnySizesKeepTheStep) {
   }
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::decimate_test

@@ -1,7 +1,6 @@
 #include "support/twin.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::fir_design_test {
 
 TWINS(c, fir, fir2);
 
@@ -120,5 +119,4 @@ TEST_BOTH(Design, FixedSetsAreHalvesOfUnitGain) {
   }
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::fir_design_test

@@ -3,8 +3,7 @@
 #include "filter/stream.h"
 #include "support/cpu_targets.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::fir_test {
 
 TWIN(d, fir);
 TWIN(, free_internal);
@@ -77,5 +76,4 @@ TEST_BOTH(Fir, ALoudHistoryStaysWhereItReachesAndASampleInWrappedOutputs) {
   }
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::fir_test

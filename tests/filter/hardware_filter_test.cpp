@@ -1,7 +1,6 @@
 #include "filter/stream.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::hardware_filter_test {
 
 TWIN(d, hwfilt);
 constexpr Twin respond{&dspi_hwfilt, &dspfi_hwfilt};
@@ -93,5 +92,4 @@ TEST_BOTH(HardwareFilter, ParametersOutOfRangeTouchNothing) {
   EXPECT_TRUE(exactly(v, {1, 2}) && exactly(out, {3}) && exactly(state, {4}));
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::hardware_filter_test

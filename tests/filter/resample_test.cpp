@@ -1,8 +1,7 @@
 #include "filter/stream.h"
 #include "support/cpu_targets.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::resample_test {
 
 TWINS(c, rsmp_cos, rsmp_pcos);
 TWIN(d, rsmp2);
@@ -157,5 +156,4 @@ TEST_BOTH(Resampling, RefusesWhatItCannotDo) {
   EXPECT_TRUE(run(in, 1, kernel, 1) == 0 && kept->points == 3);
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::resample_test

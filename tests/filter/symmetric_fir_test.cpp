@@ -1,8 +1,7 @@
 #include "filter/stream.h"
 #include "support/cpu_targets.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::symmetric_fir_test {
 
 TWINS(d, sfir, sfir_deci, deci);
 
@@ -61,5 +60,4 @@ TEST_BOTH(SymmetricFir, OneRecordForBothStatesIsRefusedAndNoTapsPassTheInput) {
   EXPECT_TRUE(exactly(out, {in[5]}) && exactly(offset, {0}) && exactly(state, {1, 2, 3}));
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::symmetric_fir_test

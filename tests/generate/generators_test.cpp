@@ -3,8 +3,7 @@
 #include "support/cpu_targets.h"
 #include "support/twin.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::generators_test {
 
 TWIN(c, cexp);
 TWIN(c, cos);
@@ -99,5 +98,4 @@ TEST_BOTH(Generators, RefusedKindsLeaveTheStorageSized) {
   }
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::generators_test

@@ -3,8 +3,7 @@
 
 #include "support/twin.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::interpolation_test {
 
 SUITE_OF_BOTH(Interpolation);
 
@@ -187,5 +186,4 @@ TEST_BOTH(Interpolation, SurfacesAreProductsOfSplines) {
   EXPECT_TRUE(close(result, wanted.samples(), 100 * kEps<T>, 10));
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::interpolation_test

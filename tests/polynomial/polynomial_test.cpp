@@ -1,8 +1,7 @@
 #include "support/cpu_targets.h"
 #include "support/reference_transform.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::polynomial_test {
 
 SUITE_OF_BOTH(Polynomials);
 
@@ -222,5 +221,4 @@ TEST_BOTH(Polynomials, AreMultipliedOutOfTheirZeros) {
   }
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::polynomial_test

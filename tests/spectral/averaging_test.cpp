@@ -1,8 +1,7 @@
 #include "support/failing_storage.h"
 #include "support/twin.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::averaging_test {
 
 TWIN(h, avg);
 constexpr Twin spectrum{&dsph_fft, &dspfh_fft};
@@ -141,5 +140,4 @@ TEST_BOTH(Averaging, FramesAreCountedAndAveraged) {
   EXPECT_TRUE(exactly(a, before.samples()) && exactly(state, {9, 4}));
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::averaging_test

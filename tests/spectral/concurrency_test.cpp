@@ -3,8 +3,7 @@
 
 #include "support/reference_transform.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::concurrency_test {
 
 TWINS(i, dft, rdft, irdft, dct, window);
 TWIN(, free_internal);
@@ -54,5 +53,4 @@ TEST_BOTH(Concurrency, CachesMayBeReleasedWhileThreadsTransformAndWeight) {
   EXPECT_EQ(wrong, 0);
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::concurrency_test

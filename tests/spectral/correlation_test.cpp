@@ -2,8 +2,7 @@
 
 #include "support/reference_transform.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::correlation_test {
 
 constexpr Twin sliding{&dsph_corr, &dspfh_corr};
 TWIN(b, corr);
@@ -68,5 +67,4 @@ TEST_BOTH(Correlation, KeepsItsInputsWhateverTheWorkspaceAndRefusesLengthsTheyLa
   EXPECT_TRUE(exactly(result, before.samples()));
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::correlation_test

@@ -7,8 +7,7 @@
 #include "support/stand_in.h"
 #include "support/twin.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::dfti_test {
 
 TWINS(i, fft, rfft, dft);
 TWINS(, dft_set_flags, omp_set_num_threads, free_internal, lib_init);
@@ -141,5 +140,4 @@ TEST_BOTH(Dfti, AFailedTransformStaysCounted) {
   });
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::dfti_test

@@ -1,8 +1,7 @@
 #include "support/cpu_targets.h"
 #include "support/reference_transform.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::engine_test {
 
 TWINS(i, fft, rfft, irfft);
 TWIN(, free_internal);
@@ -67,5 +66,4 @@ TEST_BOTH(Engine, ImpulsesAndConstantsAreExact) {
   });
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::engine_test

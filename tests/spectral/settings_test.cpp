@@ -7,8 +7,7 @@
 #include "support/stand_in.h"
 #include "support/twin.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::settings_test {
 
 TWINS(, dft_get_flags, dft_set_flags, omp_get_max_threads, omp_set_num_threads, kmp_get_blocktime, kmp_set_blocktime,
       free_internal);
@@ -121,5 +120,4 @@ TEST_BOTH(Settings, FilesWithoutTheEntryPointsArePassedOver) {
   }
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::settings_test

@@ -6,8 +6,7 @@
 #include "support/failing_storage.h"
 #include "support/reference_transform.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::transform_test {
 
 TWINS(i, fft, rfft, irfft, dft, rdft, irdft, dct, hilbert, analytic);
 
@@ -30,7 +29,7 @@ template <class F> void for_each_way(const Length& length, F check) {
 
 TEST_BOTH(Transform, EveryLengthWithinItsErrorBoundOnEveryCpuTarget) {
   for (const Length& length : kLengths) {
-    const auto [n, step] = length;
+    const size_t n = length.n, step = length.step;
     for (const bool complex : {false, true}) {
       const Vec<T> x = noise<T>(n, complex);
       const ReferenceTransform references[] = {{x, false}, {x, true}};
@@ -57,7 +56,7 @@ TEST_BOTH(Transform, EveryLengthWithinItsErrorBoundOnEveryCpuTarget) {
 
 TEST_BOTH(Transform, HalfSpectraAndBack) {
   for (const Length& length : kLengths) {
-    const auto [n, step] = length;
+    const size_t n = length.n, step = length.step;
     const Vec<T> x = noise<T>(n, false);
     const ReferenceTransform reference(x, false);
     for_each_way(length, [&](bool fast) {
@@ -210,5 +209,4 @@ TEST_BOTH(Transform, StorageGrowsToTheConvolutionLengthOnce) {
   }
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::transform_test

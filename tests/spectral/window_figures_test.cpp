@@ -2,8 +2,7 @@
 // applies.
 #include "support/twin.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::window_figures_test {
 
 TWIN(, window_metric);
 TWIN(i, window);
@@ -139,5 +138,4 @@ TEST_BOTH(WindowFigures, RefuseWhatHasNone) {
   refused(DSP_WINDOW_HANN, 4, DSP_WINMETRIC_SIDE_LOBE, &result);  // the null is at half the bins
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::window_figures_test

@@ -5,8 +5,7 @@
 
 #include "support/twin.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::window_names_test {
 
 TWINS(, window_from_str, window_to_str);
 
@@ -88,5 +87,4 @@ TEST_BOTH(WindowNames, ShownNamesAreCutAndPaddedToTheBuffer) {
   EXPECT_EQ(show(0, nullptr, 9), -1);
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::window_names_test

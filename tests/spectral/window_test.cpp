@@ -3,8 +3,7 @@
 
 #include "support/failing_storage.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::window_test {
 
 TWINS(i, window, window2, window_fir, window_cos, window_gauss, window_kaiser, window_sinc, window_tukey, swap_halves2);
 TWINS(, free_internal, window_scale, window2_scale, window_enbw, window2_enbw);
@@ -287,5 +286,4 @@ TEST_BOTH(Window, MetricsAreThoseOfTheWeights) {
   EXPECT_EQ(none, T(7));
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::window_test

@@ -1,7 +1,6 @@
 #include "support/twin.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::histogram_test {
 
 SUITE_OF_BOTH(Histogram);
 
@@ -43,5 +42,4 @@ TEST_BOTH(Histogram, TheTopEdgeOfManyBinsStaysInside) {
   EXPECT_EQ(result[bins - 1], T(2));
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::histogram_test

@@ -1,7 +1,6 @@
 #include "support/twin.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::peak_test {
 
 SUITE_OF_BOTH(Peak);
 
@@ -61,5 +60,4 @@ TEST_BOTH(Peak, FindsAndRefines) {
   }
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::peak_test

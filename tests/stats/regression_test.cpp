@@ -3,8 +3,7 @@
 
 #include "support/twin.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::regression_test {
 
 SUITE_OF_BOTH(Regression);
 
@@ -121,5 +120,4 @@ TEST_BOTH(Regression, RefusesWhatHasNoLine) {
   EXPECT_TRUE(exactly(result, {kNaN<T>, kNaN<T>}));
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::regression_test

@@ -6,8 +6,7 @@
 #include "support/cpu_targets.h"
 #include "support/twin.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::statistics_test {
 
 template <class T> struct Statistic {
   const char* name;
@@ -253,5 +252,4 @@ TEST_BOTH(Statistics, OfOneRecordOrSharedStorageEqualTheSeparateResult) {
   }
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::statistics_test

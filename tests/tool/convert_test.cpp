@@ -2,8 +2,7 @@
 
 #include "run.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::convert_test {
 
 using Convert = Tool;
 
@@ -64,5 +63,4 @@ TEST_F(Convert, WhatAFormatCannotHoldIsRefused) {
                    {"convert loud.dsp a.xyz", 2, "no known suffix; give --format"}});
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::convert_test

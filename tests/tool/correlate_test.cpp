@@ -2,18 +2,10 @@
 
 #include "run.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::correlate_test {
 
 using Complex = std::complex<double>;
 using Signal = std::vector<Complex>;
-
-struct Row {
-  const char* options;
-  // Of the sum of products at a lag with that many pairs: n and m points, energies e and f.
-  double (*scale)(double pairs, double n, double m, double energies);
-  bool circular = false, mean_removed = false;
-};
 
 class Correlate : public Tool {
  protected:
@@ -36,21 +28,25 @@ class Correlate : public Tool {
 // By the sums themselves: unequal lengths, real with complex, one block and several.
 TEST_F(Correlate, EveryLagIsTheScaledSumOfItsProducts) {
   std::mt19937 random(5);
-  const Row rows[] = {
-      {"--scale sum --detrend none", [](double, double, double, double) { return 1.0; }},
-      {"--scale sum", [](double, double, double, double) { return 1.0; }, false, true},
-      {"--scale mean --detrend none", [](double, double n, double m, double) { return 1 / std::min(n, m); }},
-      {"--scale mean --detrend none --unbiased", [](double p, double, double, double) { return 1 / p; }},
-      {"", [](double, double, double, double e) { return 1 / e; }, false, true},
-      {"--unbiased", [](double p, double n, double m, double e) { return std::min(n, m) / p / e; }, false, true},
-      {"--circular", [](double, double, double, double e) { return 1 / e; }, true, true}};
+  enum Divisor { kNone, kPoints, kEnergies };
+  const struct {
+    const char* options;
+    Divisor divisor;
+    bool mean_removed, unbiased = false, circular = false;
+  } rows[] = {{"--scale sum --detrend none", kNone, false},
+              {"--scale sum", kNone, true},
+              {"--scale mean --detrend none", kPoints, false},
+              {"--scale mean --detrend none --unbiased", kPoints, false, true},
+              {"", kEnergies, true},
+              {"--unbiased", kEnergies, true, true},
+              {"--circular", kEnergies, true, false, true}};
   struct Size {
     size_t a, b;
     long reach;
     bool pairs;
   };
   for (const Size& size : {Size{50, 70, 80, false}, {71, 40, 9, true}, {64, 64, 40, false}, {140001, 140001, 3, false}})
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
       if (row.circular && size.a != size.b) continue;
       Signal a = noise("a", size.a, false, random), b = noise("b", size.b, size.pairs, random);
       const double reach = 0.25 * static_cast<double>(size.reach);
@@ -76,7 +72,9 @@ TEST_F(Correlate, EveryLagIsTheScaledSumOfItsProducts) {
             sum += std::conj(a[static_cast<size_t>(j)]) * b[static_cast<size_t>((j + lag + m) % m)];
             ++pairs;
           }
-        const double scale = row.scale(pairs, static_cast<double>(n), static_cast<double>(m), energies);
+        const double shorter = static_cast<double>(std::min(n, m));
+        double scale = row.unbiased ? shorter / pairs : 1;
+        if (row.divisor != kNone) scale /= row.divisor == kPoints ? shorter : energies;
         sum *= scale;
         const size_t k = static_cast<size_t>(lag - first);
         // Two transforms of 2^16 points: some 20 roundings of the root of the energies.
@@ -136,5 +134,4 @@ TEST_F(Correlate, WhatDoesNotFitIsRefused) {
                    {"correlate a.dsp --format json --plot -", 2, "would both fill the standard output"}});
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::correlate_test

@@ -1,7 +1,6 @@
 #include "run.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::input_test {
 
 using Input = Tool;
 
@@ -120,5 +119,4 @@ TEST_F(Input, VersionAndHelp) {
   }
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::input_test

@@ -1,7 +1,6 @@
 #include "run.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::signals_test {
 
 using Signals = Tool;
 
@@ -57,5 +56,4 @@ TEST_F(Signals, RefusalsNameTheArgumentAndLeaveNothing) {
                    {"spectrum i --averaging synchronous --reference 600", 1, "reaches from 0 to 500"}});
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::signals_test

@@ -1,7 +1,6 @@
 #include "run.h"
 
-namespace sigvex_test {
-namespace {
+namespace sigvex_test::window_test {
 
 using WindowCommand = Tool;
 
@@ -28,5 +27,4 @@ TEST_F(WindowCommand, TheFiguresAreThoseOfTheWeightsItWrites) {
                    {"window --points 1", 2, "--points"}});
 }
 
-}  // namespace
-}  // namespace sigvex_test
+}  // namespace sigvex_test::window_test
