@@ -57,8 +57,7 @@ constinit InUse::Slot InUse::slots_[kOwned + kShared + 1] = {};
 
 InUse::Slot* InUse::taken_elsewhere() {
   static constinit std::atomic<uint64_t> threads{0};
-  static constinit thread_local uint32_t first =
-      0;  // of the shared slots, to begin with; 0 before the thread's first use
+  static constinit thread_local uint32_t first = 0;  // of the shared slots to try; 0 before the thread's first use
   if (first == 0) {
     const uint64_t number = threads++;
     first = static_cast<uint32_t>(kOwned + number % kShared);

@@ -9,39 +9,47 @@
 namespace sigvex {
 namespace {
 
+// A function of its own, so that only who needs the work space pays for its place on the stack.
+template <class T, class F> [[gnu::noinline]] Status in_work_space(WorkspacePool& pool, size_t scalars, F f) {
+  Workspace work(pool, scalars * sizeof(T));
+  if (!work) return kFailure;
+  f(work.as<T>());
+  return kSuccess;
+}
+
+// Calls f with the work space that a transform on these tables needs; the shortest need none.
+template <class T, class F> Status with_work_space(const ComplexTables<T>& tables, F f) {
+  if (tables.work_size > 0) return in_work_space<T>(tables.pool, tables.work_size, f);
+  f(static_cast<T*>(nullptr));
+  return kSuccess;
+}
+
 template <class T> Status run_complex(T* data, size_t n, bool inverse) {
   const Lease<ComplexTables<T>> tables = complex_tables<T>(std::countr_zero(n));
   if (!tables) return kFailure;
-  Workspace work(tables->pool, tables->work_size * sizeof(T));
-  if (!work) return kFailure;
-  const auto run = inverse ? tables->inverse : tables->forward;
-  run(tables->bits, tables->roots, data, work.as<T>(), inverse ? T(1) : 1 / static_cast<T>(n));
-  return kSuccess;
+  const T scale = inverse ? T(1) : 1 / static_cast<T>(n);
+  return with_work_space<T>(*tables, [&](T* work) {
+    (inverse ? tables->inverse : tables->forward)(tables->bits, tables->roots, data, work, scale);
+  });
 }
 
 template <class T> Status run_real(T* data, size_t n, bool inverse) {
   const Lease<RealTables<T>> tables = real_tables<T>(std::countr_zero(n));
   if (!tables) return kFailure;
-  const ComplexTables<T>& half = *tables->half;
-  Workspace work(half.pool, half.work_size * sizeof(T));
-  if (!work) return kFailure;
-  (inverse ? tables->inverse : tables->forward)(*tables, data, work.as<T>(), inverse ? T(1) : 1 / static_cast<T>(n));
-  return kSuccess;
+  const T scale = inverse ? T(1) : 1 / static_cast<T>(n);
+  return with_work_space<T>(
+      *tables->half, [&](T* work) { (inverse ? tables->inverse : tables->forward)(*tables, data, work, scale); });
 }
 
 // Calls f with the tables for convolutions of n points and the work space they need.
 template <class T, class F> Status with_work(size_t n, F f) {
   const Lease<ComplexTables<T>> tables = complex_tables<T>(std::countr_zero(n));
   if (!tables) return kFailure;
-  Workspace work(tables->pool, convolution_kernels<T>().work_size(*tables) * sizeof(T));
-  if (!work) return kFailure;
-  f(*tables, work.as<T>());
-  return kSuccess;
+  return in_work_space<T>(tables->pool, convolution_kernels<T>().work_size(*tables),
+                          [&](T* work) { f(*tables, work); });
 }
 
 }  // namespace
-
-bool power_of_two(int32_t n) { return std::has_single_bit(count(n)); }
 
 template <class T> Status complex_transform(Vector<T>& v, bool inverse) {
   SIGVEX_TRY(dspi::rtoc<T>(v));

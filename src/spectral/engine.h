@@ -7,7 +7,7 @@
 
 namespace sigvex {
 
-bool power_of_two(int32_t n);  // 1 is one; 0 and negative counts are not
+inline bool power_of_two(int32_t n) { return n > 0 && (n & (n - 1)) == 0; }  // 1 is one
 
 // v becomes complex first if it is real. The point count must be a power of two above 2.
 template <class T> Status complex_transform(Vector<T>& v, bool inverse);

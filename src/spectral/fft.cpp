@@ -1,6 +1,5 @@
 // dspi_fft dspi_rfft dspi_irfft
 #include <algorithm>
-#include <bit>
 
 #include "core/exports.h"
 #include "elementwise/operations.h"
@@ -47,7 +46,7 @@ template <class T> Status rfft(Vector<T>& v) {
 // Where the own kernels serve and the bins are those of a real transform, half the full spectrum is enough.
 template <class T> Status irfft(Vector<T>& v) {
   const size_t n = 2 * std::max(points<T>(v), size_t{1}) - 2;
-  if (dft_flags<T>() & DSP_DFT_USE_MKL || n <= 2 || !std::has_single_bit(n) || !fits(n)) {
+  if (dft_flags<T>() & DSP_DFT_USE_MKL || n <= 2 || !fits(n) || !power_of_two(static_cast<int32_t>(n))) {
     SIGVEX_TRY(orecon<T>(v, 0));
     SIGVEX_TRY(fft<T>(v, 1));
     return real<T>(v);

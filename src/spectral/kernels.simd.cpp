@@ -22,6 +22,7 @@ template <class T, size_t... R> struct Passes;
 
 template <class T, size_t R> struct Passes<T, R> {
   static size_t table_size() { return 0; }
+  static size_t work_size() { return 0; }
   static void fill(const TripleTable<T>&, T*) {}
   template <bool kInverse> static void run(int, const T*, T* data, T*, T factor) {
     const Lanes<T, 1> d;
@@ -37,6 +38,7 @@ template <class T, size_t R1, size_t R2> struct Passes<T, R1, R2> {
   static constexpr size_t n = R1 * R2, kBlocks = n / kMaxLanes<T>;
   static constexpr hn::ScalableTag<T> d{};
   static size_t table_size() { return 2 * (R1 - 1) * R2; }
+  static size_t work_size() { return 2 * n; }
   static void fill(const TripleTable<T>& roots, T* table) { fill_pass(d, n, R1, roots, table); }
   template <bool kInverse> static void run(int, const T* table, T* data, T* work, T factor) {
     first_pass<R1, kInverse>(d, data, work, n, table);
@@ -48,6 +50,7 @@ template <class T, size_t R1, size_t R2, size_t R3> struct Passes<T, R1, R2, R3>
   static constexpr size_t n = R1 * R2 * R3, kBlocks = n / kMaxLanes<T>, kFirstRoots = 2 * (R1 - 1) * R2 * R3;
   static constexpr hn::ScalableTag<T> d{};
   static size_t table_size() { return kFirstRoots + 2 * (R2 - 1) * R3; }
+  static size_t work_size() { return 2 * n; }
   static void fill(const TripleTable<T>& roots, T* table) {
     fill_pass(Lanes<T, 1>(), R2 * R3, R2, roots, fill_pass(d, n, R1, roots, table));
   }
@@ -62,6 +65,7 @@ template <class T, size_t R1, size_t R2, size_t R3> struct Passes<T, R1, R2, R3>
 template <class T, size_t R, size_t L> struct InRegisters {
   static constexpr Lanes<T, L> d{};
   static size_t table_size() { return 2 * (R - 1) * L; }
+  static size_t work_size() { return 0; }
   static void fill(const TripleTable<T>& roots, T* table) { fill_pass(d, R * L, R, roots, table); }
   template <bool kInverse> static void run(int, const T* table, T* data, T*, T factor) {
     ComplexOf<Lanes<T, L>> x[R], y[L];
@@ -130,7 +134,8 @@ template <class T> size_t table_size(int bits) {
   return with_passes<T>(bits, [](auto passes) { return passes.table_size(); });
 }
 template <class T> size_t work_size(int bits) {
-  return bits >= kLong<T> ? Columns<T>(bits).work_size() : size_t{2} << bits;
+  if (bits >= kLong<T>) return Columns<T>(bits).work_size();
+  return with_passes<T>(bits, [](auto passes) { return passes.work_size(); });
 }
 template <class T> void fill_table(int bits, const TripleTable<T>& roots, T* table) {
   if (bits >= kLong<T>) return Columns<T>(bits).fill(roots, table);

@@ -95,6 +95,7 @@ template <class T, size_t R, size_t C, size_t P> struct InPairs {
   static constexpr D d{};
 
   static size_t table_size() { return 4 * (R - 1) * C; }
+  static size_t work_size() { return 0; }
   static void fill(const TripleTable<T>& roots, T* to) {
     for (size_t column = 0; column < C; column += P) {
       for (size_t k = 1; k < R; ++k, to += 4 * P) {
