@@ -79,16 +79,25 @@ template <class T, class At> HWY_INLINE void store(hn::Simd<T, 1, 0> d, hn::Vec<
   hn::StoreU(*y, d, x);
 }
 
+// run as below for a few blocks in lanes that are not much more than they are; those behind the last block repeat it.
+template <size_t kStride, size_t kBlock, class D, class Run>
+HWY_INLINE void few_blocks(D d, size_t k, size_t few, Run run) {
+  if constexpr (hn::MaxLanes(D()) > kPiece<D>) {
+    if (few <= hn::MaxLanes(D()) / 2) return few_blocks<kStride, kBlock>(hn::Half<D>(), k, few, run);
+  }
+  run(d, k, few, kBlock, [few](size_t b) { return std::min(b, few - 1) * kStride; });
+}
+
 // run(d, first, blocks, length, at) for all of n points of kWidth scalars in blocks of kBlock: `blocks` of them from
-// point `first` on, the streams of a d; block b begins at(b) scalars further. The lanes behind the last of a few blocks
-// repeat it; the rest that fills no block stands alone.
+// point `first` on, the streams of a d; block b begins at(b) scalars further. The rest that fills no block stands
+// alone.
 template <size_t kBlock, size_t kWidth, class D, class Run> HWY_INLINE void side_by_side(D d, size_t n, Run run) {
   constexpr size_t kLanes = hn::MaxLanes(D()), kStride = kWidth * kBlock;
   size_t k = 0;
   for (; n - k >= kLanes * kBlock; k += kLanes * kBlock)
     run(d, k, kLanes, kBlock, [](size_t b) { return b * kStride; });
   if (const size_t few = (n - k) / kBlock; few > 1) {
-    run(d, k, few, kBlock, [few](size_t b) { return std::min(b, few - 1) * kStride; });
+    few_blocks<kStride, kBlock>(d, k, few, run);
     k += few * kBlock;
   }
   for (; k < n; k += kBlock) {

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 #include "core/exports.h"
 #include "core/limits.h"
@@ -79,9 +80,28 @@ template <class T> class Variates {
   void laplace(T* x, size_t n) {
     T* const sign = first_;
     RandomSource source = source_;
-    for (size_t k = 0; k < n; ++k) {
-      sign[k] = source.draw31() >> 14 & 1 ? T(1) : T(-1);
-      x[k] = above_zero(uniform(source));
+    const auto set = [=](size_t k, uint64_t last_of_three, uint64_t digits) {
+      constexpr T kSigns[] = {-1, 1};  // chosen by a branch, they would be mispredicted every other time
+      sign[k] = kSigns[last_of_three >> 14 & 1];
+      x[k] = above_zero(fraction(digits));
+    };
+    // Four samples use up whole words, of which each draw is then known where it stands.
+    constexpr int kPerSample = 3 + kDraws;
+    const auto set_four = [&]<int... S>(size_t k, std::integer_sequence<int, S...>) {
+      uint64_t words[kPerSample];
+      for (uint64_t& word : words) word = source.word();
+      (set(k + S, RandomSource::draws_of<kPerSample * S + 2, 1>(words),
+           RandomSource::draws_of<kPerSample * S + 3, kDraws>(words)),
+       ...);
+    };
+    for (size_t k = 0; k < n;) {
+      if (source.at_word() && n - k >= 4) {
+        set_four(k, std::make_integer_sequence<int, 4>());
+        k += 4;
+      } else {
+        const uint32_t last_of_three = source.draw31();
+        set(k++, last_of_three, source.draws(kDraws));
+      }
     }
     source_ = source;
     math_.log_or_floor(x, x, n);
@@ -91,12 +111,12 @@ template <class T> class Variates {
  private:
   // The draws as binary digits of a fraction, the last one the most significant: 60 bits, in float 30. These are more
   // than the precision holds, and what rounds to 1 is taken back below it.
-  static T uniform(RandomSource& source) {
-    constexpr int kDraws = sizeof(T) == sizeof(double) ? 4 : 2;
+  static constexpr int kDraws = sizeof(T) == sizeof(double) ? 4 : 2;
+  static T fraction(uint64_t digits) {
     constexpr T kUnit = T(1) / static_cast<T>(uint64_t{1} << 15 * kDraws);
-    const T u = static_cast<T>(static_cast<int64_t>(source.draws(kDraws))) * kUnit;
-    return std::min(u, 1 - Limits<T>::epsilon / 2);
+    return std::min(static_cast<T>(static_cast<int64_t>(digits)) * kUnit, 1 - Limits<T>::epsilon / 2);
   }
+  static T uniform(RandomSource& source) { return fraction(source.draws(kDraws)); }
   static T above_zero(T u) { return std::max(u, Limits<T>::tiny); }
 
   // x = f(u) of uniform variates. The source is worked on as a local variable, which stays in registers.

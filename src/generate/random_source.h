@@ -24,6 +24,18 @@ class RandomSource {
     return result;
   }
 
+  // Draws kFirst .. kFirst + kN - 1 of those in `words`, one number as draws() would give; kN is 1 to 4.
+  template <int kFirst, int kN> static uint64_t draws_of(const uint64_t* words) {
+    constexpr int kSkipped = kFirst % 4, kHave = 4 - kSkipped;
+    uint64_t result = (words[kFirst / 4] & kWord) >> 15 * kSkipped;
+    if constexpr (kHave < kN) result |= words[kFirst / 4 + 1] << 15 * kHave;
+    return result & ((uint64_t{1} << 15 * kN) - 1);
+  }
+
+  // The next four draws, where those of the word before are used up.
+  bool at_word() const { return left_ == 0; }
+  uint64_t word() { return next(); }
+
   // 31 bits of three draws, the last one in the low 15 bits.
   uint32_t draw31() {
     const uint64_t three = draws(3), first = three & 0x7FFF, second = three >> 15 & 1, third = three >> 30;
@@ -31,6 +43,8 @@ class RandomSource {
   }
 
  private:
+  static constexpr uint64_t kWord = (uint64_t{1} << 60) - 1;
+
   void refill() {
     bits_ = next();
     left_ = 4;
