@@ -1,8 +1,9 @@
 // Transforms beside FFTW (FFTW_MEASURE, in place), in turns, best of several; every row prints the ratio of speeds.
 //   fft_bench [kind [log2 of the first length [of the last [rounds]]]]
 // kind: complex, real, back (bins to samples), any (lengths that are prime), calls (short ones, and from eight
-// threads), all. Up to 2^7 points the row named "raw" measures the kernels on an array; all other rows go through the
-// public functions.
+// threads), all. Up to 2^7 points the rows named "raw" measure the kernels on an array, where each call waits for what
+// the last one has stored; those named "in turn" go through several arrays, so that calls overlap. All other rows go
+// through the public functions.
 //
 // The data are zeros: they stay what they are under repeated scaling, and no instruction used here takes its time from
 // its operands.
@@ -46,6 +47,12 @@ template <> struct Api<double> {
     if (kind == Kind::kBack) return fftw_plan_dft_c2r_1d(n, z, x, FFTW_MEASURE);
     return fftw_plan_dft_1d(n, z, z, FFTW_FORWARD, FFTW_MEASURE);
   }
+  static void execute_on(Plan plan, double* x, Kind kind) {
+    auto* const z = reinterpret_cast<fftw_complex*>(x);
+    if (kind == Kind::kReal) return fftw_execute_dft_r2c(plan, x, z);
+    if (kind == Kind::kBack) return fftw_execute_dft_c2r(plan, z, x);
+    fftw_execute_dft(plan, z, z);
+  }
 };
 template <> struct Api<float> {
   static constexpr const char* name = "single";
@@ -64,6 +71,12 @@ template <> struct Api<float> {
     if (kind == Kind::kBack) return fftwf_plan_dft_c2r_1d(n, z, x, FFTW_MEASURE);
     return fftwf_plan_dft_1d(n, z, z, FFTW_FORWARD, FFTW_MEASURE);
   }
+  static void execute_on(Plan plan, float* x, Kind kind) {
+    auto* const z = reinterpret_cast<fftwf_complex*>(x);
+    if (kind == Kind::kReal) return fftwf_execute_dft_r2c(plan, x, z);
+    if (kind == Kind::kBack) return fftwf_execute_dft_c2r(plan, z, x);
+    fftwf_execute_dft(plan, z, z);
+  }
 };
 
 // Zeros at an address as malloc gives it, and FFTW's plan for them.
@@ -79,6 +92,7 @@ template <class T> class Peer {
   Peer(const Peer&) = delete;
   Peer& operator=(const Peer&) = delete;
   void run() const { Api<T>::execute(plan_); }
+  void run_at(size_t scalar, Kind kind) const { Api<T>::execute_on(plan_, data_ + scalar, kind); }
 
   static T* zeros(size_t scalars) {
     T* const x = static_cast<T*>(std::malloc(scalars * sizeof(T)));
@@ -145,36 +159,43 @@ template <class T> double public_row(const char* what, int n, size_t scalars, Ki
   return print<T>(what, n, kind != Kind::kComplex, best[0], best[1], calls);
 }
 
-// The kernel itself; all of these lengths need less work space than 1024 scalars.
-template <class T> double raw_row(const char* what, int bits, Kind kind, int rounds) {
+// The kernel itself, on `arrays` arrays, a power of two, in turn; all of these lengths need less work space than 1024
+// scalars.
+template <class T> double raw_row(const std::string& what, int bits, Kind kind, int arrays, int rounds) {
   const int n = 1 << bits, calls = calls_of(n);
-  const size_t scalars = 2 * static_cast<size_t>(n);
-  const Peer<T> peer(n, scalars, kind);
+  const size_t scalars = 2 * static_cast<size_t>(n), all = arrays * scalars;
+  const Peer<T> peer(n, all, kind);
   alignas(64) static T work[1024];
-  T* const data = Peer<T>::zeros(scalars);
+  T* const data = Peer<T>::zeros(all);
   const T scale = 1 / static_cast<T>(n);
+  const auto in_turn = [=](auto f) {
+    return [=] {
+      for (int k = 0; k < calls; ++k) f((k & (arrays - 1)) * scalars);
+    };
+  };
   std::function<void()> ours;
   const auto complex = sigvex::complex_tables<T>(bits);
   const auto real = sigvex::real_tables<T>(bits);
   if (kind == Kind::kComplex) {
-    ours = repeated(calls, [&] { complex->forward(bits, complex->roots, data, work, scale); });
+    ours = in_turn([&](size_t k) { complex->forward(bits, complex->roots, data + k, work, scale); });
   } else {
     const auto transform = kind == Kind::kReal ? real->forward : real->inverse;
-    ours = repeated(calls, [&, transform] { transform(*real, data, work, scale); });
+    ours = in_turn([&, transform](size_t k) { transform(*real, data + k, work, scale); });
   }
-  const auto best = best_of_turns(rounds, {ours, repeated(calls, [&] { peer.run(); })});
+  const auto best = best_of_turns(rounds, {ours, in_turn([&](size_t k) { peer.run_at(k, kind); })});
   std::free(data);
-  return print<T>(what, n, kind != Kind::kComplex, best[0], best[1], calls);
+  return print<T>(what.c_str(), n, kind != Kind::kComplex, best[0], best[1], calls);
 }
 
 template <class T> void table(const std::string& what, Kind kind, int first, int last, int rounds) {
   double sum = 0;
   for (int bits = first; bits <= last; ++bits) {
-    sum += std::log(bits < 8 ? raw_row<T>((what + ", raw").c_str(), bits, kind, rounds)
+    sum += std::log(bits < 8 ? raw_row<T>(what + ", raw", bits, kind, 1, rounds)
                              : public_row<T>(what.c_str(), 1 << bits, size_t{2} << bits, kind, rounds));
   }
   std::printf("%-16s %s geometric mean of the ratios %.2f\n\n", what.c_str(), Api<T>::name,
               std::exp(sum / (last - first + 1)));
+  for (int bits = first; bits <= std::min(last, 7); ++bits) raw_row<T>(what + ", in turn", bits, kind, 8, rounds);
 }
 
 template <class T> void primes(int rounds) {
