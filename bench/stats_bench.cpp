@@ -2,8 +2,15 @@
 // plainly as it can be done: millions of points a second of both, and their ratio.
 //
 //   build/bench/bench/stats_bench [part of a row's name]
+#ifdef SIGVEX_BENCH_GSL
+#include <gsl/gsl_histogram.h>
+#include <gsl/gsl_statistics.h>
+#endif
 #include <hwy/contrib/sort/vqsort.h>
 #include <sigvex.h>
+#ifdef SIGVEX_BENCH_VOLK
+#include <volk/volk.h>
+#endif
 
 #include <algorithm>
 #include <cstdio>
@@ -85,6 +92,50 @@ template <class T> void measure(const Row<T>& row, size_t n) {
     else return dspf##family##_##op(a __VA_OPT__(, ) __VA_ARGS__);                                    \
   }
 
+// Beside libraries that have the like of an operation.
+template <class T> void library_rows([[maybe_unused]] size_t n) {
+#ifdef SIGVEX_BENCH_VOLK
+  if constexpr (std::is_same_v<T, float>) {
+    static float sum, deviation;
+    static uint32_t place;
+    const auto size = [](size_t k) { return static_cast<unsigned>(k); };
+    measure<T>({"sum", CALL(s, sum, b), "VOLK accumulator",
+                [=](float* x, float*, size_t k) { volk_32f_accumulator_s32f(&sum, x, size(k)); }},
+               n);
+    measure<T>({"pop_stddev", CALL(s, pop_stddev, b), "VOLK stddev_and_mean",
+                [=](float* x, float*, size_t k) { volk_32f_stddev_and_mean_32f_x2(&deviation, &sum, x, size(k)); }},
+               n);
+    measure<T>({"peak", CALL(s, peak, b, 0, 0), "VOLK index_max",
+                [=](float* x, float*, size_t k) { volk_32f_index_max_32u(&place, x, size(k)); }},
+               n);
+  }
+#endif
+#ifdef SIGVEX_BENCH_GSL
+  [[maybe_unused]] static volatile double sink;
+  const auto gsl = [n](const char* name, Operation<T> ours, const char* peer, auto in_double, auto in_float) {
+    measure<T>({name, ours, peer,
+                [=](T* x, T*, size_t k) {
+                  if constexpr (std::is_same_v<T, double>) sink = in_double(x, 1, k);
+                  else sink = in_float(x, 1, k);
+                }},
+               n);
+  };
+  gsl("mean", CALL(s, mean, b), "GSL mean", gsl_stats_mean, gsl_stats_float_mean);
+  gsl("samp_var", CALL(s, samp_var, b), "GSL variance", gsl_stats_variance, gsl_stats_float_variance);
+  gsl("skew", CALL(s, skew, b), "GSL skew", gsl_stats_skew, gsl_stats_float_skew);
+  gsl("excess", CALL(s, excess, b), "GSL kurtosis", gsl_stats_kurtosis, gsl_stats_float_kurtosis);
+  gsl("max", CALL(s, max, b), "GSL max", gsl_stats_max, gsl_stats_float_max);
+  gsl_histogram* const bins = gsl_histogram_alloc(100);
+  gsl_histogram_set_ranges_uniform(bins, 0, 1);
+  measure<T>({"hist", CALL(s, hist, b, 0.0, 0.01, 100), "GSL histogram",
+              [bins](T* x, T*, size_t k) {
+                for (size_t j = 0; j < k; ++j) gsl_histogram_increment(bins, static_cast<double>(x[j]));
+              }},
+             n);
+  gsl_histogram_free(bins);
+#endif
+}
+
 template <class T> void rows() {
   [[maybe_unused]] static volatile T sink;  // keeps the sum from being left out
   const Peer<T> sum = [](T* x, T*, size_t n) { sink = streamed_sum(x, n); };
@@ -137,6 +188,7 @@ template <class T> void rows() {
     measure<T>({"line", CALL(c, line, 1.0, 0.0), "fill", fill}, n);
     measure<T>({"exponential", CALL(c, rand, 2), "fill", fill}, n);
     measure<T>({"laplace", CALL(c, rand, 3), "fill", fill}, n);
+    library_rows<T>(n);
   }
   measure<T>({"small scale", CALL(i, scale, T(1.5)), "scale loop", scale}, 16);
   measure<T>({"small add", CALL(b, add, b, a), "scale loop", scale}, 16);
