@@ -18,17 +18,19 @@ template <class T> T magnitude(Point<T> z) { return bounded(z) ? std::sqrt(magsq
 template <class T> class Bins {
  public:
   Bins(Vector<T>& counts, T lo, T width)
-      : counts_(counts.data), n_(points<T>(counts)), lo_(lo), width_(width), end_(static_cast<T>(n_)) {}
+      : counts_(counts.data), n_(counts.points), lo_(lo), width_(width), end_(static_cast<T>(n_)) {}
 
-  // Their places first, in vectors, then the counts one by one.
+  // Their bins first, in vectors, then the counts one by one.
   void add(const T* samples, size_t n) {
-    std::array<T, kBatch> at;
+    std::array<int32_t, kBatch> bins;
     for (; n > 0; n -= std::min(n, kBatch)) {
       const size_t batch = std::min(n, kBatch);
-      on_widest_vectors([=, this, to = at.data()] {
-        for (size_t k = 0; k < batch; ++k) to[k] = position(samples[k]);
+      on_widest_vectors([=, *this, to = bins.data()] {
+        for (size_t k = 0; k < batch; ++k) to[k] = bin(position(samples[k]));
       });
-      for (size_t k = 0; k < batch; ++k) count(at[k]);
+      for (size_t k = 0; k < batch; ++k) {
+        if (bins[k] >= 0) counts_[bins[k]] += 1;
+      }
       samples += batch;
     }
   }
@@ -55,16 +57,14 @@ template <class T> class Bins {
     return v == 0 ? T(0) : Limits<T>::huge;
   }
 
-  void count(T v) {
-    if (v >= 0 && v < end_) {
-      counts_[static_cast<size_t>(v)] += 1;
-    } else if (v >= end_ && v < end_ * kTop) {
-      counts_[n_ - 1] += 1;
-    }
+  // -1 is none.
+  int32_t bin(T v) const {
+    const int32_t inside = static_cast<int32_t>(v >= 0 && v < end_ ? v : T(-1));
+    return v >= end_ && v < end_ * kTop ? n_ - 1 : inside;
   }
 
   T* counts_;
-  size_t n_;
+  int32_t n_;
   T lo_, width_, end_;
 };
 

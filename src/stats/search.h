@@ -2,8 +2,11 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
+#include <type_traits>
 
 #include "core/limits.h"
+#include "core/widest.h"
 #include "stats/blocks.h"
 #include "stats/kernels.h"
 
@@ -28,7 +31,17 @@ template <class T> struct Best {
   // Its place. Left to the end, so that a rising sequence does not have it looked up in every block.
   size_t index(const Levels<T>& y) const {
     size_t k = from;
-    while (found && level == level && y[k] != level) ++k;
+    if (!found || level != level) return k;
+    if (!y.v.complex)
+      on_widest_vectors(y.count() - k, [&k, x = y.v.data, n = y.count(), sought = level] {
+        using Flag = std::conditional_t<sizeof(T) == 8, int64_t, int32_t>;
+        constexpr size_t kAtOnce = 64;
+        for (Flag here = 0; k + kAtOnce <= n; k += kAtOnce) {
+          for (size_t j = k; j < k + kAtOnce; ++j) here |= x[j] == sought;
+          if (here) break;
+        }
+      });
+    while (y[k] != level) ++k;
     return k;
   }
 };
