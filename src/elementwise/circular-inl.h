@@ -46,22 +46,31 @@ template <class T> HWY_INLINE Reduced<T> reduced(V<T> magnitude) {
   return {n.bits, r, hn::And(near, hn::Ge(hn::Abs(r.high), magnitude * set<T>(kNear)))};
 }
 
-// The sine and the cosine of r, each in two parts. Where the last bit counts, the cosine's second part is small and
-// what the low part of r does to the sine is not rounded to it; otherwise the cosine is 1 and the rest of it.
+// The sine and the cosine of r, each in two parts.
 template <class T> struct SinCos { Sum<T> sin, cos; };
 
-template <class T, bool kExact = !kFused> HWY_INLINE SinCos<T> sin_cos(Sum<T> r) {
-  const V<T> square = r.high * r.high, half = r.high * set<T>(0.5), one = set<T>(1), cube = square * r.high;
-  const V<T> sin_poly = polynomial(kSin<T>, square), cos_poly = polynomial(kCos<T>, square);
-  const V<T> cos_tail = negmuladd(r.high, r.low, square * square * cos_poly);
-  if constexpr (!kExact) return {{r.high, muladd(cube, sin_poly, r.low)}, {one, negmuladd(half, r.high, cos_tail)}};
+// r + r^3 p(r^2) and 1 - r^2/2 + r^4 q(r^2) where the last bit counts: the cosine's second part is small, and what the
+// low part of r does to the sine is not rounded to it.
+template <class T, class P, class Q> HWY_INLINE SinCos<T> precise_sin_cos(Sum<T> r, const P& p, const Q& q) {
+  const V<T> square = r.high * r.high, half = r.high * set<T>(0.5), one = set<T>(1);
   const V<T> near_cos = negmuladd(half, r.high, one), lost = remainder<T>(one - near_cos, half, r.high);
-  return {{r.high, muladd(r.low, near_cos, cube * sin_poly)}, {near_cos, lost + cos_tail}};
+  const V<T> sin_tail = muladd(square * r.high, polynomial(p, square), r.low * near_cos);
+  const V<T> cos_tail = muladd(square * square, polynomial(q, square), hn::Neg(r.high * r.low));
+  return {{r.high, sin_tail}, {near_cos, lost + cos_tail}};
+}
+
+// Otherwise the cosine is 1 and the rest of it.
+template <class T> HWY_INLINE SinCos<T> sin_cos(Sum<T> r) {
+  if constexpr (!kFused) return precise_sin_cos<T>(r, kSin<T>, kCos<T>);
+  const V<T> square = r.high * r.high, half = r.high * set<T>(0.5);
+  const V<T> cos_tail = muladd(square * square, polynomial(kCos<T>, square), hn::Neg(r.high * r.low));
+  return {{r.high, muladd(square * r.high, polynomial(kSin<T>, square), r.low)},
+          {set<T>(1), negmuladd(half, r.high, cos_tail)}};
 }
 
 template <class T> HWY_INLINE M<T> odd(VI<T> n) { return hn::RebindMask(D<T>(), hn::TestBit(n, set_bits<T>(1))); }
 template <class T> HWY_INLINE V<T> negated_by_bit_1(VI<T> n, V<T> x) {
-  return from_bits<T>(hn::Xor(bits<T>(x), hn::ShiftLeft<8 * sizeof(T) - 2>(hn::And(n, set_bits<T>(2)))));
+  return hn::Xor(x, hn::And(from_bits<T>(hn::ShiftLeft<8 * sizeof(T) - 2>(n)), minus<T>()));
 }
 template <class T> HWY_INLINE V<T> with_sign_of(V<T> x, V<T> y) {  // y, its sign changed where x is negative
   return hn::Xor(y, hn::And(x, minus<T>()));
@@ -116,10 +125,12 @@ template <class T> HWY_INLINE Points<T> rectangular(V<T> magnitude, V<T> angle) 
 
 template <class T> HWY_INLINE V<T> tan(V<T> x) {
   const Reduced<T> a = reduced<T>(hn::Abs(x));
-  const SinCos<T> s = sin_cos<T, true>(a.r);
-  const Sum<T> sine = fast_sum<T>(s.sin.high, s.sin.low), cosine = fast_sum<T>(s.cos.high, s.cos.low);
+  const SinCos<T> s = precise_sin_cos<T>(a.r, kTanAbove<T>, kTanBelow<T>);  // not these, but their quotient
   const M<T> swap = odd<T>(a.n);
-  const V<T> y = rounded(quotient<T>(choose<T>(swap, cosine, sine), choose<T>(swap, sine, cosine)));
+  const Sum<T> above = choose<T>(swap, s.cos, s.sin), below = choose<T>(swap, s.sin, s.cos);
+  const V<T> inverse = set<T>(1) / rounded<T>(below), q = rounded<T>(above) * inverse;
+  const V<T> rest = remainder<T>(above.high, q, below.high) + negmuladd(q, below.low, above.low);
+  const V<T> y = muladd(rest, inverse, q);
   const V<T> mirrored = negated_by_bit_1<T>(hn::ShiftLeft<1>(a.n), with_sign_of<T>(x, y));  // -1/tan in odd quadrants
   return patch<T>(
       a.fine, mirrored, [](double at) { return std::tan(at); }, x);

@@ -177,6 +177,14 @@ template <class T> HWY_INLINE V<T> clamped(V<T> x) {  // NaN counts as below
   return hn::IfThenElse(hn::Ge(capped, low), capped, low);
 }
 
+template <class T> HWY_INLINE V<T> at_least(V<T> least, V<T> x) {  // NaN counts as below
+#if HWY_ARCH_X86 && HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
+  return hn::Max(x, least);  // the instruction gives its second operand for NaN
+#else
+  return hn::IfThenElse(hn::Ge(x, least), x, least);
+#endif
+}
+
 template <class T> HWY_INLINE V<T> load(const T* x) { return hn::LoadU(D<T>(), x); }
 template <class T> HWY_INLINE void store(V<T> y, T* to) { hn::StoreU(y, D<T>(), to); }
 

@@ -23,18 +23,26 @@ template <class T> struct Decomposed {
   VI<T> cell;
 };
 
+// The exponent, as a number, of what the bits are those of 1 less.
+template <class T> HWY_INLINE V<T> exponent_of(VI<T> from_one) {
+  if constexpr (!kDouble<T> || HWY_TARGET == HWY_AVX3) {
+    const hn::RebindToSigned<D<T>> di;
+    return hn::ConvertTo(D<T>(), hn::ShiftRight<kFraction<T>>(hn::BitCast(di, from_one)));
+  } else {
+    constexpr T kShifter = T(Bits<T>{1} << kFraction<T>);  // its unit is 1
+    const VI<T> biased = hn::ShiftRight<kFraction<T>>(from_one + set_bits<T>(kBias<T> << kFraction<T>));
+    return from_bits<T>(hn::Or(biased, set_bits<T>(std::bit_cast<Bits<T>>(kShifter)))) - set<T>(kShifter + T(kBias<T>));
+  }
+}
+
 // For positive normal numbers.
 template <class T> HWY_INLINE Decomposed<T> decompose(V<T> x) {
-  constexpr Bits<T> kOne = kBias<T> << kFraction<T>;
-  constexpr T kShifter = T(Bits<T>{1} << kFraction<T>);  // its unit is 1
-  const VI<T> from_start = bits<T>(x) - set_bits<T>(std::bit_cast<Bits<T>>(kLogStart<T>) - kOne);
-  const VI<T> exponent = hn::ShiftRight<kFraction<T>>(from_start);  // biased
-  const VI<T> shifted = hn::Or(exponent, set_bits<T>(std::bit_cast<Bits<T>>(kShifter)));
-  const V<T> e = from_bits<T>(shifted) - set<T>(kShifter + T(kBias<T>));
-  const V<T> m = from_bits<T>(bits<T>(x) - hn::ShiftLeft<kFraction<T>>(exponent) + set_bits<T>(kOne));
+  const VI<T> start = set_bits<T>(std::bit_cast<Bits<T>>(kLogStart<T>)), from_start = bits<T>(x) - start;
+  const VI<T> fraction = hn::And(from_start, set_bits<T>((Bits<T>{1} << kFraction<T>)-1));
+  const V<T> m = from_bits<T>(fraction + start);
   const VI<T> cell = hn::ShiftRight<kFraction<T> - 4>(from_start);
   const V<T> c = lookup16(kInverse<T>, cell), product = m * c;
-  return {e, {product - set<T>(1), lost_by<T>(product, m, c)}, cell};
+  return {exponent_of<T>(from_start), {product - set<T>(1), lost_by<T>(product, m, c)}, cell};
 }
 
 // log(1 + r) - r
@@ -59,27 +67,23 @@ template <class T> HWY_INLINE V<T> log10_of_normal(V<T> x) {
   const Decomposed<T> parts = decompose<T>(x);
   const V<T> high = lookup16(kLog10High<T>, parts.cell), low = lookup16(kLog10Low<T>, parts.cell);
   const V<T> r = parts.r.high, factor = set<T>(std::numbers::log10e), product = r * factor;
-  const V<T> rest = muladd(r, set<T>(kLog10ERest<T>), lost_by<T>(product, r, factor));
-  return rounded(log_sum<T>(parts, kLog10Of2<T>, high, low, {product, muladd(log1p_tail<T>(parts.r), factor, rest)}));
+  const V<T> low_r = negmuladd(parts.r.low, r, parts.r.low),
+             rest = muladd(low_r, factor, lost_by<T>(product, r, factor));
+  const V<T> tail = muladd(r * r, polynomial(kLog10Of1p<T>, r), rest);
+  return rounded(log_sum<T>(parts, kLog10Of2<T>, high, low, {product, tail}));
 }
 
 // For x >= tiny; infinity stays.
 template <class T> HWY_INLINE V<T> ln(V<T> x) {
-  return hn::IfThenElse(hn::Eq(x, set<T>(HUGE_VAL)), x, ln_of_normal<T>(x));
+  return hn::IfThenElse(hn::Lt(x, set<T>(HUGE_VAL)), ln_of_normal<T>(x), x);
 }
 template <class T> HWY_INLINE V<T> log10(V<T> x) {
-  return hn::IfThenElse(hn::Eq(x, set<T>(HUGE_VAL)), x, log10_of_normal<T>(x));
+  return hn::IfThenElse(hn::Lt(x, set<T>(HUGE_VAL)), log10_of_normal<T>(x), x);
 }
 
 // Anything below the smallest normal number has the logarithm of that, NaN too.
-template <class T> HWY_INLINE V<T> log_or_floor(V<T> x) {
-  const M<T> normal = hn::Ge(x, set<T>(Limits<T>::tiny));
-  return hn::IfThenElse(normal, ln<T>(x), set<T>(Limits<T>::ln_tiny));
-}
-template <class T> HWY_INLINE V<T> log10_or_floor(V<T> x) {
-  const M<T> normal = hn::Ge(x, set<T>(Limits<T>::tiny));
-  return hn::IfThenElse(normal, log10<T>(x), set<T>(Limits<T>::log10_tiny));
-}
+template <class T> HWY_INLINE V<T> log_or_floor(V<T> x) { return ln<T>(at_least<T>(set<T>(Limits<T>::tiny), x)); }
+template <class T> HWY_INLINE V<T> log10_or_floor(V<T> x) { return log10<T>(at_least<T>(set<T>(Limits<T>::tiny), x)); }
 
 }  // namespace HWY_NAMESPACE
 }  // namespace sigvex::elementwise

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <numbers>
 
 namespace sigvex::elementwise {
 
@@ -21,6 +22,14 @@ inline constexpr std::array kLog1p = {-0x1.fffffffffff9ap-2, 0x1.5555555555487p-
 template <>
 inline constexpr std::array kLog1p<float> = {-0x1.fffffcp-2F, 0x1.55555p-2F, -0x1.003bcep-2F, 0x1.9a0fa6p-3F};
 
+// The same for the decimal logarithm.
+template <class T>
+inline constexpr auto kLog10Of1p = [] {
+  auto c = kLog1p<T>;
+  for (T& at : c) at *= std::numbers::log10e_v<T>;
+  return c;
+}();
+
 // sin r = r + r^3 p(r^2) for |r| <= pi/4; relative error 2^-57.9 (double), 2^-27.9 (single).
 template <class T>
 inline constexpr std::array kSin = {-0x1.5555555555548p-3, 0x1.111111110f75ep-7,   -0x1.a01a019bf2523p-13,
@@ -32,6 +41,16 @@ template <class T>
 inline constexpr std::array kCos = {0x1.555555555554bp-5,   -0x1.6c16c16c15017p-10, 0x1.a01a019c8f66bp-16,
                                     -0x1.27e4f7f1c1054p-22, 0x1.1ee9dbec7010ap-29,  -0x1.8fa6917123386p-37};
 template <> inline constexpr std::array kCos<float> = {0x1.55554ap-5F, -0x1.6c0c2ap-10F, 0x1.99e904p-16F};
+
+// tan r = (r + r^3 p(r^2)) / (1 - r^2/2 + r^4 q(r^2)) for |r| <= pi/4; relative error 2^-63.2 (double), 2^-33.0
+// (single) before the coefficients are rounded. p first.
+template <class T>
+inline constexpr std::array kTanAbove = {-0x1.5555555555556p-3, 0x1.f84b249bb6d31p-8, -0x1.d2c833d6f711bp-14,
+                                         0x1.0bd78731549e1p-22};
+template <> inline constexpr std::array kTanAbove<float> = {-0x1.555554p-3F, 0x1.a21ebp-8F};
+template <class T>
+inline constexpr std::array kTanBelow = {0x1.501a75a487e75p-5, -0x1.1d76b26ceccaep-10, 0x1.f363432f8547bp-18};
+template <> inline constexpr std::array kTanBelow<float> = {0x1.455512p-5F, -0x1.1afb5ep-11F};
 
 // atan t = t + t^3 p(t^2) for |t| <= 0.0326; relative error 2^-61.7 (double), 2^-36.8 (single).
 template <class T>
@@ -142,9 +161,6 @@ template <class T> inline constexpr Log2Parts<T> kLn2 = {0x1.62e42fefa38p-1, 0x1
 template <> inline constexpr Log2Parts<float> kLn2<float> = {0x1.62e4p-1F, 0x1.7f7d1cp-20F};
 template <class T> inline constexpr Log2Parts<T> kLog10Of2 = {0x1.34413509f8p-2, -0x1.80433b83b532ap-44};
 template <> inline constexpr Log2Parts<float> kLog10Of2<float> = {0x1.344p-2F, 0x1.3509f8p-18F};
-// log10 e - the number nearest to it
-template <class T> inline constexpr T kLog10ERest = 0x1.95355baaafad3p-57;
-template <> inline constexpr float kLog10ERest<float> = -0x1.5b235ep-27F;
 
 template <class T>
 alignas(64) inline constexpr T kInverse[16] = {
