@@ -53,8 +53,12 @@ HWY_INLINE void block_sums(const T* x, size_t n, T* totals, Terms terms) {
 // The guards of core/limits.h on lanes.
 template <class D, class V = hn::Vec<D>> HWY_INLINE V clamped(D d, V x) {
   const V high = hn::Set(d, Limits<hn::TFromD<D>>::huge), low = hn::Neg(high);
+#if HWY_ARCH_X86 && HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
+  return hn::Max(hn::Min(high, x), low);  // of which each gives the second one where there is a NaN
+#else
   const V capped = hn::IfThenElse(hn::Gt(x, high), high, x);
   return hn::IfThenElse(hn::Ge(capped, low), capped, low);
+#endif
 }
 template <class D, class V = hn::Vec<D>> HWY_INLINE V magsq_capped(D d, V re, V im) {
   const V high = hn::Set(d, Limits<hn::TFromD<D>>::huge);
