@@ -1,5 +1,5 @@
-// Transforms too long for the nearest cache, in two sweeps over memory. n = n1 * n2 points are seen as a matrix of n1
-// rows of n2 points, row by row in memory:
+// Transforms too long for the nearest cache, and long convolutions, in two sweeps over memory. n = n1 * n2 points are
+// seen as a matrix of n1 rows of n2 points, row by row in memory:
 //
 //   1. a strip of neighbouring columns at a time: transform the columns (length n1), multiply by the roots of order n
 //      that join both steps, and leave the strip transposed in the work space, in tiles of lanes by lanes points;
@@ -26,42 +26,54 @@ HWY_BEFORE_NAMESPACE();
 namespace sigvex {
 namespace HWY_NAMESPACE {
 
-// The radices of a column of 2^bits rows, bits >= 5: as few as sixteens allow, the smaller first. In a strip, a pass
-// leaves its results where its inputs were: the block of rows it works on becomes `radix` blocks, one for each result,
-// which the next pass takes one by one, so that the smaller they are, the nearer is their cache.
+// The radices of a column of 2^bits rows, bits >= 5, as few as sixteens allow or more, the smaller first. In a strip, a
+// pass leaves its results where its inputs were: the block of rows it works on becomes `radix` blocks, one for each
+// result, which the next pass takes one by one, so that the smaller they are, the nearer is their cache.
 struct Radices {
-  explicit Radices(int bits) : count((bits + 3) / 4) {
-    for (int k = 0, rest = bits; k < count; ++k) {
-      const int share = rest / (count - k);
-      radix[k] = size_t{1} << share;
-      rest -= share;
+  Radices(int rows_bits, int passes) : count(passes), all(rows_bits) {
+    for (int k = 0, rest = all; k < count; ++k) {
+      bits[k] = rest / (count - k);
+      radix[k] = size_t{1} << bits[k];
+      rest -= bits[k];
     }
   }
 
-  // The row of a strip that holds result `index`.
-  size_t row_of(size_t index, size_t rows) const {
+  // The row of a strip that holds result `index`, and the way back.
+  size_t row_of(size_t index) const {
     size_t row = 0;
-    for (int k = 0; k < count; ++k) {
-      rows /= radix[k];
-      row += index % radix[k] * rows;
-      index /= radix[k];
+    for (int k = 0, rest = all; k < count; ++k) {
+      rest -= bits[k];
+      row += (index & (radix[k] - 1)) << rest;
+      index >>= bits[k];
     }
     return row;
   }
+  size_t result_in(size_t row) const {
+    size_t index = 0;
+    for (int k = 0, rest = all; k < count; ++k) {
+      rest -= bits[k];
+      index += (row >> rest & (radix[k] - 1)) << (all - rest - bits[k]);
+    }
+    return index;
+  }
 
-  int count;
-  size_t radix[8];
+  // What the roots of all passes but the last take, in scalars.
+  HWY_INLINE size_t roots_size() const {
+    size_t size = 0;
+    for (int k = 0, rest = all; k + 1 < count; ++k) {
+      rest -= bits[k];
+      size += 2 * (radix[k] - 1) << rest;
+    }
+    return size;
+  }
+
+  int count, all;
+  int bits[8] = {};
+  size_t radix[8] = {};
 };
 
-template <class T> size_t column_roots_size(size_t n) {
-  const Radices r(static_cast<int>(hwy::CeilLog2(n)));
-  size_t size = 0;
-  for (int k = 0; k + 1 < r.count; n /= r.radix[k++]) size += 2 * (r.radix[k] - 1) * (n / r.radix[k]);
-  return size;
-}
-
-template <class T> T* fill_column(size_t n, const TripleTable<T>& roots, T* to) {
-  const Radices r(static_cast<int>(hwy::CeilLog2(n)));
+template <class T> T* fill_column(const Radices& r, const TripleTable<T>& roots, T* to) {
+  size_t n = size_t{1} << r.all;
   for (int k = 0; k + 1 < r.count; n /= r.radix[k++]) to = fill_pass(hn::CappedTag<T, 1>(), n, r.radix[k], roots, to);
   return to;
 }
@@ -79,20 +91,29 @@ template <class F> HWY_INLINE void with_radix(size_t radix, F f) {
   }
 }
 
-// One pass over a block of `rows` rows. load(row) and store(row, z) reach a vector of columns. Of half: the second half
-// of the rows is zero and not loaded.
+// A pass over `R` rows that are `apart`: load(row) and store(row, z) reach a vector of columns. Of half: the second
+// half of the rows is zero and not loaded.
 template <bool kHalf = false, size_t R, class D, class Load, class Store>
-HWY_INLINE void column_pass(Radix<R>, D d, size_t rows, const hn::TFromD<D>* HWY_RESTRICT roots, Load load,
+HWY_INLINE void column_butterfly(Radix<R>, D d, size_t apart, const hn::TFromD<D>* HWY_RESTRICT roots, Load load,
+                                 Store store) {
+  ComplexOf<D> x[R];
+  for (size_t k = 0; k < (kHalf ? R / 2 : R); ++k) x[k] = load(apart * k);
+  transform<kHalf>(d, x);
+  if (apart > 1) {
+    for (size_t k = 1; k < R; ++k) x[k] = x[k] * broadcast(d, roots + 2 * (k - 1));
+  }
+  for (size_t k = 0; k < R; ++k) store(apart * k, x[k]);
+}
+
+// One pass over a block of `rows` rows.
+template <bool kHalf = false, size_t R, class D, class Load, class Store>
+HWY_INLINE void column_pass(Radix<R> radix, D d, size_t rows, const hn::TFromD<D>* HWY_RESTRICT roots, Load load,
                             Store store) {
   const size_t apart = rows / R;
   for (size_t p = 0; p < apart; ++p, roots += 2 * (R - 1)) {
-    ComplexOf<D> x[R];
-    for (size_t k = 0; k < (kHalf ? R / 2 : R); ++k) x[k] = load(p + apart * k);
-    transform<kHalf>(d, x);
-    if (apart > 1) {
-      for (size_t k = 1; k < R; ++k) x[k] = x[k] * broadcast(d, roots + 2 * (k - 1));
-    }
-    for (size_t k = 0; k < R; ++k) store(p + apart * k, x[k]);
+    column_butterfly<kHalf>(
+        radix, d, apart, roots, [&](size_t k) HWY_ATTR { return load(p + k); },
+        [&](size_t k, ComplexOf<D> z) HWY_ATTR { store(p + k, z); });
   }
 }
 
@@ -198,8 +219,8 @@ template <class T> constexpr int kLong = sizeof(T) == 8 ? 12 : 13;
 template <class T> class Columns {
  public:
   explicit Columns(int bits)
-      : r1_(column_bits(bits)),
-        r2_(bits - column_bits(bits)),
+      : r1_(column_bits(bits), (column_bits(bits) + 3) / 4),
+        r2_(bits - column_bits(bits), (bits - column_bits(bits) + 3) / 4),
         n1_(size_t{1} << column_bits(bits)),
         n2_(size_t{1} << (bits - column_bits(bits))) {}
 
@@ -207,9 +228,9 @@ template <class T> class Columns {
 
   // The roots of the columns, those of the rows, and for each group of columns those that join both: w^(k l) for
   // k < L, then w^(k l) for every L-th k, in whose products are all.
-  size_t table_size() const { return column_roots_size<T>(n1_) + column_roots_size<T>(n2_) + n2_ / L * joining_size(); }
+  size_t table_size() const { return r1_.roots_size() + r2_.roots_size() + n2_ / L * joining_size(); }
   void fill(const TripleTable<T>& roots, T* table) const {
-    T* to = fill_column(n2_, roots, fill_column(n1_, roots, table));
+    T* to = fill_column(r2_, roots, fill_column(r1_, roots, table));
     const auto put = [&](size_t k, size_t j) {
       for (size_t l = 0; l < L; ++l, ++to) {
         const Point<T> w = root_of(roots, k * (j + lane_point<D>(l)), n1_ * n2_);
@@ -279,8 +300,8 @@ template <class T> class Columns {
     T *tiles, *strip;
   };
   Tables tables(const T* table, T* work) const {
-    const T* const rows = table + column_roots_size<T>(n1_);
-    return {table, rows, rows + column_roots_size<T>(n2_), work, work + 2 * n1_ * n2_};
+    const T* const rows = table + r1_.roots_size();
+    return {table, rows, rows + r2_.roots_size(), work, work + 2 * n1_ * n2_};
   }
 
   // Whether of the points before `end` none is in the second half of the rows of a group of columns.
@@ -333,10 +354,10 @@ template <class T> class Columns {
   HWY_INLINE void join(const T* x, const T* joining, T* to) const {
     const bool beyond_caches = n1_ * n2_ * 2 * sizeof(T) >= size_t{1} << 23;
     size_t row[L];
-    for (size_t l = 0; l < L; ++l) row[l] = r1_.row_of(l, n1_);
+    for (size_t l = 0; l < L; ++l) row[l] = r1_.row_of(l);
     for (size_t k = 0; k < n1_; k += L, to += 2 * L * n2_) {
       const C w = load_block(d, joining, L + k / L);
-      const T* const first = x + 2 * L * r1_.row_of(k, n1_);
+      const T* const first = x + 2 * L * r1_.row_of(k);
       C z[L], y[L];
       for (size_t l = 0; l < L; ++l) z[l] = load_block(d, first, row[l]) * (w * load_block(d, joining, l));
       transpose_points(d, z, y);
@@ -352,10 +373,10 @@ template <class T> class Columns {
   // The way back of join.
   HWY_INLINE void part(const T* from, const T* joining, T* x) const {
     size_t row[L];
-    for (size_t l = 0; l < L; ++l) row[l] = r1_.row_of(l, n1_);
+    for (size_t l = 0; l < L; ++l) row[l] = r1_.row_of(l);
     for (size_t k = 0; k < n1_; k += L, from += 2 * L * n2_) {
       const C w = load_block(d, joining, L + k / L);
-      T* const first = x + 2 * L * r1_.row_of(k, n1_);
+      T* const first = x + 2 * L * r1_.row_of(k);
       C z[L], y[L];
       for (size_t l = 0; l < L; ++l) y[l] = load_block(d, from, l);
       transpose_points(d, y, z);
@@ -386,7 +407,7 @@ template <class T> class Columns {
     with_radix(r2_.radix[r2_.count - 1], [&](auto radix) HWY_ATTR {
       const size_t blocks = n2_ / radix;
       for (size_t block = 0; block < blocks; ++block) {
-        const T* x = strip + 2 * L * r2_.row_of(block, n2_);
+        const T* x = strip + 2 * L * r2_.row_of(block);
         T* to = data + 2 * n1_ * block;
         for (size_t g = 0; g < groups; ++g, x += 2 * L * n2_, to += 2 * L) {
           column_pass(

@@ -115,7 +115,7 @@ void convolve_short(D d, const ComplexTables<T>& tables, const T* spectrum, cons
 }
 
 template <class T> size_t work_size(const ComplexTables<T>& tables) {
-  return tables.kernels->work_size(tables.bits) + (tables.bits < kLong<T> ? size_t{2} << tables.bits : 0);
+  return tables.bits < kLong<T> ? size_t{4} << tables.bits : Columns<T>(tables.bits).work_size();
 }
 
 template <class T> void spectrum(const ComplexTables<T>& tables, T* data, T* work) {

@@ -45,7 +45,7 @@ template <class T> Status run_real(T* data, size_t n, bool inverse) {
 template <class T, class F> Status with_work(size_t n, F f) {
   const Lease<ComplexTables<T>> tables = complex_tables<T>(std::countr_zero(n));
   if (!tables) return kFailure;
-  return in_work_space<T>(tables->pool, convolution_kernels<T>().work_size(*tables),
+  return in_work_space<T>(tables->convolution_pool, convolution_kernels<T>().work_size(*tables),
                           [&](T* work) { f(*tables, work); });
 }
 

@@ -47,9 +47,12 @@ template <class T> struct ComplexTables : TableHead {
   size_t work_size;  // of one transform, in scalars
   const T* roots;
   Transform<T> forward, inverse;
-  mutable WorkspacePool pool;
+  mutable WorkspacePool pool, convolution_pool;
 
-  void release_parts() { pool.release(); }
+  void release_parts() {
+    pool.release();
+    convolution_pool.release();
+  }
 };
 
 // A real transform in place, its result times scale; work is that of the complex one of half the length.
