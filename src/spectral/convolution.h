@@ -20,12 +20,27 @@ template <class T> struct Convolution {
   T factor;
 };
 
+// What a real transform of any length is made of. With z[j] = x[j] + x[N-j] + i (x[j] - x[N-j]) for j up to N/2,
+// samples that are their own image once, and F its transform, bin k is Re(F[k] + F[-k]) / 2 - i Re(F[k] - F[-k]) / 2:
+// two convolutions of half the length of a complex one, which begin alike, are enough. With the chirp w, which is even,
+// F[k] = w[k] sum conj w[k-j] (w z)[j] and F[-k] = w[k] sum conj w[k+j] (w z)[j].
+template <class T> struct RealChirp {
+  const T* sums;         // inverse transform of conj w[l] at places l = 1 .. 2 (N/2), which are the j + k
+  const T* differences;  // that of conj w[l] at places l and -l up to N/2, which are the k - j
+  const T* chirp;        // w, N points
+  size_t points;         // N, with N - 1 no more than those of a spectrum
+  T* data;               // the samples, then bins 0 .. N/2, in room for twice the points of a spectrum
+  T factor;
+};
+
 template <class T> struct ConvolutionKernels {
   // Of the tables' n points, n > 2; work is aligned to kAlignment bytes, its size in scalars. A spectrum is n points in
   // an order of its own, for convolve alone, at any address.
   size_t (*work_size)(const ComplexTables<T>& tables);
   void (*spectrum)(const ComplexTables<T>& tables, T* data, T* work);  // in place
   void (*convolve)(const ComplexTables<T>& tables, const T* spectrum, const Convolution<T>& convolution, T* work);
+  // On tables and in work space for transforms of the points of a spectrum.
+  void (*real_chirp)(const ComplexTables<T>& tables, const RealChirp<T>& chirp, T* work);
 };
 
 template <class T> const ConvolutionKernels<T>& convolution_kernels();  // the best for this CPU

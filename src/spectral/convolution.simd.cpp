@@ -139,8 +139,59 @@ template <class T> void convolve(const ComplexTables<T>& tables, const T* spectr
   });
 }
 
+// Points j, j + 1, ... of w (a + ib).
+template <class D, class T = hn::TFromD<D>> HWY_INLINE void fold(D d, const RealChirp<T>& c, size_t j, T* folded) {
+  const auto x = load_samples(d, c.data + j);
+  const auto mirrored = hn::Reverse(d, load_samples(d, c.data + c.points - j - (kLanes<D> - 1)));
+  const ComplexOf<D> z{hn::Add(x, mirrored), hn::Sub(x, mirrored)};
+  store_points<false>(d, z * load_points<false>(d, c.chirp + 2 * j), folded + 2 * j);
+}
+
+// Bins k, k + 1, ...
+template <class D, class T = hn::TFromD<D>>
+HWY_INLINE void unfold(D d, const RealChirp<T>& c, size_t k, const T* there, const T* back, T factor) {
+  const ComplexOf<D> w = load_points<false>(d, c.chirp + 2 * k);
+  const auto f = (load_points<false>(d, there + 2 * k) * w).re, g = (load_points<false>(d, back + 2 * k) * w).re;
+  store_points<false>(d, ComplexOf<D>{hn::Add(g, f), hn::Sub(g, f)} * hn::Set(d, factor), c.data + 2 * k);
+}
+
+// The folded samples stand behind those that are still to be folded, and of the two results, each in the place of the
+// other's input, the first makes room for the bins.
+template <class T> void real_chirp(const ComplexTables<T>& tables, const RealChirp<T>& c, T* work) {
+  const size_t m = size_t{1} << tables.bits, half = c.points / 2;
+  T *const there = c.data + 2 * m, *const back = c.data;
+  with_lanes<T>(m, [&](auto d) HWY_ATTR {
+    constexpr size_t L = kLanes<decltype(d)>;
+    const Lanes<T, 1> one;
+    size_t j = 1;
+    for (; j + L <= half + 1; j += L) fold(d, c, j, there);
+    for (; j <= half; ++j) fold(one, c, j, there);
+    there[0] = c.data[0];
+    there[1] = 0;
+    if (c.points % 2 == 0) {  // the sample in the middle is its own mirror image
+      there[2 * half] *= T(0.5);
+      there[2 * half + 1] *= T(0.5);
+    }
+    std::fill(there + 2 * (half + 1), there + 2 * m, T(0));
+    tables.forward(tables.bits, tables.roots, there, work, 1);
+    for (size_t k = 0; k < m; k += L) {
+      const auto z = load_points<false>(d, there + 2 * k);
+      store_points<false>(d, z * load_points<false>(d, c.sums + 2 * k), back + 2 * k);
+      store_points<false>(d, z * load_points<false>(d, c.differences + 2 * k), there + 2 * k);
+    }
+    tables.inverse(tables.bits, tables.roots, there, work, 1);
+    tables.forward(tables.bits, tables.roots, back, work, 1);  // its results stand in reverse order otherwise
+    const T factor = c.factor / (2 * static_cast<T>(m)), sum = there[0];
+    size_t k = 1;
+    for (; k + L <= half + 1; k += L) unfold(d, c, k, there, back, factor);
+    for (; k <= half; ++k) unfold(one, c, k, there, back, factor);
+    c.data[0] = 2 * factor * sum;
+    c.data[1] = 0;
+  });
+}
+
 template <class T> const ConvolutionKernels<T>* convolution_table() {
-  static constexpr ConvolutionKernels<T> table = {work_size<T>, spectrum<T>, convolve<T>};
+  static constexpr ConvolutionKernels<T> table = {work_size<T>, spectrum<T>, convolve<T>, real_chirp<T>};
   return &table;
 }
 const ConvolutionKernels<double>* convolution_double() { return convolution_table<double>(); }

@@ -1,5 +1,8 @@
 // dspi_dft dspi_rdft dspi_irdft
 #include <bit>
+#include <cstdlib>
+#include <memory>
+#include <utility>
 
 #include "core/caches.h"
 #include "core/exports.h"
@@ -23,6 +26,7 @@ template <class T> struct Bluestein {
   Vector<T> kernel;  // spectrum of the conjugate chirp, mirrored, M points
   int32_t length;    // N, 0 while the two vectors are not built
   bool natural;      // the order of the spectrum: that of dspi_fft, or the engine's own
+  T* halves;         // for real samples, the two spectra of M/2 points of RealChirp, null while they are not built
 };
 template <class T> constinit Bluestein<T> bluestein{};
 
@@ -54,13 +58,42 @@ template <class T> Status build_kernel(Vector<T>& kernel, const Vector<T>& chirp
   return natural ? dspi::fft<T>(kernel, 1) : kernel_spectrum<T>(kernel);
 }
 
+template <class T> void drop(Bluestein<T>& work) {
+  work.length = 0;
+  std::free(std::exchange(work.halves, nullptr));
+}
+
 template <class T> Status prepare(Bluestein<T>& work, int32_t length, bool natural) {
   if (work.length == length && work.natural == natural) return kSuccess;
-  work.length = 0;
+  drop<T>(work);
   SIGVEX_TRY(build_chirp<T>(work.chirp, length));
   SIGVEX_TRY(build_kernel<T>(work.kernel, work.chirp, natural));
   work.length = length;
   work.natural = natural;
+  return kSuccess;
+}
+
+// Built when the first real vector of the length comes.
+template <class T> Status prepare_halves(Bluestein<T>& work) {
+  if (work.halves) return kSuccess;
+  const size_t n = points<T>(work.chirp), m = points<T>(work.kernel) / 2;
+  std::unique_ptr<T, decltype(&std::free)> block(static_cast<T*>(std::calloc(4 * m, sizeof(T))), &std::free);
+  if (!block) return kFailure;
+  T *const sums = block.get(), *const differences = sums + 2 * m;
+  for (size_t l = 0; l <= n / 2 * 2; ++l) {
+    const Point<T> z = point<T>(work.chirp, l % n);  // the chirp of an even length has the period n
+    const auto put = [z](T* spectrum, size_t place) {
+      spectrum[2 * place] = z.re;
+      spectrum[2 * place + 1] = -z.im;
+    };
+    if (l > 0) put(sums, l % m);
+    if (l > n / 2) continue;
+    put(differences, l);
+    put(differences, (m - l) % m);
+  }
+  SIGVEX_TRY(inverse_transform<T>(sums, m));
+  SIGVEX_TRY(inverse_transform<T>(differences, m));
+  work.halves = block.release();
   return kSuccess;
 }
 
@@ -79,25 +112,37 @@ template <class T> Status transform_by_steps(Vector<T>& v, const Bluestein<T>& w
   return inverse ? kSuccess : dspi::scale<T>(v, T(1) / static_cast<T>(work.length));
 }
 
-// The first `bins` points of the transform of v.
-template <class T> Status chirp_transform(Vector<T>& v, bool inverse, size_t bins) {
+template <class T> Status chirp_transform(Vector<T>& v, bool inverse) {
   const bool by_library = dft_flags<T>() & DSP_DFT_USE_MKL;
   const WorkLock lock;
   Bluestein<T>& work = bluestein<T>;
   const int32_t n = v.points, complex = v.complex;
   if (!fits(2 * convolution_length(n))) return exhausted<T>(v);
   SIGVEX_TRY(prepare<T>(work, n, by_library));
-  if (by_library) {
-    SIGVEX_TRY(transform_by_steps<T>(v, work, inverse));
-    v.points = static_cast<int32_t>(bins);
-    return kSuccess;
-  }
+  if (by_library) return transform_by_steps<T>(v, work, inverse);
   SIGVEX_TRY(reshape<T>(v, points<T>(work.kernel), 1));
   const T factor = inverse ? T(1) : T(1) / static_cast<T>(n);
   const Status status =
-      convolve<T>(work.kernel, {v.data, count(n), !complex, work.chirp.data, inverse, v.data, bins, factor});
-  v.points = status < 0 ? n : static_cast<int32_t>(bins);
+      convolve<T>(work.kernel, {v.data, count(n), !complex, work.chirp.data, inverse, v.data, count(n), factor});
+  v.points = n;
   if (status < 0) v.complex = complex;
+  return status;
+}
+
+// Of a real v, bins 0 .. N/2.
+template <class T> Status real_chirp_transform(Vector<T>& v) {
+  const WorkLock lock;
+  Bluestein<T>& work = bluestein<T>;
+  const int32_t n = v.points;
+  const size_t m = convolution_length(n) / 2;
+  if (!fits(4 * m)) return exhausted<T>(v);
+  SIGVEX_TRY(prepare<T>(work, n, false));
+  SIGVEX_TRY(prepare_halves<T>(work));
+  SIGVEX_TRY(reshape<T>(v, 2 * m, 1));
+  const Status status =
+      real_chirp<T>(m, {work.halves, work.halves + 2 * m, work.chirp.data, count(n), v.data, T(1) / static_cast<T>(n)});
+  v.points = status < 0 ? n : n / 2 + 1;
+  if (status < 0) v.complex = 0;
   return status;
 }
 
@@ -106,7 +151,7 @@ template <class T> Status chirp_transform(Vector<T>& v, bool inverse, size_t bin
 template <class T> Status release_dft() {
   const WorkLock lock;
   Bluestein<T>& work = bluestein<T>;
-  work.length = 0;
+  drop<T>(work);
   SIGVEX_TRY(dsp::destroy<T>(work.chirp));
   return dsp::destroy<T>(work.kernel);
 }
@@ -122,7 +167,7 @@ template <class T> Status dft(Vector<T>& v, uint32_t inverse) {
     return kSuccess;
   }
   if (power_of_two(v.points)) return fft<T>(v, inverse);
-  SIGVEX_TRY(chirp_transform<T>(v, inverse != 0, points<T>(v)));
+  SIGVEX_TRY(chirp_transform<T>(v, inverse != 0));
   v.delta = bin_spacing<T>(delta, points<T>(v));
   return kSuccess;
 }
@@ -131,10 +176,14 @@ template <class T> Status rdft(Vector<T>& v) {
   if (v.complex) return kFailure;
   const int32_t n = v.points;
   if (power_of_two(n)) return rfft<T>(v);
-  if (n < 2) return dft<T>(v, 0);
-  const T delta = v.delta;
-  SIGVEX_TRY(chirp_transform<T>(v, false, count(n) / 2 + 1));
-  v.delta = bin_spacing<T>(delta, count(n));
+  if (n > 3 && !(dft_flags<T>() & DSP_DFT_USE_MKL)) {
+    const T delta = v.delta;
+    SIGVEX_TRY(real_chirp_transform<T>(v));
+    v.delta = bin_spacing<T>(delta, count(n));
+    return kSuccess;
+  }
+  SIGVEX_TRY(dft<T>(v, 0));
+  if (n > 1) v.points = n / 2 + 1;
   return kSuccess;
 }
 

@@ -30,4 +30,10 @@ template <class T> Status kernel_spectrum(Vector<T>& kernel);
 // imaginary parts of the points are convolved independently: two real sequences go through one call.
 template <class T> Status convolve(const Vector<T>& spectrum, const Convolution<T>& c);
 
+// The real transform of c.points samples, scaled by c.factor, through spectra of m points, a power of two above 2.
+template <class T> Status real_chirp(size_t m, const RealChirp<T>& c);
+
+// n = 2^bits > 2 points to their inverse transform, in place.
+template <class T> Status inverse_transform(T* data, size_t n);
+
 }  // namespace sigvex

@@ -46,7 +46,7 @@ TEST_BOTH(Transform, EveryLengthWithinItsErrorBoundOnEveryCpuTarget) {
             if (complex || inverse || fast || std::has_single_bit(n)) return;
             Vec<T> half = x;
             EXPECT_EQ(rdft(half.get()), 0);
-            EXPECT_TRUE(std::equal(half->data, half->data + half.size(), v->data));
+            EXPECT_LE(transform_error(half, references[0], step), transform_bound<T>(n));
           });
         }
       });
