@@ -80,9 +80,12 @@ template <bool kBackwards, class One, class Some> void in_blocks(size_t n, One o
   }
 }
 
+// Parts are taken apart in wide registers or, at some cost, in memory: the wide loop pays from the first block on.
+template <class F> void on_vectors_for_blocks(size_t n, F loop) { n < kBlock ? loop() : on_widest_vectors(loop); }
+
 // y[k] = f(x[k]) for n elements X, f giving points.
 template <class X, class T, class F> void map_blocks(const T* x, T* y, size_t n, F f) {
-  on_widest_vectors(n, [=] {
+  on_vectors_for_blocks(n, [=] {
     const auto one = [=](size_t k) { store<T>(y, k, f(Element<X>::at(x, k))); };
     in_blocks<!std::is_same_v<X, Point<T>>>(n, one, [=](size_t k) {
       const Block<X> in(x, k);
@@ -95,7 +98,7 @@ template <class X, class T, class F> void map_blocks(const T* x, T* y, size_t n,
 
 // z[k] = f(x[k], y[k]) for n elements X and Y, f giving points.
 template <class X, class Y, class T, class F> void combine_blocks(const T* x, const T* y, T* z, size_t n, F f) {
-  on_widest_vectors(n, [=] {
+  on_vectors_for_blocks(n, [=] {
     const auto one = [=](size_t k) { store<T>(z, k, f(Element<X>::at(x, k), Element<Y>::at(y, k))); };
     in_blocks<!std::is_same_v<X, Y>>(n, one, [=](size_t k) {
       const Block<X> a(x, k);

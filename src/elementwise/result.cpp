@@ -11,6 +11,11 @@ template <class T> void leave_to_owner(const Vector<T>& input, Vector<T>& result
 
 template <class T>
 Status size_result(const Vector<T>& a, const Vector<T>& b, size_t n, bool complex, Vector<T>& result) {
+  if (fits(n) && n * (complex ? 2 : 1) <= count(result.allocated)) {  // nothing moves
+    result.points = static_cast<int32_t>(n);
+    result.complex = complex;
+    return kSuccess;
+  }
   const bool on_a = result.data == a.data, on_b = result.data == b.data;
   if (!on_a && !on_b) return shape<T>(result, n, complex);
   // Not more than an input holds, whatever form another record over its storage was left with.
@@ -18,7 +23,6 @@ Status size_result(const Vector<T>& a, const Vector<T>& b, size_t n, bool comple
   const int32_t old_points = (&result != &b && on_a ? a : b).points;
   result.points = static_cast<int32_t>(n);
   result.complex = complex;
-  if (size<T>(result) <= count(result.allocated)) return kSuccess;
   if (on_a && &result != &a) result.allocated = 0;
   leave_to_owner<T>(b, result, size<T>(result));
   return dsp::realloc<T>(result, old_points, old_complex);
