@@ -31,6 +31,15 @@ template <class T> class Modulo {
     return std::copysign(static_cast<T>(rest < 0 ? rest + period_ : rest), x);  // the quotient may be rounded up
   }
 
+  // A whole number of periods, in the two parts.
+  struct Multiple {
+    double upper = 0, lower = 0;
+  };
+  Multiple multiple_in(T x) const {
+    const double q = std::nearbyint(static_cast<double>(x) / period_);
+    return std::abs(q) < limit_ ? Multiple{q * upper_, q * lower_} : Multiple{};
+  }
+
  private:
   double period_, upper_, lower_, limit_;
 };
@@ -87,12 +96,23 @@ template <class T> Status integ(Vector<T>& v) {
 template <class T> Status unwrap_wnd(Vector<T>& v, T period) {
   if (v.complex || !(period > 0)) return kFailure;
   const Modulo<T> modulo(period);
+  const T half = period / 2;
   T* const x = v.data;
   T previous = 0;
+  typename Modulo<T>::Multiple turns;  // of the last long step: mostly those of the next one
   for (size_t k = 0, n = points<T>(v); k < n; ++k) {
-    const T step = x[k] - previous, shorter = wrapped(step, period, modulo);
-    previous = shorter == step ? x[k] : previous + shorter;
-    x[k] = previous;
+    const T step = x[k] - previous;
+    if (std::abs(step) <= half) {
+      previous = x[k];
+      continue;
+    }
+    // A step of half a period or more less its turns is exact, as the modulo is; ties and zeros go by the step's sign.
+    T shorter = static_cast<T>((step - turns.upper) - turns.lower);
+    if (!(std::abs(shorter) < half) || shorter == 0) {
+      shorter = wrapped(step, period, modulo);
+      turns = modulo.multiple_in(step - shorter);
+    }
+    x[k] = previous += shorter;
   }
   return kSuccess;
 }
