@@ -1,5 +1,7 @@
 #include "elementwise/kernels.h"
 
+#include <algorithm>
+
 #include "core/kernel_choice.h"
 
 #define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
@@ -50,6 +52,16 @@ template <class T> HWY_INLINE Points<T> exp10_of_point(Points<T> z) {
 }
 template <class T> HWY_INLINE Points<T> rectangular_of(Points<T> z) { return rectangular<T>(z.re, z.im); }
 
+// In two passes over some points at a time: of the long chain of steps in one, no two vectors would overlap.
+template <class T> void root_of_points(const T* x, T* y, size_t n) {
+  constexpr size_t kSome = 256;
+  for (size_t k = 0; k < n; k += kSome) {
+    const size_t some = std::min(kSome, n - k);
+    map_points<T, polar_root_of_point<T>>(x + 2 * k, y + 2 * k, some);
+    map_points<T, rectangular_of<T>>(y + 2 * k, y + 2 * k, some);
+  }
+}
+
 // The rest that fills no vector is at the end, so that each vector is read before anything is written over it.
 template <class T> void weave(const T* re, const T* im, T* z, size_t n) {
   for (; n % kLanes<T> != 0; --n) {
@@ -89,7 +101,7 @@ template <class T> const MathKernels<T>* kernels() {
       .exp_of_points = map_points<T, exp_of_point<T>>,
       .exp10_of_points = map_points<T, exp10_of_point<T>>,
       .log_of_points = map_points<T, log_of_point<T>>,
-      .root_of_points = map_points<T, root_of_point<T>>,
+      .root_of_points = root_of_points<T>,
       .db_of_points = db_of_points<T>,
       .phase = map_to_real<T, phase<T>>,
       .magnitude = map_to_real<T, hypot<T>>,

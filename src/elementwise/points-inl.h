@@ -45,12 +45,12 @@ template <class T> HWY_INLINE V<T> root_or_zero(V<T> x) {
   return hn::IfThenElseZero(hn::Ge(x, zero<T>()), hn::Sqrt(x));
 }
 
-// The principal root.
-template <class T> HWY_INLINE Points<T> root_of_point(Points<T> z) {
+// The principal root as magnitude and angle.
+template <class T> HWY_INLINE Points<T> polar_root_of_point(Points<T> z) {
   const V<T> r = hn::Sqrt(hn::IfThenElse(bounded<T>(z), hn::Sqrt(magsq(z)), set<T>(Limits<T>::huge)));
   const M<T> origin = hn::Not(hn::Gt(r, zero<T>()));
-  const Points<T> root = rectangular<T>(r, atan2<T>(z.im, hn::IfThenElse(origin, set<T>(1), z.re)) * set<T>(0.5));
-  return {hn::IfThenZeroElse(origin, root.re), hn::IfThenZeroElse(origin, root.im)};
+  const V<T> angle = atan2<T>(z.im, hn::IfThenElse(origin, set<T>(1), z.re)) * set<T>(0.5);
+  return {hn::IfThenZeroElse(origin, r), hn::IfThenZeroElse(origin, angle)};
 }
 
 // sqrt(re^2 + im^2), the squares summed in two parts where that neither overflows nor underflows.
