@@ -25,12 +25,17 @@ template <class T> class Bins {
     std::array<int32_t, kBatch> bins;
     for (; n > 0; n -= std::min(n, kBatch)) {
       const size_t batch = std::min(n, kBatch);
-      on_widest_vectors([=, *this, to = bins.data()] {
-        for (size_t k = 0; k < batch; ++k) to[k] = bin(position(samples[k]));
+      int32_t signs = 0;
+      on_widest_vectors([=, *this, &signs, to = bins.data()] {
+        int32_t all = 0;
+        for (size_t k = 0; k < batch; ++k) {
+          to[k] = bin(position(samples[k]));
+          all |= to[k];
+        }
+        signs = all;
       });
-      for (size_t k = 0; k < batch; ++k) {
-        if (bins[k] >= 0) counts_[bins[k]] += 1;
-      }
+      const size_t found = signs < 0 ? without_none(bins.data(), batch) : batch;
+      for (size_t k = 0; k < found; ++k) counts_[bins[k]] += 1;
       samples += batch;
     }
   }
@@ -55,6 +60,16 @@ template <class T> class Bins {
     const T v = sample - lo_;
     if (width_ != 0) return v / width_;
     return v == 0 ? T(0) : Limits<T>::huge;
+  }
+
+  // Each bin takes the place of the one before it that was none: a branch for those would be mispredicted often.
+  static size_t without_none(int32_t* bins, size_t n) {
+    size_t found = 0;
+    for (size_t k = 0; k < n; ++k) {
+      bins[found] = bins[k];
+      found += bins[k] >= 0;
+    }
+    return found;
   }
 
   // -1 is none.
