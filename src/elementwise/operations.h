@@ -69,7 +69,7 @@ template <class T> void leave_to_owner(const Vector<T>& input, Vector<T>& result
 
 // Whether an input must be read from a copy: sizing the result for `need` scalars could move the input's storage away,
 // or the result would be written over samples that are still to be read. Storage that starts at one address is safe.
-template <class T> bool endangered(const Vector<T>& input, const Vector<T>& result, size_t need) {
+template <class T> inline bool endangered(const Vector<T>& input, const Vector<T>& result, size_t need) {
   // A result that views is not written over: it gets a block of its own. A size that is refused moves nothing.
   if (&input == &result || result.allocated <= 0 || !fits(need) || !overlap<T>(input, result)) return false;
   if (result.data != input.data) return true;
