@@ -26,7 +26,7 @@ template <class T> struct Bluestein {
   Vector<T> kernel;  // spectrum of the conjugate chirp, mirrored, M points
   int32_t length;    // N, 0 while the two vectors are not built
   bool natural;      // the order of the spectrum: that of dspi_fft, or the engine's own
-  T* halves;         // for real samples, the two spectra of M/2 points of RealChirp, null while they are not built
+  T* halves;         // for real samples, spectra of M/2 points, null while they are not built
 };
 template <class T> constinit Bluestein<T> bluestein{};
 
@@ -55,7 +55,7 @@ template <class T> Status build_kernel(Vector<T>& kernel, const Vector<T>& chirp
     set_point<T>(kernel, k, {z.re, -z.im});
     set_point<T>(kernel, m - k, {z.re, -z.im});
   }
-  return natural ? dspi::fft<T>(kernel, 1) : kernel_spectrum<T>(kernel);
+  return natural ? dspi::fft<T>(kernel, 1) : kernel_spectrum<T>(kernel.data, m);
 }
 
 template <class T> void drop(Bluestein<T>& work) {
@@ -73,26 +73,35 @@ template <class T> Status prepare(Bluestein<T>& work, int32_t length, bool natur
   return kSuccess;
 }
 
-// Built when the first real vector of the length comes.
+// Whether m points hold the convolution that gives bins 0 .. N/2 alone.
+bool holds_half(size_t m, size_t n) { return n + n / 2 <= m; }
+
+// Of the conjugate chirp, for M/2 points: where they hold half a transform its spectrum, the negative lags mirrored,
+// otherwise the two of RealChirp. Built when the first real vector of the length comes.
 template <class T> Status prepare_halves(Bluestein<T>& work) {
   if (work.halves) return kSuccess;
   const size_t n = points<T>(work.chirp), m = points<T>(work.kernel) / 2;
   std::unique_ptr<T, decltype(&std::free)> block(static_cast<T*>(std::calloc(4 * m, sizeof(T))), &std::free);
   if (!block) return kFailure;
-  T *const sums = block.get(), *const differences = sums + 2 * m;
-  for (size_t l = 0; l <= n / 2 * 2; ++l) {
-    const Point<T> z = point<T>(work.chirp, l % n);  // the chirp of an even length has the period n
-    const auto put = [z](T* spectrum, size_t place) {
-      spectrum[2 * place] = z.re;
-      spectrum[2 * place + 1] = -z.im;
-    };
-    if (l > 0) put(sums, l % m);
-    if (l > n / 2) continue;
-    put(differences, l);
-    put(differences, (m - l) % m);
+  T *const first = block.get(), *const second = first + 2 * m;
+  const auto put = [&](T* spectrum, size_t place, size_t lag) {
+    const Point<T> z = point<T>(work.chirp, lag % n);  // the chirp of an even length has the period n
+    spectrum[2 * place] = z.re;
+    spectrum[2 * place + 1] = -z.im;
+  };
+  if (holds_half(m, n)) {
+    for (size_t l = 0; l <= n / 2; ++l) put(first, l, l);
+    for (size_t l = 1; l < n; ++l) put(first, m - l, l);
+    SIGVEX_TRY(kernel_spectrum<T>(first, m));
+  } else {
+    for (size_t l = 1; l <= n / 2 * 2; ++l) put(first, l % m, l);
+    for (size_t l = 0; l <= n / 2; ++l) {
+      put(second, l, l);
+      put(second, (m - l) % m, l);
+    }
+    SIGVEX_TRY(inverse_transform<T>(first, m));
+    SIGVEX_TRY(inverse_transform<T>(second, m));
   }
-  SIGVEX_TRY(inverse_transform<T>(sums, m));
-  SIGVEX_TRY(inverse_transform<T>(differences, m));
   work.halves = block.release();
   return kSuccess;
 }
@@ -122,8 +131,8 @@ template <class T> Status chirp_transform(Vector<T>& v, bool inverse) {
   if (by_library) return transform_by_steps<T>(v, work, inverse);
   SIGVEX_TRY(reshape<T>(v, points<T>(work.kernel), 1));
   const T factor = inverse ? T(1) : T(1) / static_cast<T>(n);
-  const Status status =
-      convolve<T>(work.kernel, {v.data, count(n), !complex, work.chirp.data, inverse, v.data, count(n), factor});
+  const Status status = convolve<T>(work.kernel.data, points<T>(work.kernel),
+                                    {v.data, count(n), !complex, work.chirp.data, inverse, v.data, count(n), factor});
   v.points = n;
   if (status < 0) v.complex = complex;
   return status;
@@ -139,8 +148,12 @@ template <class T> Status real_chirp_transform(Vector<T>& v) {
   SIGVEX_TRY(prepare<T>(work, n, false));
   SIGVEX_TRY(prepare_halves<T>(work));
   SIGVEX_TRY(reshape<T>(v, 2 * m, 1));
+  const T *const chirp = work.chirp.data, *const spectra = work.halves;
+  const T factor = T(1) / static_cast<T>(n);
   const Status status =
-      real_chirp<T>(m, {work.halves, work.halves + 2 * m, work.chirp.data, count(n), v.data, T(1) / static_cast<T>(n)});
+      holds_half(m, count(n))
+          ? convolve<T>(spectra, m, {v.data, count(n), true, chirp, false, v.data, count(n) / 2 + 1, factor})
+          : real_chirp<T>(m, {spectra, spectra + 2 * m, chirp, count(n), v.data, factor});
   v.points = status < 0 ? n : n / 2 + 1;
   if (status < 0) v.complex = 0;
   return status;

@@ -75,15 +75,14 @@ template <class T> Status real_inverse_transform(Vector<T>& v) {
   return kSuccess;
 }
 
-template <class T> Status kernel_spectrum(Vector<T>& kernel) {
-  return with_work<T>(points<T>(kernel), [&](const ComplexTables<T>& tables, T* work) {
-    convolution_kernels<T>().spectrum(tables, kernel.data, work);
-  });
+template <class T> Status kernel_spectrum(T* kernel, size_t n) {
+  return with_work<T>(
+      n, [&](const ComplexTables<T>& tables, T* work) { convolution_kernels<T>().spectrum(tables, kernel, work); });
 }
 
-template <class T> Status convolve(const Vector<T>& spectrum, const Convolution<T>& c) {
-  return with_work<T>(points<T>(spectrum), [&](const ComplexTables<T>& tables, T* work) {
-    convolution_kernels<T>().convolve(tables, spectrum.data, c, work);
+template <class T> Status convolve(const T* spectrum, size_t n, const Convolution<T>& c) {
+  return with_work<T>(n, [&](const ComplexTables<T>& tables, T* work) {
+    convolution_kernels<T>().convolve(tables, spectrum, c, work);
   });
 }
 
@@ -99,8 +98,8 @@ template <class T> Status inverse_transform(T* data, size_t n) { return run_comp
   template Status complex_transform<T>(Vector<T>&, bool);               \
   template Status real_transform<T>(Vector<T>&);                        \
   template Status real_inverse_transform<T>(Vector<T>&);                \
-  template Status kernel_spectrum<T>(Vector<T>&);                       \
-  template Status convolve<T>(const Vector<T>&, const Convolution<T>&); \
+  template Status kernel_spectrum<T>(T*, size_t);                       \
+  template Status convolve<T>(const T*, size_t, const Convolution<T>&); \
   template Status real_chirp<T>(size_t, const RealChirp<T>&);           \
   template Status inverse_transform<T>(T*, size_t);
 SIGVEX_INSTANTIATE(double)

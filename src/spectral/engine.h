@@ -24,11 +24,11 @@ template <class T> Status real_inverse_transform(Vector<T>& v);
 //
 // Turns the complex kernel, a power of two above 2 points, into its spectrum, in place. It serves until the caches are
 // released.
-template <class T> Status kernel_spectrum(Vector<T>& kernel);
+template <class T> Status kernel_spectrum(T* kernel, size_t n);
 
 // As many points as the spectrum has; the result is scaled by nothing but c.factor. With a real kernel, real and
 // imaginary parts of the points are convolved independently: two real sequences go through one call.
-template <class T> Status convolve(const Vector<T>& spectrum, const Convolution<T>& c);
+template <class T> Status convolve(const T* spectrum, size_t n, const Convolution<T>& c);
 
 // The real transform of c.points samples, scaled by c.factor, through spectra of m points, a power of two above 2.
 template <class T> Status real_chirp(size_t m, const RealChirp<T>& c);
