@@ -19,6 +19,7 @@ template <class T> struct Function {
   Range spread = {};  // of magnitudes that lie evenly by their logarithm, with both signs where the lower one is 0
 };
 
+#define UNMEASURED(family, op) {TWIN_ROW(family, op)},
 template <class T> std::vector<Function<T>> functions() {
   constexpr bool kSingle = std::is_same_v<T, float>;
   const long double most = std::numeric_limits<T>::max(), tiny = kTiny<T>, ln_huge = kSingle ? 34.5L : 230.2L;
@@ -35,16 +36,7 @@ template <class T> std::vector<Function<T>> functions() {
           {TWIN_ROW(i, sinh), std::sinh, {-4, 4}, faithful},
           {TWIN_ROW(i, cosh), std::cosh, {-4, 4}, faithful},
           {TWIN_ROW(i, tanh), std::tanh, {-2, 2}, {0, 30}},
-          {TWIN_ROW(i, exp10)},
-          {TWIN_ROW(i, sinc)},
-          {TWIN_ROW(i, sqrt)},
-          {TWIN_ROW(i, besi0)},
-          {TWIN_ROW(i, besj1)},
-          {TWIN_ROW(i, besy0)},
-          {TWIN_ROW(i, mag)},
-          {TWIN_ROW(i, phase)},
-          {TWIN_ROW(i, rtop)},
-          {TWIN_ROW(i, ptor)}};
+          FOR_EACH(UNMEASURED, i, exp10, sinc, sqrt, besi0, besj1, besy0, mag, phase, rtop, ptor)};
 }
 
 // n of each range.

@@ -36,11 +36,4 @@ TEST_BOTH(Decimation, KeepsEveryFactorthPointFromTheRoundedOffset) {
   }
 }
 
-TEST_BOTH(Decimation, BlocksOfAnySizesKeepTheStep) {
-  for (const int32_t factor : {1, 2, 7, 64}) {
-    expect_same_in_blocks(noise<T>(900, factor == 7), 40,
-                          [&](Vec<T>& x, Vec<T>& y, Record<T>* offset) { return deci(x, y, factor, offset); });
-  }
-}
-
 }  // namespace sigvex_test::decimate_test

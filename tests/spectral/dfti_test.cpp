@@ -33,8 +33,8 @@ TEST_BOTH(Dfti, ComplexAndRealPlansAreBuiltOnceAndKept) {
     ASSERT_EQ(fft(v, 0U), 0);
     EXPECT_TRUE(close(v, std::vector<T>{T(2.5), 0, T(-0.5), T(0.5), T(-0.5), 0, T(-0.5), T(-0.5)}, kTolerance<T>, 1));
     EXPECT_EQ(v->delta, T(0.5));
-    EXPECT_EQ(library.precision, (std::is_same_v<T, double> ? 36 : 35));
-    EXPECT_TRUE(library.domain == 32 && library.dimensions == 1 && library.length == 4 &&
+    EXPECT_EQ(library.latest.precision, (std::is_same_v<T, double> ? 36 : 35));
+    EXPECT_TRUE(library.latest.domain == 32 && library.latest.dimensions == 1 && library.latest.length == 4 &&
                 library.forward_scale == 0.25);
     ASSERT_EQ(fft(v, 7U), 0);
     EXPECT_TRUE(close(v, std::vector<T>{1, 0, 2, 0, 3, 0, 4, 0}, kTolerance<T>, 1));
@@ -44,7 +44,7 @@ TEST_BOTH(Dfti, ComplexAndRealPlansAreBuiltOnceAndKept) {
     ASSERT_EQ(rfft(real), 0);
     EXPECT_TRUE(close(real, std::vector<T>{T(2.5), 0, T(-0.5), T(0.5), T(-0.5), 0}, kTolerance<T>, 1));
     EXPECT_TRUE(real->complex == 1 && real->allocated == 8 && real->delta == kHuge<T>);
-    EXPECT_TRUE(library.domain == 33 && library.created == 2 && library.freed == 0);
+    EXPECT_TRUE(library.latest.domain == 33 && library.created == 2 && library.freed == 0);
     EXPECT_EQ(free_internal.of<T>()(), 0);
     EXPECT_EQ(library.freed, 2);
     ASSERT_EQ(fft(v, 0U), 0);
@@ -78,7 +78,7 @@ TEST_BOTH(Dfti, LengthsBetweenPowersComputeThroughItToo) {
     Vec<T> v{1, 2, 4};
     for (const int backwards : {0, DSP_DFT_USE_MKL | DSP_DFT_KEEP_PLANS}) {
       EXPECT_EQ(dft(v, 0U), 0);
-      EXPECT_TRUE(library.created == 1 && library.length == 4 && library.computed == 1) << library.computed;
+      EXPECT_TRUE(library.created == 1 && library.latest.length == 4 && library.computed == 1) << library.computed;
       EXPECT_EQ(dft_set_flags.of<T>()(static_cast<uint32_t>(backwards)), 0);
       EXPECT_EQ(dft(v, 1U), 0);
       EXPECT_TRUE(close(v, std::vector<T>{1, 0, 2, 0, 4, 0}, kTolerance<T>, 1)) << backwards;
@@ -95,11 +95,11 @@ TEST_BOTH(Dfti, ThreadCountGoesIntoThePlans) {
     Vec<T> v{1, 2, 3, 4};
     EXPECT_EQ(omp_set_num_threads.of<T>()(2), 0);
     EXPECT_EQ(fft(v, 0U), 0);
-    EXPECT_EQ(library.user_threads, 0);
+    EXPECT_EQ(library.latest.user_threads, 0);
     EXPECT_EQ(omp_set_num_threads.of<T>()(1), 0);
     EXPECT_EQ(library.freed, 1);
     EXPECT_EQ(fft(v, 0U), 0);
-    EXPECT_EQ(library.user_threads, static_cast<long>(std::thread::hardware_concurrency()));
+    EXPECT_EQ(library.latest.user_threads, static_cast<long>(std::thread::hardware_concurrency()));
     library.failing = 'f';
     EXPECT_EQ(omp_set_num_threads.of<T>()(2), -1);
     EXPECT_EQ(library.freed, 2);

@@ -15,22 +15,14 @@ template <class T> struct Statistic {
   T of_nothing = 0;
 };
 
+#define OF_ITS_FORM(family, op) {TWIN_ROW(family, op), true, true},
+#define REAL(family, op)        {TWIN_ROW(family, op)},
 template <class T> const std::vector<Statistic<T>>& statistics() {
-  static const std::vector<Statistic<T>> all = {{TWIN_ROW(s, sum), true, true},
-                                                {TWIN_ROW(s, mean), true, true},
-                                                {TWIN_ROW(s, gmean), true, true},
-                                                {TWIN_ROW(s, hmean), true, true},
-                                                {TWIN_ROW(s, max), true, true},
-                                                {TWIN_ROW(s, min), true, true},
-                                                {TWIN_ROW(s, median), true, true},
-                                                {TWIN_ROW(s, magsq_sum)},
-                                                {TWIN_ROW(s, rms)},
-                                                {TWIN_ROW(s, pop_var)},
-                                                {TWIN_ROW(s, pop_stddev)},
-                                                {TWIN_ROW(s, samp_var)},
-                                                {TWIN_ROW(s, samp_stddev)},
-                                                {TWIN_ROW(s, skew), false},
-                                                {TWIN_ROW(s, excess), false, false, -3}};
+  static const std::vector<Statistic<T>> all = {
+      {TWIN_ROW(s, skew), false},
+      {TWIN_ROW(s, excess), false, false, -3},
+      FOR_EACH(OF_ITS_FORM, s, sum, mean, gmean, hmean, max, min, median)
+          FOR_EACH(REAL, s, magsq_sum, rms, pop_var, pop_stddev, samp_var, samp_stddev)};
   return all;
 }
 

@@ -56,11 +56,7 @@ EXPORTED long DftiCreateDescriptor(void** handle, int precision, int domain, lon
   va_start(arguments, dimensions);
   const long length = va_arg(arguments, long);
   va_end(arguments);
-  transform_stand_in.precision = precision;
-  transform_stand_in.domain = domain;
-  transform_stand_in.dimensions = dimensions;
-  transform_stand_in.length = length;
-  transform_stand_in.user_threads = 0;
+  transform_stand_in.latest = {precision, domain, dimensions, length, 0};
   if (transform_stand_in.failing == 'n') return 0;
   ++transform_stand_in.created;
   *handle = new Descriptor{precision, domain, static_cast<size_t>(length)};
@@ -74,7 +70,7 @@ EXPORTED long DftiSetValue(void* handle, int parameter, ...) {
   if (parameter == kForwardScale) {
     static_cast<Descriptor*>(handle)->scale = transform_stand_in.forward_scale = va_arg(arguments, double);
   } else if (parameter == kUserThreads) {
-    transform_stand_in.user_threads = va_arg(arguments, long);
+    transform_stand_in.latest.user_threads = va_arg(arguments, long);
   }
   va_end(arguments);
   return parameter == kForwardScale || parameter == kUserThreads ? 0 : 1;

@@ -4,7 +4,9 @@
 
 struct StandIn {
   long created, committed, freed, computed, backward, fast_mm_disabled;
-  long precision, domain, dimensions, length, user_threads;  // of the latest descriptor; user_threads 0: not set
+  struct {
+    long precision, domain, dimensions, length, user_threads;  // 0 user threads: not set
+  } latest;
   double forward_scale;
   // The call that fails next and ever after, by its name's letter: c create, n create without a handle, s set, k
   // commit, x compute, f free; 0: none.
