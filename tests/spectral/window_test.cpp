@@ -143,6 +143,7 @@ TEST_BOTH(Window, RotationFormAndSamples) {
   }
   Vec<T> v = Vec<T>::pairs({{1, 1}, {2, kInf<T>}, {3, -4}, {kNaN<T>, 8}});  // both parts take one weight
   v->delta = T(0.25);
+  EXPECT_EQ(window(v, uint32_t{DSP_WINDOW_TRIANGULAR}, kCentred), -1);  // for real samples alone
   EXPECT_EQ(window2(v, uint32_t{DSP_WINDOW_HANN}, kPeak | kCentred, T(0)), 0);
   EXPECT_TRUE(exactly(v, {0, 0, 1, kInf<T>, 3, -4, kNaN<T>, 4}));
   EXPECT_EQ(v->delta, T(0.25));
@@ -235,8 +236,12 @@ TEST_BOTH(Window, TheLastWindowIsKeptUntilItIsReleasedOrAnotherIsWanted) {
     EXPECT_EQ(counter.growths, 1);
     EXPECT_TRUE(exactly(again, fresh.back().samples()));
   }
-  for (const auto& c : choices) {
+  const auto expect_fresh = [&](const auto& c) {
     EXPECT_TRUE(exactly(weights<T>(c.n, c.type, c.flags, c.parameter), fresh[&c - choices].samples())) << &c - choices;
+  };
+  for (const auto& c : choices) expect_fresh(c);
+  for (const auto& c : choices) {
+    expect_fresh(c);
     Vec<T> fir = ones<T>(c.n);
     EXPECT_EQ(window_fir(fir, c.type, c.flags, c.parameter), 0);
     EXPECT_EQ(fir[0], fir[c.n - 1]) << &c - choices;
