@@ -79,7 +79,7 @@ def test_faults(declared):
     tests = "\n".join(path.read_text() for path in sorted((ROOT / "tests").glob("*/*.[ch]*")))
     for name, _ in pairs(declared):
         family, operation = re.match(r"dsp(\w*?)_(\w+)", name).groups()
-        rows = rf"\b{name}\b|\b(?:TWIN\w*|WITH)\(\s*{family}\s*,[^)]*\b{operation}\b"
+        rows = rf"\b{name}\b|\b(?:TWIN\w*|WITH|FOR_EACH)\(\s*(?:\w+, )?{family}\s*,[^)]*\b{operation}\b"
         if not re.search(rows, tests):
             yield f"tests: nothing tests {name}"
 
