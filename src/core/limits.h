@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cfloat>
+#include <cmath>
 
 #include "core/vector.h"
 
@@ -30,7 +31,7 @@ template <> struct Limits<float> {
 };
 
 // Within +-huge; false for NaN.
-template <class T> bool bounded(T x) { return x >= -Limits<T>::huge && x <= Limits<T>::huge; }
+template <class T> bool bounded(T x) { return std::abs(x) <= Limits<T>::huge; }
 template <class T> bool bounded(Point<T> z) { return bounded(z.re) && bounded(z.im); }
 
 // Brought into +-huge. NaN is neither above nor inside, so it counts as below.
