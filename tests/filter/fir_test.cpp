@@ -51,6 +51,13 @@ TEST_BOTH(Fir, TheKeptSpectrumServesEqualTapsOnly) {
     taps[63] = static_cast<T>(off) * kEps<T>;
     EXPECT_EQ(exactly(run(in), first), off < 5) << off;
   }
+  std::vector<T> last;
+  for (const int off : {0, -4, 4}) {  // both within five epsilons of the first ones, but not of each other
+    taps[63] = static_cast<T>(off) * kEps<T>;
+    last = run(off ? pairs : in).samples();
+  }
+  EXPECT_EQ(free_internal.of<T>()(), 0);
+  EXPECT_TRUE(exactly(run(pairs), last));
   for (const T tap : {T(1), kNaN<T>, kNaN<T>, T(2), kInf<T>, T(3)}) {  // in the last place only
     taps[63] = tap;
     if (!std::isfinite(tap)) EXPECT_TRUE(std::isnan(run(in)[62]));
@@ -66,13 +73,15 @@ TEST_BOTH(Fir, TheKeptSpectrumServesEqualTapsOnly) {
 
 TEST_BOTH(Fir, ALoudHistoryStaysWhereItReachesAndASampleInWrappedOutputs) {
   for (const T loud : {kInf<T>, kNaN<T>, kHuge<T>, T(1000)}) {
-    Vec<T> in(std::vector<T>(512)), taps = noise<T>(100, false), state(std::vector<T>(99, loud)), out;
-    EXPECT_EQ(fir(in, out, taps, state), 0);
-    EXPECT_NE(out[98], T(0));
-    EXPECT_TRUE(close(cut(out, 99, 512), std::vector<T>(413), 0)) << loud;
-    in.get()->data[90] = loud;
-    EXPECT_EQ(fir(in, out, taps, nullptr), 0);
-    EXPECT_TRUE(std::isfinite(out[89])) << loud;
+    for (const size_t n : {400, 512}) {  // a transform with room for the history, and one without
+      Vec<T> in{std::vector<T>(n)}, taps = noise<T>(100, false), state(std::vector<T>(99, loud)), out;
+      EXPECT_EQ(fir(in, out, taps, state), 0);
+      EXPECT_NE(out[98], T(0));
+      EXPECT_TRUE(close(cut(out, 99, n), std::vector<T>(n - 99), 0)) << loud << ' ' << n;
+      in[90] = loud;
+      EXPECT_EQ(fir(in, out, taps, nullptr), 0);
+      EXPECT_TRUE(n < 512 || std::isfinite(out[89])) << loud;
+    }
   }
 }
 

@@ -6,6 +6,7 @@ namespace sigvex_test::resample_stream_test {
 
 constexpr Twin resample{&dsph_rsmp, &dspfh_rsmp};
 constexpr Twin built_in_set{&dspd_rsmp2, &dspfd_rsmp2};
+TWIN(i, rtoc);
 TWINS(h, rsmp_coef_alloc, rsmp_coef_init, rsmp_coef_setup, rsmp_coef_destroy, rsmp_state_alloc, rsmp_state_init,
       rsmp_state_reset, rsmp_state_destroy, rsmp_state_get_offset, rsmp_state_set_offset, rsmp_get_delay_pts,
       rsmp_get_in_pts, rsmp_get_out_pts, rsmp_get_settle_pts);
@@ -124,7 +125,7 @@ TEST_BOTH(StreamResampler, IsTheDefinitionInBlocksOfAnySizesAtChangingRatios) {
 TEST_BOTH(StreamResampler, BuiltInSetsAreThoseOfTheBlockResampler) {
   for (uint32_t set = 0; set < 5; ++set) {
     const Coef<T> coef(1, set);
-    Vec<T> in = noise<T>(500, false), out, expected;
+    Vec<T> in = noise<T>(5000, false), out, expected;
     State<T> state;
     EXPECT_EQ(resample(in, out, &coef.c, 0.8, &state.s), 0);
     EXPECT_EQ(built_in_set(in, expected, uint8_t{1}, set, 0.8, nullptr), 0);
@@ -132,6 +133,24 @@ TEST_BOTH(StreamResampler, BuiltInSetsAreThoseOfTheBlockResampler) {
     // Lines between steps of a 256th of a sample: 1/8 (2 pi 0.5 / 256)^2.
     EXPECT_LT((transform_error(out, [&](size_t k) { return Wide(expected[k]); })), 2e-5) << set;
   }
+}
+
+TEST_BOTH(StreamResampler, AChangeOfFormKeepsTheLastPoints) {
+  const Coef<T> coef(1);
+  const Vec<T> in = noise<T>(300, false);
+  State<T> state;
+  std::vector<T> joined;
+  Vec<T> whole;
+  EXPECT_EQ(resample(in, whole, &coef.c, 0.75, &state.s) | rsmp_state_reset(&state.s), 0);
+  for (const size_t first : {0, 100, 200}) {  // the middle as pairs
+    const size_t width = first == 100 ? 2 : 1;
+    Vec<T> block = cut(in, first, first + 100), out;
+    EXPECT_EQ(width == 2 ? rtoc(block) : 0, 0);
+    EXPECT_EQ(resample(block, out, &coef.c, 0.75, &state.s), 0);
+    EXPECT_EQ(out->complex, width == 2);
+    for (size_t k = 0; k < out.size(); k += width) joined.push_back(out[k]);
+  }
+  EXPECT_TRUE(exactly(whole, joined));
 }
 
 TEST_BOTH(StreamResampler, CountsAreExactAndATransientEndsWhereItIsSaid) {
@@ -149,7 +168,7 @@ TEST_BOTH(StreamResampler, CountsAreExactAndATransientEndsWhereItIsSaid) {
     EXPECT_EQ(rsmp_get_settle_pts(&coef.c, &state.s, ratio, &settle), 0);
     EXPECT_EQ(resample(good, out, &coef.c, ratio, &state.s), 0);
     for (int32_t m = 0; m < out->points; ++m) ASSERT_EQ(std::isnan(out[static_cast<size_t>(m)]), m < settle) << m;
-    EXPECT_EQ(rsmp_state_reset(&state.s), 0);  // nothing of the NaNs is left
+    EXPECT_TRUE(rsmp_state_reset(&state.s) == 0 && state.offset() == 0);  // and nothing of the NaNs is left
     EXPECT_EQ(resample(good, out, &coef.c, ratio, &state.s), 0);
     for (const T y : out.samples()) ASSERT_TRUE(std::abs(y) < 2);
   }
@@ -159,7 +178,7 @@ TEST_BOTH(StreamResampler, RefusalsAndExhaustedStorageLeaveTheStreamAsItWas) {
   Coef<T> coef(2), none(1);
   EXPECT_EQ(rsmp_coef_destroy(&none.c), 0);
   State<T> state;
-  Vec<T> in = noise<T>(300, false), kept{7, 8}, expected;
+  Vec<T> in = noise<T>(300, false), kept{7, 8}, expected, grown;
   int32_t points = 5;
   for (const double ratio : {0.0, -1.0, std::nan(""), 2.001, HUGE_VAL}) {
     EXPECT_EQ(resample(in, kept, &coef.c, ratio, &state.s), -1) << ratio;
@@ -175,19 +194,21 @@ TEST_BOTH(StreamResampler, RefusalsAndExhaustedStorageLeaveTheStreamAsItWas) {
               refused(16, 99, .1, std::nan(""), 0) && refused(16, 99, .1, 1e9, 0) && refused(16, 99, .1, 1, -1));
   EXPECT_TRUE(exactly(kept, {7, 8}) && points == 5 && state.offset() == 0);
 
-  EXPECT_EQ(resample(in, expected, &coef.c, 1.5, &state.s), 0);
+  const double ratio = 1.5, in_place = 0.75;  // the output in place outgrows the input's storage
+  EXPECT_EQ(resample(in, expected, &coef.c, ratio, &state.s) | rsmp_state_reset(&state.s), 0);
+  EXPECT_EQ(resample(in, grown, &coef.c, in_place, &state.s), 0);
   for (int failing = 0, failed = 1; failed; ++failing) {
     decltype(coef.c)* c = nullptr;
     decltype(state.s)* s = nullptr;
     Vec<T> out, own = in;
     const FailingStorage<T> storage(failing);
     failed = rsmp_coef_alloc(&c) < 0 || rsmp_state_alloc(&s) < 0 || rsmp_coef_setup(c, 16, 126.0, 0.1, 2.0, 0) < 0 ||
-             resample(in, out, c, 1.5, s) < 0;
+             resample(in, out, c, ratio, s) < 0;
     if (!failed) {
       EXPECT_TRUE(exactly(out, expected.samples()));
       EXPECT_EQ(rsmp_state_reset(s), 0);
-      failed = resample(own, own, c, 1.5, s) < 0;
-      EXPECT_TRUE(exactly(own, failed ? in.samples() : expected.samples()));
+      failed = resample(own, own, c, in_place, s) < 0;
+      EXPECT_TRUE(exactly(own, failed ? in.samples() : grown.samples()));
     }
     if (c && c->length && s && failed) {
       EXPECT_TRUE(rsmp_get_out_pts(s, 1.0, 300, &points) == 0 && points == 300 && out->points % 200 == 0);

@@ -137,7 +137,9 @@ TEST_BOTH(Resampling, RefusesWhatItCannotDo) {
   const auto run = [&](Vec<T>& x, uint8_t mode, Vec<T>& k, double ratio) {
     return resample(x, kept, mode, k, ratio, state);
   };
-  for (const double ratio : {-1.0, -0.0, std::nan(""), -HUGE_VAL}) EXPECT_EQ(run(in, 1, kernel, ratio), -1) << ratio;
+  for (const double ratio : {-1.0, -0.0, 0.0, std::nan(""), -HUGE_VAL}) {
+    EXPECT_EQ(run(in, 1, kernel, ratio) & rsmp2(in, kept, kLinear, 2, ratio, state), -1) << ratio;
+  }
   EXPECT_TRUE(run(in, 1, wide, 1) == -1 && run(in, 2, kernel, 1) == -1 && run(pairs, 0, kernel, 1) == -1);
   kernel[0] = T(0.25);
   EXPECT_TRUE(run(in, 1, kernel, 1) == -1);

@@ -57,8 +57,8 @@ TEST_BOTH(Averaging, SynchronousFramesAddUpInPhase) {
   using C = std::complex<T>;
   for (const int32_t reference : {1, -1}) {
     Vec<T> a;
-    for (int n = 1; n <= 8; ++n) {  // a line twice as far away as the reference turns with it, another does not
-      const C turn = std::polar(T(1), T(n)), other = std::polar(T(1), T(M_PI / 4) * T(n)) * turn;
+    for (int n = 1; n <= 8; ++n) {  // one line turns with the reference; another, at times stronger, does not
+      const C turn = std::polar(T(1), T(n)), other = std::polar(T(n % 4 == 2 ? 4 : 1), T(M_PI / 4) * T(n)) * turn;
       Vec<T> c(std::vector<C>{C(0, 2) * turn, C(3, 0) * turn, other});
       ASSERT_EQ(avg(c.get(), a.get(), kNone<T>, uint32_t{DSP_AVG_SYNCHRONOUS}, n, reference, T(-1), T(0)), 0);
     }
@@ -68,7 +68,10 @@ TEST_BOTH(Averaging, SynchronousFramesAddUpInPhase) {
 
 TEST_BOTH(Averaging, RefusalsLeaveTheAccumulator) {
   Vec<T> c{2, 8, 1}, a{4, 2}, wide{1, 3, 5};
-  for (uint32_t mode = 1; mode <= 6; ++mode) EXPECT_EQ(avg(c.get(), a.get(), kNone<T>, mode, 2, 0, T(-1), T(0)), -1);
+  for (uint32_t mode = 1; mode <= 6; ++mode) {
+    EXPECT_EQ(avg(c.get(), a.get(), kNone<T>, mode, 2, 0, T(-1), T(0)), -1);
+    EXPECT_EQ(avg(a.get(), wide.get(), kNone<T>, mode, 2, 0, T(-1), T(0)), -1);
+  }
   EXPECT_EQ(avg(c.get(), a.get(), kNone<T>, 6U, 1, 3, T(-1), T(0)), -1);
   EXPECT_TRUE(exactly(a, {4, 2}));
   const FailingStorage<T> none(0);
