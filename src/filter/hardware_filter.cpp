@@ -53,7 +53,7 @@ class ChainResponse {
         octaves_(octaves),
         rate_(rate),
         out_rate_(std::ldexp(rate, -octaves)),
-        passband_(octaves > 0 ? fir_set_passband(set) * 2 * out_rate_ : rate) {}
+        passband_(fir_set_passband(set) * 2 * out_rate_) {}
 
   double folded(double frequency) const { return frequency > out_rate_ / 2 ? frequency - out_rate_ : frequency; }
   bool passes(double folded) const { return std::abs(folded) <= passband_; }
