@@ -135,8 +135,8 @@ TEST_BOTH(StreamResampler, BuiltInSetsAreThoseOfTheBlockResampler) {
   }
 }
 
-TEST_BOTH(StreamResampler, AChangeOfFormKeepsTheLastPoints) {
-  const Coef<T> coef(1);
+TEST_BOTH(StreamResampler, AChangeOfFormOrSpanKeepsTheLastPoints) {
+  const Coef<T> coef(1), longer(2);
   const Vec<T> in = noise<T>(300, false);
   State<T> state;
   std::vector<T> joined;
@@ -151,6 +151,16 @@ TEST_BOTH(StreamResampler, AChangeOfFormKeepsTheLastPoints) {
     for (size_t k = 0; k < out.size(); k += width) joined.push_back(out[k]);
   }
   EXPECT_TRUE(exactly(whole, joined));
+  for (const auto& [from, to] : {std::pair(&coef, &longer), {&longer, &coef}}) {
+    State<T> changed, silent;  // what a span more has room for counts as silence
+    Vec<T> past = cut(in, 0, 200), next = cut(in, 200, 300), unused, out, expected;
+    EXPECT_EQ(resample(past, unused, &from->c, 0.75, &changed.s), 0);
+    EXPECT_EQ(resample(next, out, &to->c, 0.75, &changed.s), 0);
+    std::fill_n(past->data, 200 - static_cast<size_t>(2 * coef.delay()), T(0));
+    EXPECT_EQ(resample(past, unused, &to->c, 0.75, &silent.s), 0);
+    EXPECT_EQ(resample(next, expected, &to->c, 0.75, &silent.s), 0);
+    EXPECT_TRUE(exactly(out, expected.samples()));
+  }
 }
 
 TEST_BOTH(StreamResampler, CountsAreExactAndATransientEndsWhereItIsSaid) {
