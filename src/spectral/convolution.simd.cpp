@@ -173,7 +173,7 @@ template <class T> void real_chirp(const ComplexTables<T>& tables, const RealChi
       there[2 * half + 1] *= T(0.5);
     }
     std::fill(there + 2 * (half + 1), there + 2 * m, T(0));
-    tables.forward(tables.bits, tables.roots, there, work, 1);
+    tables.forward(tables.bits, tables.roots, there, work, 1 / static_cast<T>(m));
     for (size_t k = 0; k < m; k += L) {
       const auto z = load_points<false>(d, there + 2 * k);
       store_points<false>(d, z * load_points<false>(d, c.sums + 2 * k), back + 2 * k);
@@ -181,7 +181,7 @@ template <class T> void real_chirp(const ComplexTables<T>& tables, const RealChi
     }
     tables.inverse(tables.bits, tables.roots, there, work, 1);
     tables.forward(tables.bits, tables.roots, back, work, 1);  // its results stand in reverse order otherwise
-    const T factor = c.factor / (2 * static_cast<T>(m)), sum = there[0];
+    const T factor = c.factor / 2, sum = there[0];
     size_t k = 1;
     for (; k + L <= half + 1; k += L) unfold(d, c, k, there, back, factor);
     for (; k <= half; ++k) unfold(one, c, k, there, back, factor);

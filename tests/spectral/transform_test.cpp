@@ -1,6 +1,7 @@
 // The transforms against their definitions and back again, over lengths, forms and directions.
 #include <bit>
 #include <functional>
+#include <limits>
 
 #include "support/cpu_targets.h"
 #include "support/failing_storage.h"
@@ -206,6 +207,19 @@ TEST_BOTH(Transform, StorageGrowsToTheConvolutionLengthOnce) {
     EXPECT_EQ(dft(v.get(), 0U), -1);
     EXPECT_EQ(counter.growths, 0);
     EXPECT_TRUE(!v->data && v->allocated == 0 && v->points == 0);
+  }
+}
+
+// Sums of all samples are the largest numbers on the way to bins that are means.
+TEST_BOTH(Transform, NothingOverflowsWhereTheSumsFit) {
+  for (const size_t n : {12, 100, 1009, 10007, 48000}) {
+    const T most = std::numeric_limits<T>::max() / T(8 * n);
+    for (const bool real : {true, false}) {
+      Vec<T> v(std::vector<T>(n, most));
+      EXPECT_EQ(real ? rdft(v.get()) : dft(v.get(), 0U), 0);
+      EXPECT_NEAR(v[0] / most, 1, transform_bound<T>(n)) << n;
+      EXPECT_NEAR(v[2] / most, 0, transform_bound<T>(n)) << n;
+    }
   }
 }
 
