@@ -622,10 +622,10 @@ DSP_API int32_t dspfbs_dot(const dspf_vector *a, const dspf_vector *b, dspf_vect
  * For all operations of this section: the destination gets the source's points and delta and the values of the
  * operation in place of the same name, with its guards. A destination that owns enough storage keeps it; one that is a
  * view gets a fresh block.
- *   alias    Source and destination may be one record (which is the operation in place) or share storage in any way;
- *            samples that both hold are then overwritten by the result. A destination that has to grow leaves the
- *            block it shares and gets one of its own; where it was that block's only owner, it releases it, and the
- *            source is left without samples.
+ *   alias    Source and destination may be one record (with the result of the operation in place; a view gets a block of
+ *            its own, and the viewed storage stays as it was) or share storage in any way; samples that both hold are
+ *            then overwritten by the result. A destination that has to grow leaves the block it shares and gets one of
+ *            its own; where it was that block's only owner, it releases it, and the source is left without samples.
  *   fails    storage: no value is written; the destination has no samples then, or is as it was
  */
 

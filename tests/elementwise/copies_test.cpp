@@ -36,7 +36,9 @@ TEST_BOTH(Copies, GetTheInPlaceResultWhereverTheResultLies) {
       source->complex *= 5;  // any value but 0 means complex; what a destination gets is 1
       EXPECT_EQ(copy.operation(source, fresh) + copy.operation(source, used), 0);
       source->complex = complex;
-      EXPECT_TRUE(same(fresh, expected) && same(used, expected) && same(source, original));
+      Vec<T> view = source.view();
+      EXPECT_EQ(copy.operation(view, view), 0);  // which gets a block of its own
+      EXPECT_TRUE(same(fresh, expected) && same(used, expected) && same(view, expected) && same(source, original));
       EXPECT_EQ(copy.operation(source, source), 0);
       EXPECT_TRUE(same(source, expected));
       for (const size_t apart : {0, 1, 2, 5, 64, 65, 66, 69}) {  // and with room from 64 on
