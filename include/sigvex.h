@@ -1730,8 +1730,8 @@ enum {
   DSP_AVG_MIN = 3,          /**< A = min(A, c) by dspb_min: minimum hold */
   DSP_AVG_HARMONIC = 4,     /**< the mean of the reciprocals, by dspi_recip before and after */
   DSP_AVG_GEOMETRIC = 5,    /**< the mean of the logarithms, by dspi_log before and dspi_exp after */
-  DSP_AVG_SYNCHRONOUS = 6,  /**< the mean of c turned so that its reference bin has phase 0: lines locked to that bin add
-                                 up in phase, noise and other lines average out without a trigger */
+  DSP_AVG_SYNCHRONOUS = 6,  /**< the mean of c turned so that its reference bin has the phase of A's: lines locked to that
+                                 bin add up in phase, noise and other lines average out without a trigger */
   DSP_AVG_EXPONENTIAL = 16, /**< weight 1/length from frame number `length` on */
   DSP_AVG_POWER = 32,       /**< first replace c by |c|^2 (dspu_magsq), ... */
   DSP_AVG_MAGNITUDE = 64,   /**< ... then c by |c| (dspu_mag), ... */
@@ -1743,9 +1743,9 @@ enum {
  * later ones follow the mode, and a mode above 6 leaves A as it is.
  *   weight w weight where that is >= 0; otherwise 1/length where DSP_AVG_EXPONENTIAL is set, length > 0 and
  *            count >= length; otherwise 1/count
- *   synchronous  c is multiplied by conj(c[r]) / |c[r]| first, in every frame (a real c by the sign of c[r]); where c[r]
- *            is 0, or not finite, it is left alone. r = reference; for a negative one r is the strongest bin of A, of c in
- *            the first frame, the first of equals
+ *   synchronous  after the first frame, c is multiplied by A[r] / |A[r]| * conj(c[r]) / |c[r]| first, where A and c are
+ *            real a sign; where A[r] or c[r] is 0, or not finite, it is left alone. r = reference; for a negative one r is
+ *            the strongest bin of A, the first of equals. The average thus has the phase of the first frame
  *   params   flags: DSP_AVG_*, bits above are ignored
  *            count: the number of this frame, 1 for the first
  *            work: a record to compute in, so that repeated calls need not allocate; overwritten where one is needed. Where
@@ -1753,8 +1753,8 @@ enum {
  *   sizes    A: the points of c; complex if A or the prepared c is. The first frame and DSP_AVG_LAST: the form of c
  *   delta    of A: of c in the first frame and for DSP_AVG_LAST, then the mean of the two
  *   alias    A may be the current result
- *   fails    A of another length than c (but for the first frame, DSP_AVG_LAST and modes above 6), a reference beyond the
- *            last bin: A is untouched; storage
+ *   fails    A of another length than c (but for the first frame, DSP_AVG_LAST and modes above 6), after the first frame
+ *            a reference beyond the last bin: A is untouched; storage
  */
 DSP_API int32_t dsph_avg (const dsp_vector  *current, dsp_vector  *accumulator, dsp_vector  *work, uint32_t flags,
                            int32_t count, int32_t reference, double weight, double length);

@@ -26,6 +26,13 @@ template <class T> size_t strongest(const Vector<T>& v) {
   return found;
 }
 
+// z / |z|; 0 where that is no direction.
+template <class T> Point<T> direction(Point<T> z) {
+  const T magnitude = std::hypot(z.re, z.im);
+  if (!(magnitude > 0 && std::isfinite(magnitude))) return {0, 0};
+  return {z.re / magnitude, z.im / magnitude};
+}
+
 // The current result on its way into the accumulator: where it is changed, it is so in the workspace.
 template <class T> class Current {
  public:
@@ -44,14 +51,14 @@ template <class T> class Current {
     return operation(work_);
   }
 
-  // Brings the phase of a bin to 0.
-  Status turn(size_t bin) {
-    const Point<T> z = complex_point<T>(*now_, bin);
-    const T magnitude = std::hypot(z.re, z.im);
-    if (!(magnitude > 0 && std::isfinite(magnitude))) return kSuccess;
+  // Turns the phase of a bin to the average's.
+  Status turn(size_t bin, const Vector<T>& average) {
+    const Point<T> from = direction(complex_point<T>(*now_, bin)), to = direction(complex_point<T>(average, bin));
+    const Point<T> turn{to.re * from.re + to.im * from.im, to.im * from.re - to.re * from.im};
+    if (turn.re == 0 && turn.im == 0) return kSuccess;
     SIGVEX_TRY(own());
-    if (!work_.complex) return dspi::scale<T>(work_, z.re / magnitude);
-    return dspi::cscale<T>(work_, z.re / magnitude, -z.im / magnitude);
+    if (!work_.complex && !average.complex) return dspi::scale<T>(work_, turn.re);
+    return dspi::cscale<T>(work_, turn.re, turn.im);
   }
 
  private:
@@ -130,12 +137,13 @@ Status avg(const Vector<T>& current, Vector<T>& accumulator, Vector<T>* work, ui
   if (!first && mode > DSP_AVG_SYNCHRONOUS) return kSuccess;
   const size_t n = points<T>(current);
   if (!first && mode != DSP_AVG_LAST && points<T>(accumulator) != n) return kFailure;
-  if (mode == DSP_AVG_SYNCHRONOUS && n > 0 && reference >= current.points) return kFailure;
+  const bool turned = mode == DSP_AVG_SYNCHRONOUS && !first && n > 0;
+  if (turned && reference >= current.points) return kFailure;
 
   Current<T> c(current, *work);
   SIGVEX_TRY(c.prepare(flags));
-  if (mode == DSP_AVG_SYNCHRONOUS && n > 0) {
-    SIGVEX_TRY(c.turn(reference < 0 ? strongest<T>(first ? *c : accumulator) : static_cast<size_t>(reference)));
+  if (turned) {
+    SIGVEX_TRY(c.turn(reference < 0 ? strongest<T>(accumulator) : static_cast<size_t>(reference), accumulator));
   }
   if (first || mode == DSP_AVG_LAST) return dsp::copy<T>(accumulator, *c);
   const T w = frame_weight(flags, count, weight, length);

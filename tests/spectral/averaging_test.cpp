@@ -62,7 +62,8 @@ TEST_BOTH(Averaging, SynchronousFramesAddUpInPhase) {
       Vec<T> c(std::vector<C>{C(0, 2) * turn, C(3, 0) * turn, other});
       ASSERT_EQ(avg(c.get(), a.get(), kNone<T>, uint32_t{DSP_AVG_SYNCHRONOUS}, n, reference, T(-1), T(0)), 0);
     }
-    EXPECT_TRUE(close(a, std::vector<double>{0, 2, 3, 0, 0, 0}, 40 * static_cast<double>(kEps<T>), 3));
+    const double x = std::cos(1), y = std::sin(1);  // the first frame's phase
+    EXPECT_TRUE(close(a, std::vector<double>{-2 * y, 2 * x, 3 * x, 3 * y, 0, 0}, 40 * static_cast<double>(kEps<T>), 3));
   }
 }
 
@@ -72,7 +73,7 @@ TEST_BOTH(Averaging, RefusalsLeaveTheAccumulator) {
     EXPECT_EQ(avg(c.get(), a.get(), kNone<T>, mode, 2, 0, T(-1), T(0)), -1);
     EXPECT_EQ(avg(a.get(), wide.get(), kNone<T>, mode, 2, 0, T(-1), T(0)), -1);
   }
-  EXPECT_EQ(avg(c.get(), a.get(), kNone<T>, 6U, 1, 3, T(-1), T(0)), -1);
+  EXPECT_EQ(avg(c.get(), wide.get(), kNone<T>, 6U, 2, 3, T(-1), T(0)), -1);
   EXPECT_TRUE(exactly(a, {4, 2}));
   const FailingStorage<T> none(0);
   for (const uint32_t mode : {4U, 5U, 6U}) {
