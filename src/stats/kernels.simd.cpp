@@ -50,15 +50,15 @@ HWY_INLINE void block_sums(const T* x, size_t n, T* totals, Terms terms) {
   streams::side_by_side<kBlock, kWidth>(hn::CappedTag<T, 8>(), n, run);
 }
 
+// Whether Min and Max give their second operand where neither is strictly better: NaN and equal ones, zeros among them.
+constexpr bool kElseSecond = HWY_ARCH_X86 && HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128;
+
 // The guards of core/limits.h on lanes.
 template <class D, class V = hn::Vec<D>> HWY_INLINE V clamped(D d, V x) {
   const V high = hn::Set(d, Limits<hn::TFromD<D>>::huge), low = hn::Neg(high);
-#if HWY_ARCH_X86 && HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
-  return hn::Max(hn::Min(high, x), low);  // of which each gives the second one where there is a NaN
-#else
+  if constexpr (kElseSecond) return hn::Max(hn::Min(high, x), low);
   const V capped = hn::IfThenElse(hn::Gt(x, high), high, x);
   return hn::IfThenElse(hn::Ge(capped, low), capped, low);
-#endif
 }
 template <class D, class V = hn::Vec<D>> HWY_INLINE V magsq_capped(D d, V re, V im) {
   const V high = hn::Set(d, Limits<hn::TFromD<D>>::huge);
@@ -137,13 +137,18 @@ template <class T> void fourth_powers(const T* x, size_t n, Point<T> center, T* 
   });
 }
 
+// a where it is strictly better than b, else b.
 struct Above {
-  template <class V> HWY_INLINE auto lanes(V a, V b) const { return hn::Gt(a, b); }
-  template <class T> bool operator()(T a, T b) const { return a > b; }
+  template <class V> HWY_INLINE V lanes(V a, V b) const {
+    return kElseSecond ? hn::Max(a, b) : hn::IfThenElse(hn::Gt(a, b), a, b);
+  }
+  template <class T> T operator()(T a, T b) const { return a > b ? a : b; }
 };
 struct Below {
-  template <class V> HWY_INLINE auto lanes(V a, V b) const { return hn::Lt(a, b); }
-  template <class T> bool operator()(T a, T b) const { return a < b; }
+  template <class V> HWY_INLINE V lanes(V a, V b) const {
+    return kElseSecond ? hn::Min(a, b) : hn::IfThenElse(hn::Lt(a, b), a, b);
+  }
+  template <class T> T operator()(T a, T b) const { return a < b ? a : b; }
 };
 template <class D> HWY_INLINE hn::Vec<D> level(D d, const hn::TFromD<D>* x, std::integral_constant<size_t, 1>) {
   return hn::LoadU(d, x);
@@ -165,16 +170,18 @@ template <size_t kWidth, class Better, class T> bool improve(const T* x, size_t 
     auto strange = hn::Ne(hn::Zero(d), hn::Zero(d));
     for (auto& t : top) t = hn::Set(d, best);
     for (; n >= kVectors * kLanes; n -= kVectors * kLanes, x += kWidth * kVectors * kLanes) {
+      constexpr size_t kLine = 64 / sizeof(T), kAhead = 16 * kLine;  // the CPU fetches too late for points
+      for (size_t i = 0; i < kWidth * kVectors * kLanes; i += kLine) hwy::Prefetch(x + kAhead + i);
       for (size_t i = 0; i < kVectors; ++i) {
         const auto y = level(d, x + kWidth * i * kLanes, width);
-        top[i] = hn::IfThenElse(better.lanes(y, top[i]), y, top[i]);
-        strange = hn::Or(strange, hn::IsNaN(y));
+        top[i] = better.lanes(y, top[i]);
+        if constexpr (kWidth == 1) strange = hn::Or(strange, hn::IsNaN(y));  // no capped magnitude is
       }
     }
     HWY_ALIGN T lanes[kVectors][kLanes];
     for (size_t i = 0; i < kVectors; ++i) hn::Store(top[i], d, lanes[i]);
     for (const auto& row : lanes) {
-      for (const T y : row) best = better(y, best) ? y : best;
+      for (const T y : row) best = better(y, best);
     }
     nan |= !hn::AllFalse(d, strange);
   };
