@@ -427,7 +427,8 @@ DSP_API int32_t dspi_besy1 (dsp_vector  *v);
 DSP_API int32_t dspfi_besy1(dspf_vector *v);
 
 /**
- * Not provided: the names are reserved. They refuse every vector, touch nothing and accept a null record.
+ * Not provided: the names are reserved. They refuse every vector, touch nothing and accept a null record. One function
+ * under all eight names.
  *   returns  -1
  */
 DSP_API int32_t dspi_erf (dsp_vector  *v);

@@ -89,7 +89,7 @@ def find(name):
     families = {family, "f" + family if name.startswith("dspf") else family}
     for path in sorted((ROOT / "src").rglob("*.cpp")):
         for number, line in enumerate(path.read_text().splitlines(), 1):
-            match = re.match(r"SIGVEX_EXPORT\((\w*), (\w+),", line)
+            match = re.match(r"SIGVEX_EXPORT\w*\((\w*), (\w+),", line)
             if match and match[1] in families and match[2] == operation:
                 print(f"{path.relative_to(ROOT)}:{number}")
 

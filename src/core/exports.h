@@ -3,6 +3,9 @@
 //   SIGVEX_EXPORT(i, log, 1)       defines dspi_log and dspfi_log from sigvex::dspi::log<T>
 //   SIGVEX_EXPORT(, alloc, 1)      defines dsp_alloc and dspf_alloc from sigvex::dsp::alloc<T>
 //
+//   SIGVEX_EXPORT_SHARED(, version, 0)     the same, but dspf_version is a further name of dsp_version
+//   SIGVEX_EXPORT_AS(i, erfc, dspi_erf)    dspi_erfc and dspfi_erfc are further names of dspi_erf, defined above it
+//
 // The last argument is the number of parameters; their types and the result's are read from sigvex.h, so the header is
 // the only signature: a missing prototype or a wrong number is a compile error at the export line. A parameter that the
 // template takes by reference is required (null is refused with -1), one that it takes as a pointer may be null.
@@ -81,3 +84,11 @@ template <class R, class... P, class... A> R call(R (*operation)(P...), A... arg
 #define SIGVEX_EXPORT(family, op, arity)                                        \
   SIGVEX_EXPORT_ONE(dsp##family##_##op, sigvex::dsp##family::op<double>, arity) \
   SIGVEX_EXPORT_ONE(dspf##family##_##op, sigvex::dsp##family::op<float>, arity)
+
+#define SIGVEX_EXPORT_SHARED(family, op, arity)                                 \
+  SIGVEX_EXPORT_ONE(dsp##family##_##op, sigvex::dsp##family::op<double>, arity) \
+  SIGVEX_FURTHER_NAME(dspf##family##_##op, dsp##family##_##op)
+#define SIGVEX_EXPORT_AS(family, op, function)      \
+  SIGVEX_FURTHER_NAME(dsp##family##_##op, function) \
+  SIGVEX_FURTHER_NAME(dspf##family##_##op, function)
+#define SIGVEX_FURTHER_NAME(name, function) extern "C" decltype(name) name __attribute__((alias(#function)));

@@ -30,5 +30,5 @@ template <class> int32_t version() { return 3035006; }
 }  // namespace sigvex::dsp
 
 SIGVEX_EXPORT(, free_internal, 0)
-SIGVEX_EXPORT(, lib_init, 0)
-SIGVEX_EXPORT(, version, 0)
+SIGVEX_EXPORT_SHARED(, lib_init, 0)
+SIGVEX_EXPORT_SHARED(, version, 0)

@@ -17,13 +17,8 @@ template <class T> Status besj1(Vector<T>& v) { return each_real<T>(v, math_kern
 template <class T> Status besy0(Vector<T>& v) { return each_real<T>(v, math_kernels<T>().y0); }
 template <class T> Status besy1(Vector<T>& v) { return each_real<T>(v, math_kernels<T>().y1); }
 
-// The names that are not provided share one answer, whatever the record, a null one too.
-template <class T> Status not_provided(Vector<T>*) { return kFailure; }
-
-template <class T> Status erf(Vector<T>* v) { return not_provided<T>(v); }
-template <class T> Status erfc(Vector<T>* v) { return not_provided<T>(v); }
-template <class T> Status gamma(Vector<T>* v) { return not_provided<T>(v); }
-template <class T> Status lgamma(Vector<T>* v) { return not_provided<T>(v); }
+// All the names that are not provided are this function: it refuses every record, a null one too.
+template <class T> Status erf(Vector<T>*) { return kFailure; }
 
 }  // namespace dspi
 }  // namespace sigvex
@@ -33,7 +28,7 @@ SIGVEX_EXPORT(i, besj0, 1)
 SIGVEX_EXPORT(i, besj1, 1)
 SIGVEX_EXPORT(i, besy0, 1)
 SIGVEX_EXPORT(i, besy1, 1)
-SIGVEX_EXPORT(i, erf, 1)
-SIGVEX_EXPORT(i, erfc, 1)
-SIGVEX_EXPORT(i, gamma, 1)
-SIGVEX_EXPORT(i, lgamma, 1)
+SIGVEX_EXPORT_SHARED(i, erf, 1)
+SIGVEX_EXPORT_AS(i, erfc, dspi_erf)
+SIGVEX_EXPORT_AS(i, gamma, dspi_erf)
+SIGVEX_EXPORT_AS(i, lgamma, dspi_erf)
