@@ -16,7 +16,8 @@ template <class T> Status deci(const Vector<T>& in, Vector<T>& out, int32_t fact
       if (x.complex) set_point<T>(y, k, point<T>(x, from));
       else y.data[k] = x.data[from];
     }
-    return leave_offset<T>(offset, kept.next);
+    leave_offset<T>(offset, kept.next);
+    return kSuccess;
   });
 }
 

@@ -31,11 +31,11 @@ template <class T> size_t start_index(const Vector<T>* offset) {
   return offset && offset->points >= 1 ? start_index(offset->data[0]) : 0;
 }
 
-template <class T> Status leave_offset(Vector<T>* offset, size_t next) {
-  if (!offset) return kSuccess;
-  SIGVEX_TRY(dspi::zero<T>(*offset));
+// The offset has its one point already, which may be storage of the host's: it is written in place.
+template <class T> void leave_offset(Vector<T>* offset, size_t next) {
+  if (!offset) return;
   offset->data[0] = static_cast<T>(next);
-  return kSuccess;
+  if (offset->complex) offset->data[1] = 0;
 }
 
 }  // namespace sigvex

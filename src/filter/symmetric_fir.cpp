@@ -115,7 +115,8 @@ Status sfir_deci(const Vector<T>& in, Vector<T>& out, const Vector<T>& half, int
     SIGVEX_TRY(shape<T>(y, kept.count, x.complex || h.complex));
     SIGVEX_TRY(filter_symmetrically<T>(x, h, state, kept, y));
     if (state) advance<T>(*state, x);
-    return leave_offset<T>(offset, kept.next);
+    leave_offset<T>(offset, kept.next);
+    return kSuccess;
   };
   return run_block<T>(in, half, out, state, run, offset);
 }

@@ -22,14 +22,16 @@ TEST_BOTH(Decimation, KeepsEveryFactorthPointFromTheRoundedOffset) {
       Vec<T> in = noise<T>(10, complex), out{1, 2}, offset{row.offset, 7, 7};
       if (complex) offset = Vec<T>::pairs({{row.offset, 5}});  // its imaginary part means nothing
       const Vec<T> start = offset;
+      Vec<T> carried = offset.view();
       T next = row.first;
       for (const T step = static_cast<T>(std::max(row.factor, 1)); next < 10; next += step) {
         for (const T x : cut(in, static_cast<size_t>(next), static_cast<size_t>(next) + 1).samples()) kept.push_back(x);
       }
       in->delta = T(0.5);
-      EXPECT_EQ(deci(in, out, row.factor, offset), 0);
-      EXPECT_TRUE(exactly(out, kept) && offset->points == 1 && offset[0] == next - 10 && (!complex || offset[1] == 0));
-      EXPECT_TRUE(out->delta == T(0.5) * static_cast<T>(std::max(row.factor, 1)) && offset->delta == T(0.5));
+      EXPECT_EQ(deci(in, out, row.factor, carried), 0);
+      EXPECT_TRUE(exactly(out, kept) && carried->points == 1 && carried->allocated == 0);
+      EXPECT_TRUE(offset[0] == next - 10 && (!complex || offset[1] == 0));  // in the storage it views
+      EXPECT_TRUE(out->delta == T(0.5) * static_cast<T>(std::max(row.factor, 1)) && carried->delta == T(0.5));
       EXPECT_EQ(deci(in, (offset = start), row.factor, offset), 0);  // the output may be the offset
       EXPECT_TRUE(exactly(offset, kept));
     }
