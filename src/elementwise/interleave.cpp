@@ -26,12 +26,11 @@ Status weave(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t complex, 
     SIGVEX_TRY(dsp::copy<T>(y, b));
     return weave<T>(x, y, n, complex, result, put);
   }
-  const T delta = a.delta * T(0.5);
   const size_t given = points<T>(a);  // the result may be an input
+  result.delta = a.delta * T(0.5);
   if (!fits(need)) return exhausted<T>(result);
   const bool shared = result.data == a.data || result.data == b.data;
   SIGVEX_TRY(shared ? size_result<T>(a, b, n, complex, result) : reshape<T>(result, n, complex));
-  result.delta = delta;
   put(a.data, b.data, result.data, given);
   return kSuccess;
 }

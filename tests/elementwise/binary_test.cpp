@@ -214,11 +214,12 @@ TEST_BOTH(Binary, EachRuleAtItsEdges) {
     for (Record<T>* const to : {result.get(), a.get()}) EXPECT_EQ(row.call(a, row.b, to), 0);  // the shorter one, too
     EXPECT_TRUE(exactly(result, row.expected) && exactly(a, row.expected)) << &row - rows;
   }
-  for (const Call<T> call : {TWIN_OF(b, add), TWIN_OF(b, mul), TWIN_OF(b, pmul)}) {
+  for (const Call<T> call : {TWIN_OF(b, add), TWIN_OF(b, mul), TWIN_OF(b, pmul), TWIN_OF(b, inter)}) {
     Vec<T> result{7, 8};  // claims more than fits, from the result's own block on: refused before it is read
+    result->delta = 9;    // but the spacing is set before the storage
     const Vec<T> many = Vec<T>::over(result->data + 1, 1 << 30, 1);
     EXPECT_EQ(call(many, many, result), -1);
-    EXPECT_TRUE(result->data == nullptr && result->points == 0);
+    EXPECT_TRUE(result->data == nullptr && result->points == 0 && result->delta < 9);
   }
 }
 
