@@ -58,6 +58,8 @@ TEST_F(Convert, ChannelsAndColumnsTravelTogetherOrAlone) {
 TEST_F(Convert, WhatAFormatCannotHoldIsRefused) {
   record("loud.dsp", {0, 2}, 0.5);
   record("odd.dsp", {0, 1}, 0.3);
+  record("full.dsp", {0, 1 + 0x1p-52}, 0.5);
+  output("convert full.dsp full.flac");  // beyond full scale by rounding only
   expect_refusals({{"convert loud.dsp a.flac", 1, "reaches 2, but full scale of flac is 1"},
                    {"convert odd.dsp a.wav", 1, "needs a whole number"},
                    {"convert loud.dsp a.xyz", 2, "no known suffix; give --format"}});

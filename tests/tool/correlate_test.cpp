@@ -130,6 +130,7 @@ TEST_F(Correlate, WhatDoesNotFitIsRefused) {
                    {"correlate - -", 2, "the standard input cannot be both recordings"},
                    {"correlate a.dsp --with 2", 1, "--with 2, but the file holds 1 record"},
                    {"correlate a.dsp --unbiased --circular", 2, "--unbiased is for"},
+                   {"correlate a.dsp --min-lag 2 --max-lag 1", 2, "--min-lag must not be above --max-lag"},
                    {"correlate a.dsp --max-lag 1e12", 2, "--max-lag 1e+12: must be 0 to 6.71089e+07 s"},
                    {"correlate a.dsp --format json --plot -", 2, "would both fill the standard output"}});
 }

@@ -77,6 +77,7 @@ TEST_F(Input, EveryFaultIsOneLineWithFilePlaceAndReason) {
        {"spectrum -", 1, "standard input: line 3, column 1: 'x3' is not a number", "1\n2\nx3\n"},
        {"spectrum - --column b", 1, "line 3, column 2: empty cell", "a,b\n1,2\n3,\n"},
        {"info - --column b --delimiter ,", 1, "line 3, column 2: only 1 of 2 columns", "a,b\n1,2\n3\n"},
+       {"info -", 1, "line 1 has 2 columns, a line behind it not; give --delimiter", "a,b\n1,2\n3\n"},
        {"spectrum - --column 3", 1, "no column '3' among 2 (a, b)", "a,b\n1,2\n3,4\n"},
        {"info -", 1, "line 1: no number in 'just words'", "just words\n"},
        {"info -", 1, "byte 1: neither text nor a vector record nor an audio file", std::string("\x01\x00\x02", 3)},

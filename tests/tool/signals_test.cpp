@@ -42,6 +42,7 @@ TEST_F(Signals, AFilterRemovesOneOfTwoTonesAndKeepsThePlaceOfTheOther) {
 TEST_F(Signals, RefusalsNameTheArgumentAndLeaveNothing) {
   record("i", sine(100, 0.1, 1), 0.001);
   expect_refusals({{"filter i o.dsp --design low-pass --cutoff 501", 2, "must be above 0 to 500 Hz"},
+                   {"filter i o.dsp --design band-pass --center 9 --bandwidth 19", 2, "must not reach beyond 0"},
                    {"resample i o.dsp --ratio 0", 2, "--ratio '0': must be 0.001 to 1000"},
                    {"filter i o.dsp --design low-pass --cutoff 9 --shape 1", 2, "--shape is for --design sinh"},
                    {"filter i o.dsp --design low-pass --cutoff 9 --delay 1", 2, "--delay is for --design delayed"},

@@ -72,6 +72,7 @@ std::string unit_of(const Options& o, const Result& r) {
 // Reads the signals and correlates them.
 Result measure(const Options& o) {
   Result r;
+  if (o.max_lag && o.min_lag > *o.max_lag) throw UsageError("--min-lag must not be above --max-lag");
   InputOptions input = o.input;
   const bool two_files = !o.second.empty(), in_one_file = !two_files && !o.with.empty();
   r.automatic = !two_files && !in_one_file;

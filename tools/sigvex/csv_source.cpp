@@ -146,6 +146,7 @@ class CsvSource : public Source {
         has_header_ |= !cell_number(first[c], delimiter_) && cell_number(second[c], delimiter_);
     if (has_header_) names_.assign(first.begin(), first.end());
     else second = first;
+    if (has_header_ && !delimiter_ && o.delimiter.empty()) refuse_ragged_lines();
 
     for (size_t c = 0; c < second.size(); ++c)
       if (cell_number(second[c], delimiter_)) numeric_.push_back(c);
@@ -153,6 +154,15 @@ class CsvSource : public Source {
     if (sample_.empty()) throw DataError(info_.name + ": holds column names and no data line");
     if (numeric_.empty() && o.column.empty())
       throw DataError(info_.name + format(": line %d: no number in ", has_header_ ? 2 : 1) + in_quotes(sample_[0]));
+  }
+
+  // Commas between the names, and not as many in every line: a cell is missing, or they are decimal commas.
+  void refuse_ragged_lines() const {
+    Cells cells;
+    split(sample_[0], ',', cells);
+    if (cells.size() > 1)
+      throw DataError(info_.name +
+                      format(": line 1 has %zu columns, a line behind it not; give --delimiter", cells.size()));
   }
 
   void choose_columns(const InputOptions& o) {

@@ -66,6 +66,11 @@ std::vector<double> designed(const Design& design, const Options& o, const Sourc
   if (design.band) {
     p1 = frequency(o.center, "--center", o, info, 0.5);
     p2 = frequency(o.bandwidth, "--bandwidth", o, info, 1);
+    const double nearer = std::min(p1, 0.5 - p1), rounding = 1e-9;
+    if (p2 / 2 > nearer + rounding)  // the mirrored band would lie over it and double the gain
+      throw UsageError(format("--bandwidth %g: from --center %g the band must not reach beyond 0 or %g ", *o.bandwidth,
+                              *o.center, 0.5 / info.delta) +
+                       info.frequency_unit());
   }
   if (design.type == DSP_FIR_DELAYED_LOW_PASS) {
     const double most = 0.5 * (count - 1) * info.delta;

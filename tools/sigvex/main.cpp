@@ -2,8 +2,10 @@
 #include <signal.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 #include <memory>
 #include <new>
@@ -104,7 +106,8 @@ int run(int argc, char** argv) {
     program.parse(arguments(argc, argv));
   } catch (const CLI::Success& request) {  // --help, --version
     program.exit(request);
-    return std::fflush(stdout) == 0 && std::cout.flush() ? 0 : kDataFault;
+    if (std::fflush(stdout) == 0 && std::cout.flush()) return 0;
+    return complain(std::string("standard output: ") + std::strerror(errno), kDataFault);
   } catch (const CLI::ParseError& error) {
     return complain(std::string(error.what()) + (argc > 1 ? "" : "; try sigvex --help"), kUsageFault);
   }
@@ -114,7 +117,7 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  signal(SIGPIPE, SIG_IGN);  // a closed pipe is a write error with a message
+  for (int s : {SIGPIPE, SIGXFSZ}) signal(s, SIG_IGN);  // a closed pipe, a file too large: write errors with a message
   dsp_lib_init();
   try {
     return run(argc, argv);

@@ -140,7 +140,10 @@ void add_spectrum(CLI::App& program) {
       ->capture_default_str()
       ->type_name("NAME")
       ->group(analysis);
-  command->add_option("--parameter", o->analysis.parameter, "Parameter of a window that takes one")
+  command
+      ->add_option("--parameter", o->analysis.parameter,
+                   "Parameter of the window: taper of both ends together (Tukey, 0 to 1), standard deviation over "
+                   "the frame (Gauss), width over the frame (Riemann); of others the width in samples")
       ->type_name("X")
       ->group(analysis);
   command

@@ -101,8 +101,8 @@ class AudioWriter : public Writer {
       : out_(out), name_(info.name), format_(format) {
     const double rate = 1 / info.delta;
     if (!(std::fabs(rate - std::round(rate)) < 1e-6 * rate) || rate < 1 || rate > 2147483647)
-      throw DataError(
-          name_ + sigvex_tool::format(": %g samples per second; an audio file needs a whole number (--rate)", rate));
+      throw DataError(name_ + sigvex_tool::format(
+                                  ": %g samples per second; an audio file needs a whole number up to 2^31 - 1", rate));
     SF_INFO sound{};
     sound.samplerate = static_cast<int>(std::llround(rate));
     sound.channels = static_cast<int>(info.channels);
@@ -124,9 +124,10 @@ class AudioWriter : public Writer {
       throw DataError("audio output: " + std::string(sf_strerror(file_.get())));
   }
   void finish() override {
-    if (format_ != "wav" && loudest_ > 1)
-      throw DataError(name_ + sigvex_tool::format(": reaches %g, but full scale of ", loudest_) + format_ +
-                      " is 1; give a gain, or write WAV, which has no limit");
+    constexpr double kStep = 0x1p-23;  // of 24 bits: a cosine of amplitude 1 may reach beyond 1 by its rounding
+    if (format_ != "wav" && loudest_ > 1 + kStep)
+      throw DataError(name_ + sigvex_tool::format(": reaches %.7g, but full scale of ", loudest_) + format_ +
+                      " is 1; make it smaller (convert --gain), or write WAV, which has no limit");
     file_.reset();
     if (!copy_) return;
     std::rewind(copy_.get());
