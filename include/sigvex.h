@@ -1844,7 +1844,8 @@ DSP_API int32_t dspfc_fir2(dspf_vector *v, int32_t set);
  *   alias    output, input and the other records may be one or share storage: the output is then built aside and copied
  *            in at the end. An output that is the state takes its place
  *   fails    storage: an output apart from the input is then empty or half computed, one that is the input, or shares
- *            storage with it, is as it was; the state has its length, form and delta, but not the block
+ *            storage with it, is as it was; the state has its length, form and delta, but not the block. Where only the copy
+ *            at the end fails, as such an output is a view or too small, the output is empty and the state has the block
  */
 
 /**
