@@ -625,8 +625,9 @@ DSP_API int32_t dspfbs_dot(const dspf_vector *a, const dspf_vector *b, dspf_vect
  * view gets a fresh block.
  *   alias    Source and destination may be one record (with the result of the operation in place; a view gets a block of
  *            its own, and the viewed storage stays as it was) or share storage in any way; samples that both hold are
- *            then overwritten by the result. A destination that has to grow leaves the block it shares and gets one of
- *            its own; where it was that block's only owner, it releases it, and the source is left without samples.
+ *            then overwritten by the result. A destination that has to grow gets a block of its own: the one it shares
+ *            is left as it was to a source that starts where it does (the host's to release, if the source only views
+ *            it); around a source that lies further inside, it is released, and the source is left without samples.
  *   fails    storage: no value is written; the destination has no samples then, or is as it was
  */
 
@@ -722,7 +723,7 @@ DSP_API int32_t dspfi_zinter(dspf_vector *v, int32_t factor);
  * dspi_zinter into another vector. A destination that owns enough storage keeps it; one that is a view gets a fresh block.
  *   sizes    the source's points * factor, in its form
  *   delta    the source's divided by factor
- *   alias    source and destination may be one record or share storage; a block that the source owns is left to it
+ *   alias    source and destination may be one record or share storage, as for dspu_scale and the others
  *   fails    factor below 1 (everything untouched); storage (no value is written)
  */
 DSP_API int32_t dspu_zinter (const dsp_vector  *source, dsp_vector  *destination, int32_t factor);

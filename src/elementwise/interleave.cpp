@@ -114,7 +114,7 @@ template <class T> Status zinter(const Vector<T>& source, Vector<T>& destination
   if (&source == &destination) return dspi::zinter<T>(destination, factor);
   if (factor < 1) return kFailure;
   const size_t n = points<T>(source), times = count(factor), need = size<T>(source) * times;
-  if (endangered<T>(source, destination, need)) {
+  if (fits(need) && endangered<T>(source, destination, 0)) {  // a block that the source shares is left, not moved
     Scratch<T> copy;
     SIGVEX_TRY(dsp::copy<T>(copy, source));
     return zinter<T>(copy, destination, factor);

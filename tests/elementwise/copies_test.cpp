@@ -51,8 +51,12 @@ TEST_BOTH(Copies, GetTheInPlaceResultWhereverTheResultLies) {
           from->points = original->points;
           from->complex = original->complex;
           from->delta = original->delta;
+          const T* const block = to->data;
           EXPECT_EQ(copy.operation(from, to), 0);
           EXPECT_TRUE(same(to, expected));
+          if (apart % 64 != 0 || to->data == block) continue;
+          EXPECT_TRUE(same(from, original));
+          from->allocated = 1;  // now the only record that knows the block
         }
       }
     }
