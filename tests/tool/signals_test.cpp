@@ -24,6 +24,7 @@ TEST_F(Signals, ResamplingKeepsThePlaceAndTheExactCount) {
   ASSERT_EQ(samples.size(), 750u);
   const std::vector<double> expected = sine(750, 0.03 * 1.44, 1);
   for (size_t k = 200; k < 550; ++k) ASSERT_NEAR(samples[k], expected[k], 1e-7) << k;
+  EXPECT_EQ(result("resample in.dsp - --to-rate 540 --set 1")["samples"].size(), 1620u);
 }
 
 TEST_F(Signals, AFilterRemovesOneOfTwoTonesAndKeepsThePlaceOfTheOther) {

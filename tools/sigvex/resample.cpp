@@ -42,6 +42,13 @@ struct Kernel : dsp_rsmp_coef {
   double delay = 0;
 };
 
+// Cuts off the outputs beyond those that `taken` inputs give at the exact ratio, of which one such as 360/250 is
+// rounded.
+void drop_surplus(Vector<double>& samples, uint64_t taken, uint64_t made, double ratio) {
+  const double wanted = std::ceil(static_cast<double>(taken) / ratio * (1 - 0x1p-48));
+  samples.points -= static_cast<int32_t>(made - std::min(made, static_cast<uint64_t>(wanted)));
+}
+
 // Resamples with the delay of the kernel taken out: output m shows the input at m * ratio.
 class ResampleStage : public Stage {
  public:
@@ -60,10 +67,7 @@ class ResampleStage : public Stage {
     check(dsph_rsmp(&samples, &out, kernel_.get(), ratio_, &state_), "the resampled block");
     samples.swap(out);
     made_ += static_cast<uint64_t>(samples.points);
-    if (!last) return;
-    // A ratio such as 360/250 is rounded; the count is that of the exact one.
-    const double wanted = std::ceil(static_cast<double>(taken_) / ratio_ * (1 - 0x1p-48));
-    samples.points -= static_cast<int32_t>(made_ - static_cast<uint64_t>(wanted));
+    if (last) drop_surplus(samples, taken_, made_, ratio_);
   }
 
  private:
@@ -87,28 +91,15 @@ class SetStage : public Stage {
       state_.data[0] = static_cast<double>(span) / 2;
     }
     taken_ += static_cast<uint64_t>(samples.points);
-    run(samples);
-    if (last) {
-      Vector<double> zeros;
-      zeros.complex = samples.complex;
-      append_zeros(zeros, (span + 1) / 2);
-      zeros.delta = samples.delta / ratio_;
-      run(zeros);
-      // With a kernel of odd span half a sample too much went in.
-      const double wanted = std::ceil(static_cast<double>(taken_) / ratio_);
-      const double missing = std::max(0.0, wanted - static_cast<double>(made_));
-      if (missing < zeros.points) zeros.points = static_cast<int32_t>(missing);
-      check(dsp_append(&samples, &zeros), "the last samples");
-    }
-    made_ += static_cast<uint64_t>(samples.points);
-  }
-
- private:
-  void run(Vector<double>& samples) {
+    if (last) append_zeros(samples, (span + 1) / 2);
     Vector<double> out;
     check(dspd_rsmp2(&samples, &out, 1, set_, ratio_, &state_), "the resampled block");
     samples.swap(out);
+    made_ += static_cast<uint64_t>(samples.points);
+    if (last) drop_surplus(samples, taken_, made_, ratio_);
   }
+
+ private:
   uint32_t set_;
   double ratio_;
   Vector<double> state_;
