@@ -10,9 +10,9 @@ namespace sigvex::dspu {
 namespace {
 
 // Sizes the destination and fills it by run(x, y, n), which reads n points of the source's form and writes as many of
-// the destination's. The source is read from a copy where the destination is written over it ahead of the reading; a block
-// that both share from its start is left to the source, not moved. A view that is its own destination gets a block and
-// is read from the storage it leaves.
+// the destination's. The source is read from a copy where the destination is written over it ahead of the reading; a
+// block that both share from its start is left to the source, not moved. A view that is its own destination gets a
+// block and is read from the storage it leaves.
 template <class T, class Run> Status apply(const Vector<T>& source, Vector<T>& destination, int32_t complex, Run run) {
   if (fits(scalars(source.points, complex)) && endangered<T>(source, destination, 0)) {
     Scratch<T> copy;
