@@ -49,7 +49,7 @@ class AudioSource : public Source {
     if (!o.column.empty()) throw UsageError("--column is for CSV; " + o.file + " is an audio file: use --channel");
     if (o.all_channels && o.channel == 0 && o.imag.empty())
       for (size_t c = 0; c < width_; ++c) pick_.push_back(c);
-    else pick_.push_back(channel(o.channel ? o.channel : 1, "--channel"));
+    else pick_.push_back(channel(o.channel ? o.channel : 1, o.part.empty() ? "--channel" : "--with"));
     if (!o.imag.empty()) {
       pick_.push_back(channel(to_number(o.imag).value_or(0), o.pair ? "--with" : "--imag"));
       info_.complex = !o.pair;

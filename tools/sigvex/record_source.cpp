@@ -97,8 +97,8 @@ class RecordSource : public Source {
       const int32_t status = dspf_fread(&into, file.get());
       if (status == 0)
         throw DataError(info_.name + format(": %s %d, but the file holds %d record%s",
-                                            wanted > first ? "--with" : "--channel", wanted, record - 1,
-                                            record == 2 ? "" : "s"));
+                                            wanted > first || !options.part.empty() ? "--with" : "--channel", wanted,
+                                            record - 1, record == 2 ? "" : "s"));
       if (status < 0) fail(file.get(), info_.name, text, record, start, header);
     }
     if (options.pair) pair_up(first, second);
