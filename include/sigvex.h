@@ -964,7 +964,8 @@ DSP_API int32_t dspf_kmp_set_blocktime(int32_t milliseconds);
  *            A transform of several steps can leave its vector half transformed.
  * Transforms run in any number of threads at once; those of other than power-of-two length one at a time.
  *
- * Complex transform of a power-of-two number of points. A real vector becomes complex; a single point stays as it is.
+ * Complex transform of a power-of-two number of points. A real vector becomes complex; a single point stays as it is,
+ * unless the transform library is in use, which makes it complex too.
  *   params   inverse: 0 forward, otherwise inverse
  *   fails    points not a power of two, or below 1 (untouched)
  */
@@ -974,7 +975,7 @@ DSP_API int32_t dspfi_fft(dspf_vector *v, uint32_t inverse);
 /**
  * Forward transform of a power-of-two number N of real samples.
  *   sizes    N/2 + 1 complex bins, 0 to half the sampling rate; data owns room for N complex points. A single sample stays
- *            a real one.
+ *            a real one, unless the transform library is in use: that leaves one complex bin.
  *   fails    complex; points not a power of two, or below 1 (both untouched)
  */
 DSP_API int32_t dspi_rfft (dsp_vector  *v);
