@@ -72,11 +72,11 @@ template <class D, class T, class At> HWY_INLINE void store(D d, hn::Vec<D>* y, 
   for (size_t i = 0; i < kPiece<D>; ++i) scatter(d, y[i], x, i, kPiece<D>, at);
 }
 #endif
-template <class T, class At> HWY_INLINE void load(hn::Simd<T, 1, 0> d, const T* x, At, hn::Vec<decltype(d)>* y) {
-  *y = hn::LoadU(d, x);
+template <class T, class At> HWY_INLINE void load(hn::Simd<T, 1, 0> d, const T* x, At at, hn::Vec<decltype(d)>* y) {
+  *y = hn::LoadU(d, x + at(0));
 }
-template <class T, class At> HWY_INLINE void store(hn::Simd<T, 1, 0> d, hn::Vec<decltype(d)>* y, T* x, At) {
-  hn::StoreU(*y, d, x);
+template <class T, class At> HWY_INLINE void store(hn::Simd<T, 1, 0> d, hn::Vec<decltype(d)>* y, T* x, At at) {
+  hn::StoreU(*y, d, x + at(0));
 }
 
 // run as below for a few blocks in lanes that are not much more than they are; those behind the last block repeat it.
