@@ -20,7 +20,7 @@ TEST_F(Input, CsvOfEveryShape) {
       {"t (ms)\ta\n0.0\t0\n0.5\t1\n1.0\t4\n1.5\t9\n2.0\t16\n", "", 0.0005},
       {"7 0\n7 1\n 7  4\n7\t9\n7 16\n", "--column 2"},
       {"a,b,c\n7,0,7\n7,1,7\n7,4,7\n7,9,7\n7,16,7\n", "--column B"},
-      {"\"a, x\",b\n0,7\n1,7\n4,7\n9,7\n16,7\n", "--column \"a, x\""},
+      {"\"a, x\"\"\",b\n0,7\n1,7\n4,7\n9,7\n16,7\n", "--column 'a, x\"'"},
       {"0/1\n1/1\n4/1\n9/1\n16/1\n", "--delimiter /"},
       {"7\n0\n1\n4\n9\n16\n", "--header yes"},
       {"0.000,0\n0.003,1\n0.006,4\n0.008,9\n0.011,16\n", "", 0.00275},  // times rounded to milliseconds
@@ -61,6 +61,7 @@ TEST_F(Input, TheTypeIsFoundByContentAlsoFromAPipe) {
 TEST_F(Input, EveryFaultIsOneLineWithFilePlaceAndReason) {
   const std::string good = record("x.dsp", {1, 2, 3, 4}, 0.5), nan = record("nan.dsp", {1, 2, NAN, 4}, 0.5),
                     zero_delta = record("d.dsp", {1, 2, 3, 4}, 0);
+  const std::string wav = output("generate line - --format wav --rate 9 --points 5");
   std::string huge = good;
   huge.replace(8, 4, "\xff\xff\xff\x7f");
   expect_refusals(
@@ -82,6 +83,7 @@ TEST_F(Input, EveryFaultIsOneLineWithFilePlaceAndReason) {
        {"info -", 1, "line 1: no number in 'just words'", "just words\n"},
        {"info -", 1, "byte 1: neither text nor a vector record nor an audio file", std::string("\x01\x00\x02", 3)},
        {"info -", 1, "not a readable audio file", "RIFF....WAVEjunk"},
+       {"info -", 1, "byte 100: ends inside 40 bytes of samples that the header claims", wav.substr(0, 100)},
        {"spectrum - --points 5", 1, "--points 5, but there are only 4 samples", good},
        {"spectrum -", 1, "1 samples are too few for a spectrum", "1\n"},
        {"spectrum - --from 2", 1, "--from 2 lies beyond the end of the recording at 2 s", good},

@@ -2,6 +2,8 @@
 #include <sndfile.h>
 #include <unistd.h>
 
+#include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include "errors.h"
@@ -19,6 +21,7 @@ class AudioSource : public Source {
  public:
   AudioSource(File file, const InputOptions& options) : file_(std::move(file)) {
     info_.name = options.file;
+    refuse_wav_cut_short();
     SF_INFO sound{};
     lseek(fileno(file_.get()), 0, SEEK_SET);
     sound_.reset(sf_open_fd(fileno(file_.get()), SFM_READ, &sound, SF_FALSE));
@@ -36,6 +39,27 @@ class AudioSource : public Source {
   }
 
  private:
+  // The audio library shortens a WAV file without a word. Writers into a pipe claim a length that no file has.
+  void refuse_wav_cut_short() const {
+    constexpr uint32_t kUnknown = 0x7FFFF000;
+    const int file = fileno(file_.get());
+    const off_t end = lseek(file, 0, SEEK_END);
+    unsigned char chunk[12];
+    if (pread(file, chunk, 12, 0) != 12 || std::memcmp(chunk, "RIFF", 4) != 0) return;
+    for (off_t at = 12; pread(file, chunk, 8, at) == 8;) {
+      uint32_t length = 0;
+      for (int k = 7; k >= 4; --k) length = length << 8 | chunk[k];
+      at += 8;
+      if (std::memcmp(chunk, "data", 4) == 0) {
+        if (length < kUnknown && at + length > end)
+          throw DataError(info_.name + format(": byte %lld: ends inside %u bytes of samples that the header claims",
+                                              static_cast<long long>(end), length));
+        return;
+      }
+      at += length + length % 2;
+    }
+  }
+
   static std::string description(int code) {
     SF_FORMAT_INFO major{code & SF_FORMAT_TYPEMASK, nullptr, nullptr},
         minor{code & SF_FORMAT_SUBMASK, nullptr, nullptr};

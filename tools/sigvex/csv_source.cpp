@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 
 #include "errors.h"
 #include "source.h"
@@ -107,6 +108,13 @@ struct TimeUnit {
 constexpr TimeUnit kTimeUnits[] = {{"s", 1},     {"ms", 1e-3}, {"us", 1e-6}, {"\xc2\xb5s", 1e-6},
                                    {"ns", 1e-9}, {"min", 60},  {"h", 3600}};
 
+// The name in a cell, where a quote within quotes is written twice.
+std::string name_in(std::string_view cell) {
+  std::string name(cell);
+  for (size_t at = 0; (at = name.find("\"\"", at)) != name.npos; ++at) name.erase(at, 1);
+  return name;
+}
+
 // "U (mV)" and "U [mV]" carry their unit.
 std::string unit_in(std::string_view label) {
   if (!label.ends_with(')') && !label.ends_with(']')) return {};
@@ -144,7 +152,7 @@ class CsvSource : public Source {
     if (o.header == "auto")
       for (size_t c = 0; c < std::min(first.size(), second.size()); ++c)
         has_header_ |= !cell_number(first[c], delimiter_) && cell_number(second[c], delimiter_);
-    if (has_header_) names_.assign(first.begin(), first.end());
+    if (has_header_) std::transform(first.begin(), first.end(), std::back_inserter(names_), name_in);
     else second = first;
     if (has_header_ && !delimiter_ && o.delimiter.empty()) refuse_ragged_lines();
 
