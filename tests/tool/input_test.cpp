@@ -62,14 +62,16 @@ TEST_F(Input, EveryFaultIsOneLineWithFilePlaceAndReason) {
   const std::string good = record("x.dsp", {1, 2, 3, 4}, 0.5), nan = record("nan.dsp", {1, 2, NAN, 4}, 0.5),
                     zero_delta = record("d.dsp", {1, 2, 3, 4}, 0);
   const std::string wav = output("generate line - --format wav --rate 9 --points 5");
-  std::string huge = good;
+  std::string huge = good, negative = good;
   huge.replace(8, 4, "\xff\xff\xff\x7f");
+  negative.replace(8, 4, "\xfe\xff\xff\xff");
   expect_refusals(
       {{"spectrum -", 1, "standard input: is empty"},
        {"spectrum .", 1, ": is a directory"},
        {"spectrum none.wav", 1, "none.wav: No such file or directory"},
        {"spectrum -", 1, "standard input: byte 40: ends inside a record that claims 4 points", good.substr(0, 40)},
        {"spectrum -", 1, "ends inside a record that claims 2147483647 points", huge},
+       {"spectrum -", 1, "byte 1: a record that claims -2 points", negative},
        {"info - --channel 2", 1, "--channel 2, but the file holds 1 record", good},
        {"info -", 1, "standard input: line 3, column 3: not a number", "#DSP points = 4\n1 2\n3 x\n"},
        {"info -", 1, "ends before the declared number of values", "#DSP points = 4\n1 2\n3\n"},

@@ -100,6 +100,8 @@ class RecordSource : public Source {
                                             wanted > first || !options.part.empty() ? "--with" : "--channel", wanted,
                                             record - 1, record == 2 ? "" : "s"));
       if (status < 0) fail(file.get(), info_.name, text, record, start, header);
+      if (into.points < 0)  // to the library as good as none
+        throw DataError(info_.name + format(": byte %ld: a record that claims %d points", start + 1, into.points));
     }
     if (options.pair) pair_up(first, second);
     if (text) header.single = declares_single(file.get());
