@@ -23,6 +23,7 @@ static=()
 "$cc" -std=c99 -pedantic -Wall -Wextra -Werror "$work/consumer.c" -o "$work/from_c" $(pkg --cflags --libs "${static[@]}") -lm
 # shellcheck disable=SC2046
 "$cxx" -std=c++11 -Wall -Wextra -Werror "$work/consumer.cpp" -o "$work/from_cpp" $(pkg --cflags --libs "${static[@]}")
+[ ! -e "$prefix/bin/sigvex" ] || "$prefix/bin/sigvex" --version >/dev/null
 LD_LIBRARY_PATH=$libdir "$work/from_c"
 LD_LIBRARY_PATH=$libdir "$work/from_cpp"
 
