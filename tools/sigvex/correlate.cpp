@@ -241,7 +241,7 @@ Curve curve_of(const Options& o, const Result& r) {
 void run_correlate(const Options& o) {
   if (o.unbiased && (o.circular || o.scale == "sum"))
     throw UsageError("--unbiased is for --scale mean and coefficient, without --circular");
-  refuse_both_on_stdout(o.result);
+  refuse_one_place_for_both(o.result);
   if (o.second == "-" && o.input.file == "-") throw UsageError("the standard input cannot be both recordings");
   const Result r = measure(o);
   const auto write = [&](OutputFile& out) {

@@ -24,9 +24,10 @@ void add_result_options(CLI::App& command, ResultOptions& o, const std::string& 
   add_plot_option(command, "--plot", o.plot, plot_text)->group(group);
 }
 
-void refuse_both_on_stdout(const ResultOptions& o) {
+void refuse_one_place_for_both(const ResultOptions& o) {
   if (o.plot == "-" && on_stdout(o) && o.format != "table")
     throw UsageError("--plot - and --format " + o.format + " would both fill the standard output: give --output FILE");
+  if (!on_stdout(o) && o.plot == o.output) throw UsageError("--plot and --output name the same file");
 }
 
 void deliver(const ResultOptions& o, const std::function<void(OutputFile&)>& write,

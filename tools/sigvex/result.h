@@ -19,8 +19,8 @@ void add_result_options(CLI::App& command, ResultOptions& o, const std::string& 
                         const std::vector<std::string>& formats, const std::string& format_text,
                         const std::string& plot_text);
 
-// Refuses a picture in the terminal and a result for programs on one standard output.
-void refuse_both_on_stdout(const ResultOptions& o);
+// Refuses a picture in the terminal and a result for programs on one standard output, and both in one file.
+void refuse_one_place_for_both(const ResultOptions& o);
 
 // Writes the result with write() and draws the curves where a picture is wanted; files appear when both are done.
 void deliver(const ResultOptions& o, const std::function<void(OutputFile&)>& write,

@@ -101,7 +101,7 @@ void run_spectrum(const Options& o) {
   m.window = window_name(m.analysis.window);
   m.scale = o.scale;
   if (o.from_hz && o.to_hz && *o.from_hz > *o.to_hz) throw UsageError("--from-hz must not be above --to-hz");
-  refuse_both_on_stdout(o.result);
+  refuse_one_place_for_both(o.result);
 
   const std::unique_ptr<Source> source = open_source(o.input);
   m.source = source->info();

@@ -133,7 +133,7 @@ void run_window(const Options& o) {
     for (uint32_t type = 0; type < kWindowTypes; ++type) types.push_back(type);
   if (!one && (!o.result.plot.empty() || is_vector_format(format)))
     throw UsageError("NAME is required for " + (o.result.plot.empty() ? "--format " + format : "--plot"));
-  refuse_both_on_stdout(o.result);
+  refuse_one_place_for_both(o.result);
   const auto write = [&](OutputFile& out) {
     if (is_vector_format(format)) {
       Vector<double> weights;
