@@ -92,7 +92,7 @@ template <class T> HWY_INLINE V<T> sin_or_cos(M<T> cosine, Sum<T> r) {
   } else {
     const V<T> one = set<T>(1), square = r.high * r.high;
     const V<T> scale = square * hn::IfThenElse(cosine, square, r.high);
-    const V<T> low = r.low * hn::IfThenElse(cosine, hn::Neg(r.high), one);
+    const V<T> low = hn::IfThenElse(cosine, hn::NegMulSub(r.low, r.high, zero<T>()), r.low);
     const V<T> tail = muladd(scale, polynomial(cosine, kCos<T>, kSin<T>, square), low);
     const V<T> half = hn::IfThenElseZero(cosine, r.high * set<T>(0.5));
     return hn::IfThenElse(cosine, one, r.high) + negmuladd(half, r.high, tail);

@@ -37,7 +37,9 @@ template <class T> Status db(Vector<T>& v, T factor) {
   return kSuccess;
 }
 
-template <class T> Status log10(Vector<T>& v) { return db<T>(v, 1); }
+template <class T> Status log10(Vector<T>& v) {
+  return v.complex ? db<T>(v, 1) : each_real<T>(v, math_kernels<T>().log10_or_floor);
+}
 
 template <class T> Status sqrt(Vector<T>& v) {
   const MathKernels<T>& k = math_kernels<T>();

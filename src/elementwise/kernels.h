@@ -10,10 +10,10 @@ template <class T> struct MathKernels {
   // y[k] = f(x[k]) for n samples.
   using Map = void (*)(const T* x, T* y, size_t n);
   Map sin, cos, tan, sinc, atan, sinh, cosh, tanh;
-  Map asin_or_zero, acos_or_zero;  // 0 where |x| > 1
-  Map exp_capped, exp10_capped;    // huge above the limits of Limits<T>
-  Map root_or_zero;                // 0 for negative numbers and NaN; correctly rounded
-  Map log_or_floor;                // the floor of Limits<T> below the smallest normal number and for NaN
+  Map asin_or_zero, acos_or_zero;    // 0 where |x| > 1
+  Map exp_capped, exp10_capped;      // huge above the limits of Limits<T>
+  Map root_or_zero;                  // 0 for negative numbers and NaN; correctly rounded
+  Map log_or_floor, log10_or_floor;  // the floor of Limits<T> below the smallest normal number and for NaN
   void (*db)(const T* x, T* y, size_t n, T factor);  // factor times log10, or its floor
 
   Map i0_or_huge;          // modified Bessel function; huge beyond +-ln huge and for NaN

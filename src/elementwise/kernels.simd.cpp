@@ -91,6 +91,7 @@ template <class T> const MathKernels<T>* kernels() {
       .exp10_capped = map<T, exp10_capped<T>>,
       .root_or_zero = map<T, root_or_zero<T>>,
       .log_or_floor = map<T, log_or_floor<T>>,
+      .log10_or_floor = map<T, log10_or_floor<T>>,
       .db = db<T>,
       .i0_or_huge = map_i0_or_huge<T>,
       .i0 = i0_of_one,

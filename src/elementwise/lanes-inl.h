@@ -103,7 +103,8 @@ template <class T, size_t N, class C> HWY_INLINE V<T> halves(const C* c, const V
     if constexpr (std::is_same_v<C, T>) return set<T>(c[0]);
     else return c[0];
   } else {
-    constexpr size_t kLow = std::bit_floor(N - 1);
+    // Five or six end a step no later, and need no fourth power, where the first two stand apart.
+    constexpr size_t kLow = N == 5 || N == 6 ? 2 : std::bit_floor(N - 1);
     const V<T> high = halves<T, N - kLow>(c + kLow, powers), low = halves<T, kLow>(c, powers);
     return muladd(high, powers[std::countr_zero(kLow)], low);
   }
