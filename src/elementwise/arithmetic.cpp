@@ -1,6 +1,8 @@
 // dspi_abs dspi_neg dspi_scale dspi_offset dspi_cscale dspi_timesi dspi_limit dspi_recip dspi_square
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <type_traits>
 
 #include "core/exports.h"
 #include "core/limits.h"
@@ -48,17 +50,18 @@ template <class T> Status limit(Vector<T>& v, int32_t, T a, T b, int32_t* clippe
   const T low = std::min(a, b), high = std::max(a, b);
   T* const samples = v.data;
   const size_t n = size<T>(v);
-  size_t changed = 0;
-  on_widest_vectors(n, [=, &changed] {
-    size_t count = 0;
+  bool any = false;
+  on_widest_vectors(n, [=, &any] {
+    using Flag = std::conditional_t<sizeof(T) == 8, int64_t, int32_t>;  // as wide as a sample
+    Flag changed = 0;
     for (size_t k = 0; k < n; ++k) {
       const T x = samples[k], capped = x > high ? high : x;
       samples[k] = capped >= low ? capped : low;  // NaN counts as below the bounds
-      count += samples[k] != x;
+      changed |= samples[k] != x;
     }
-    changed = count;
+    any = changed != 0;
   });
-  if (clipped) *clipped = changed > 0;
+  if (clipped) *clipped = any;
   return kSuccess;
 }
 

@@ -83,7 +83,7 @@ template <class T> Status swap_halves(Vector<T>& v) {
   return rearrange<T>(v, [](auto* x, size_t n) {
     const size_t half = n / 2;
     if (n % 2 == 0) {
-      std::swap_ranges(x, x + half, x + half);
+      on_widest_vectors(n, [=] { std::swap_ranges(x, x + half, x + half); });
       return;
     }
     const auto saved = x[half];
@@ -111,7 +111,7 @@ template <class T> Status swap_halves2(Vector<T>& v) {
 }
 
 template <class T> Status rev(Vector<T>& v) {
-  return rearrange<T>(v, [](auto* x, size_t n) { std::reverse(x, x + n); });
+  return rearrange<T>(v, [](auto* x, size_t n) { on_widest_vectors(n, [=] { std::reverse(x, x + n); }); });
 }
 
 // The samples are replaced by their keys and back, in place: integers sort totally and, from some hundred on, in

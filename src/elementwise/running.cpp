@@ -54,12 +54,20 @@ template <class T> T wrapped(T step, T period, const Modulo<T>& modulo) {
 }
 
 // rule(step) / delta for the step to each scalar from the one `width` before it, which is 0 at the start. From the last
-// to the first: each still finds its predecessor as it was.
+// to the first: each still finds its predecessor as it was. The CPU fetches too late for wide vectors that go
+// backwards.
 template <class T, class F> Status differences(Vector<T>& v, F rule) {
   const T rate = v.delta == 0 ? Limits<T>::huge : 1 / v.delta;
   const size_t width = v.complex ? 2 : 1, n = size<T>(v);
   T* const x = v.data;
-  for (size_t k = n; k-- > width;) x[k] = rule(x[k] - x[k - width]) * rate;
+  on_widest_vectors(n, [=] {
+    constexpr size_t kSome = 1024 / sizeof(T), kLine = 64 / sizeof(T), kAhead = 6 * kSome;
+    for (size_t end = n, first; end > width; end = first) {
+      first = end > width + kSome ? end - kSome : width;
+      for (size_t k = 0; k < kSome; k += kLine) __builtin_prefetch(x + first - kAhead + k);
+      for (size_t k = end; k-- > first;) x[k] = rule(x[k] - x[k - width]) * rate;
+    }
+  });
   for (size_t k = 0; k < width && k < n; ++k) x[k] = rule(x[k]) * rate;
   return kSuccess;
 }
