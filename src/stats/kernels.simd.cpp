@@ -22,26 +22,26 @@ namespace hn = hwy::HWY_NAMESPACE;
 namespace streams = sigvex::streams::HWY_NAMESPACE;
 
 // Eight streams at most: more would crowd each other out of the cache, where blocks of a power of two bytes share a
-// set. What a point adds to each sum: terms(d, x, add), x being its scalars and add(s, term) the addition to sum s.
+// set; for the same reason the next ones are fetched from their first line to their last. What a point adds to each
+// sum: terms(d, x, add), x being its scalars and add(s, term) the addition to sum s.
 template <size_t kWidth, size_t kSums, class T, class Terms>
 HWY_INLINE void block_sums(const T* x, size_t n, T* totals, Terms terms) {
   std::fill_n(totals, kSums, T(0));
   const auto run = [&](auto d, size_t first, size_t blocks, size_t length, auto at) HWY_ATTR {
     using D = decltype(d);
-    constexpr size_t kPiece = streams::kPiece<D>, kTile = std::max(kWidth, kPiece), kLine = 64;
+    constexpr size_t kPiece = streams::kPiece<D>, kTile = std::max(kWidth, kPiece), kLine = 64 / sizeof(T),
+                     kLanes = hn::MaxLanes(D());
     const T* const from = x + kWidth * first;
     const size_t ahead = n - first >= 2 * blocks * kBlock ? kWidth * blocks * kBlock : 0;  // to the next blocks
     hn::Vec<D> sum[kSums], y[kTile];
     for (auto& s : sum) s = hn::Zero(d);
     const auto add = [&sum](size_t s, auto term) HWY_ATTR { sum[s] = sum[s] + term; };
     for (size_t k = 0; k < kWidth * length; k += kTile) {
-      if (k * sizeof(T) % kLine == 0) {
-        for (size_t b = 0; b < hn::MaxLanes(D()); ++b) hwy::Prefetch(from + at(b) + k + ahead);
-      }
+      for (size_t b = 0; k % kLine == 0 && b < kLanes; ++b) hwy::Prefetch(from + ahead + k * kLanes + b * kLine);
       for (size_t i = 0; i < kTile; i += kPiece) streams::load(d, from + k + i, at, y + i);
       for (size_t i = 0; i < kTile; i += kWidth) terms(d, y + i, add);
     }
-    HWY_ALIGN T lanes[kSums][hn::MaxLanes(D())];
+    HWY_ALIGN T lanes[kSums][kLanes];
     for (size_t s = 0; s < kSums; ++s) hn::Store(sum[s], d, lanes[s]);
     for (size_t b = 0; b < blocks; ++b) {
       for (size_t s = 0; s < kSums; ++s) totals[s] += lanes[s][b];
