@@ -1,21 +1,18 @@
-// Transforms too long for the nearest cache, and long convolutions, in two sweeps over memory. n = n1 * n2 points are
-// seen as a matrix of n1 rows of n2 points, row by row in memory:
+// Transforms too long for the nearest cache, in two sweeps over memory. n = n1 * n2 points are seen as a matrix of n1
+// rows of n2 points, row by row in memory:
 //
 //   1. a strip of neighbouring columns at a time: transform the columns (length n1), multiply by the roots of order n
 //      that join both steps, and leave the strip transposed in the work space, in tiles of lanes by lanes points;
 //   2. a strip of neighbouring rows at a time, which the tiles hold side by side: transform them (length n2) and write
 //      point k2 of row k1 to k1 + n1 * k2.
 //
-// Within a strip every lane is a transform of its own, so that nothing is exchanged between lanes except in the tiles,
-// and a strip of up to some thousand rows stays in the second-level cache.
+// Within a strip every lane is a transform of its own, so that nothing is exchanged between lanes except in the tiles.
 #if defined(SIGVEX_SPECTRAL_COLUMNS_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef SIGVEX_SPECTRAL_COLUMNS_INL_H
 #undef SIGVEX_SPECTRAL_COLUMNS_INL_H
 #else
 #define SIGVEX_SPECTRAL_COLUMNS_INL_H
 #endif
-
-#include <hwy/cache_control.h>
 
 #include <algorithm>
 #include <type_traits>
@@ -156,6 +153,8 @@ enum class Way { kThere, kBack, kThereAndBack };
 template <class T> struct Turn {
   const T* spectrum = nullptr;
   T sign = 1;
+
+  Turn from(size_t at) const { return {spectrum + at, sign}; }
 };
 
 // The passes from `pass` to before `end` on neighbouring blocks of a strip, there, back, or both. Where more than two
@@ -188,9 +187,7 @@ void column_passes(D d, const Radices& r, int pass, int end, size_t blocks, size
     column_passes<way>(d, r, pass + 1, end, blocks * radix, apart, next, x, turn);
   } else {
     for (size_t at = 0; at < 2 * kLanes<D> * rows * blocks; at += 2 * kLanes<D> * apart) {
-      Turn<T> there = turn;
-      if (way == Way::kThereAndBack) there.spectrum += at;
-      column_passes<way>(d, r, pass + 1, end, 1, apart, next, x + at, there);
+      column_passes<way>(d, r, pass + 1, end, 1, apart, next, x + at, way == Way::kThereAndBack ? turn.from(at) : turn);
     }
   }
   if (way != Way::kThere) {
@@ -202,29 +199,19 @@ void column_passes(D d, const Radices& r, int pass, int end, size_t blocks, size
   }
 }
 
-// All passes before `end` but the first.
-template <Way way, class D, class T = hn::TFromD<D>>
-HWY_INLINE void inner_passes(D d, const Radices& r, int end, size_t rows, const T* roots, T* x) {
-  const size_t radix = r.radix[0], apart = rows / radix;
-  roots += 2 * (radix - 1) * apart;
-  if (r.count < 3) return column_passes<way>(d, r, 1, end, radix, apart, roots, x);
-  for (size_t k = 0; k < radix; ++k) {
-    column_passes<way>(d, r, 1, end, 1, apart, roots, x + 2 * kLanes<D> * apart * k);
-  }
-}
-
 // Up to 32 KiB of points stay in the nearest cache, where other ways are shorter.
 template <class T> constexpr int kLong = sizeof(T) == 8 ? 12 : 13;
 
+// Of 2^10 to 2^16 points: columns and rows take two passes each.
 template <class T> class Columns {
  public:
   explicit Columns(int bits)
-      : r1_(column_bits(bits), (column_bits(bits) + 3) / 4),
-        r2_(bits - column_bits(bits), (bits - column_bits(bits) + 3) / 4),
+      : r1_(column_bits(bits), 2),
+        r2_(bits - column_bits(bits), 2),
         n1_(size_t{1} << column_bits(bits)),
         n2_(size_t{1} << (bits - column_bits(bits))) {}
 
-  size_t work_size() const { return 2 * n1_ * n2_ + 2 * L * std::max(width(n1_) * n1_, width(n2_) * n2_); }
+  size_t work_size() const { return 2 * n1_ * n2_ + 2 * L * kGroups * std::max(n1_, n2_); }
 
   // The roots of the columns, those of the rows, and for each group of columns those that join both: w^(k l) for
   // k < L, then w^(k l) for every L-th k, in whose products are all.
@@ -247,32 +234,8 @@ template <class T> class Columns {
 
   template <bool kInverse> void run(const T* table, T* data, T* work, T factor) const {
     const Tables t = tables(table, work);
-    columns<false>(t, n1_ * n2_, [&](size_t k) HWY_ATTR { return load_points<kInverse>(d, data + 2 * k); });
+    columns<kInverse>(t, data);
     rows<kInverse>(t, data, factor);
-  }
-
-  // The spectrum of data, scaled, left in the order of the tiles.
-  void spectrum(const T* table, T* data, T* work, T factor) const {
-    const Tables t = tables(table, work);
-    columns<false>(t, n1_ * n2_, [&](size_t k) HWY_ATTR { return load_points<false>(d, data + 2 * k); });
-    for (size_t at = 0; at < 2 * n1_ * n2_; at += 2 * L * n2_) {
-      column_passes<Way::kThere>(d, r2_, 0, r2_.count, 1, n2_, t.rows, work + at);
-    }
-    const auto scale = hn::Set(d, factor);
-    for (size_t k = 0; k < n1_ * n2_ / L; ++k) store_block(d, load_block(d, work, k) * scale, data, k);
-  }
-
-  // The transform of load(k), vectors of points from k on, the first `given` of which are not zero, times a spectrum in
-  // the order of the tiles, transformed back: to store(k, z), the first `wanted` points, their parts exchanged.
-  template <class Load, class Store>
-  void convolve(const T* table, T* work, size_t given, Load load, Turn<T> turn, size_t wanted, Store store) const {
-    const Tables t = tables(table, work);
-    columns<true>(t, given, load);
-    for (size_t at = 0; at < 2 * n1_ * n2_; at += 2 * L * n2_) {
-      column_passes<Way::kThereAndBack>(d, r2_, 0, r2_.count, 1, n2_, t.rows, work + at,
-                                        Turn<T>{turn.spectrum + at, turn.sign});
-    }
-    columns_back(t, wanted, store);
   }
 
  private:
@@ -280,20 +243,11 @@ template <class T> class Columns {
   using C = ComplexOf<D>;
   static constexpr D d{};
   static constexpr size_t L = kLanes<D>;
+  static constexpr size_t kGroups = 2;  // groups of lanes in a strip
 
-  // Of an odd number of bits the columns take the larger part, except where only the smaller makes a strip of them that
-  // stays in the nearest cache beside what it is read from.
-  static int column_bits(int bits) { return bits == 15 || bits == 17 ? bits / 2 : (bits + 1) / 2; }
+  static int column_bits(int bits) { return (bits + 1) / 2; }
 
   size_t joining_size() const { return 2 * L * (L + n1_ / L); }
-
-  // Groups of lanes in a strip of `rows` rows. Where the points come from beyond the second-level cache, several groups
-  // make longer runs in memory, as far as the strip still fits that cache.
-  size_t width(size_t rows) const {
-    constexpr size_t kNear = size_t{1} << 19, kStrip = size_t{1} << 18;
-    const size_t points = n1_ * n2_, most = points * 2 * sizeof(T) > kNear ? 4 : 2;
-    return std::clamp(kStrip / (rows * 2 * L * sizeof(T)), size_t{1}, std::min(most, points / rows / L));
-  }
 
   struct Tables {
     const T *columns, *rows, *joining;
@@ -304,55 +258,29 @@ template <class T> class Columns {
     return {table, rows, rows + r2_.roots_size(), work, work + 2 * n1_ * n2_};
   }
 
-  // Whether of the points before `end` none is in the second half of the rows of a group of columns.
-  bool in_first_half(size_t end, size_t group) const { return end <= n1_ / 2 * n2_ + L * group; }
-
-  template <bool kPadded, class Load> void columns(const Tables& t, size_t given, Load load) const {
-    const size_t groups = width(n1_), group_size = 2 * L * n1_;
+  template <bool kInverse> void columns(const Tables& t, const T* data) const {
+    const size_t group_size = 2 * L * n1_;
     const T* joining = t.joining;
-    for (size_t j = 0; j < n2_ / L; j += groups) {
+    for (size_t j = 0; j < n2_ / L; j += kGroups) {
       with_radix(r1_.radix[0], [&](auto radix) HWY_ATTR {
-        for (size_t g = 0; g < groups; ++g) {
+        for (size_t g = 0; g < kGroups; ++g) {
           T* const x = t.strip + g * group_size;
-          const auto from = [&](size_t k) HWY_ATTR { return load(n2_ * k + L * (j + g)); };
-          const auto to = [&](size_t k, C z) HWY_ATTR { store_block(d, z, x, k); };
-          if (kPadded && in_first_half(given, j + g)) {
-            column_pass<kPadded>(radix, d, n1_, t.columns, from, to);
-          } else {
-            column_pass(radix, d, n1_, t.columns, from, to);
-          }
+          column_pass(
+              radix, d, n1_, t.columns,
+              [&](size_t k) HWY_ATTR { return load_points<kInverse>(d, data + 2 * (n2_ * k + L * (j + g))); },
+              [&](size_t k, C z) HWY_ATTR { store_block(d, z, x, k); });
         }
       });
-      for (size_t g = 0; g < groups; ++g, joining += joining_size()) {
+      for (size_t g = 0; g < kGroups; ++g, joining += joining_size()) {
         T* const x = t.strip + g * group_size;
-        inner_passes<Way::kThere>(d, r1_, r1_.count, n1_, t.columns, x);
+        column_passes<Way::kThere>(d, r1_, 1, 2, r1_.radix[0], n1_ / r1_.radix[0], t.columns + r1_.roots_size(), x);
         join(x, joining, t.tiles + 2 * L * L * (j + g));
       }
     }
   }
 
-  template <class Store> void columns_back(const Tables& t, size_t wanted, Store store) const {
-    const T* joining = t.joining;
-    for (size_t j = 0; j < n2_ / L; ++j, joining += joining_size()) {
-      T* const x = t.strip;
-      part(t.tiles + 2 * L * L * j, joining, x);
-      inner_passes<Way::kBack>(d, r1_, r1_.count, n1_, t.columns, x);
-      with_radix(r1_.radix[0], [&](auto radix) HWY_ATTR {
-        const auto from = [&](size_t k) HWY_ATTR { return load_block(d, x, k); };
-        const auto to = [&](size_t k, C z) HWY_ATTR { store(n2_ * k + L * j, z); };
-        if (in_first_half(wanted, j)) {
-          column_pass_back<true>(radix, d, n1_, t.columns, from, to);
-        } else {
-          column_pass_back(radix, d, n1_, t.columns, from, to);
-        }
-      });
-    }
-  }
-
-  // A group of transformed columns, times the joining roots, into its tile of every row of tiles. What will have left
-  // the caches before the rows come is written past them.
+  // A group of transformed columns, times the joining roots, into its tile of every row of tiles.
   HWY_INLINE void join(const T* x, const T* joining, T* to) const {
-    const bool beyond_caches = n1_ * n2_ * 2 * sizeof(T) >= size_t{1} << 23;
     size_t row[L];
     for (size_t l = 0; l < L; ++l) row[l] = r1_.row_of(l);
     for (size_t k = 0; k < n1_; k += L, to += 2 * L * n2_) {
@@ -361,33 +289,14 @@ template <class T> class Columns {
       C z[L], y[L];
       for (size_t l = 0; l < L; ++l) z[l] = load_block(d, first, row[l]) * (w * load_block(d, joining, l));
       transpose_points(d, z, y);
-      if (beyond_caches) {
-        for (size_t l = 0; l < L; ++l) stream_block(d, y[l], to, l);
-      } else {
-        for (size_t l = 0; l < L; ++l) store_block(d, y[l], to, l);
-      }
-    }
-    if (beyond_caches) hwy::FlushStream();
-  }
-
-  // The way back of join.
-  HWY_INLINE void part(const T* from, const T* joining, T* x) const {
-    size_t row[L];
-    for (size_t l = 0; l < L; ++l) row[l] = r1_.row_of(l);
-    for (size_t k = 0; k < n1_; k += L, from += 2 * L * n2_) {
-      const C w = load_block(d, joining, L + k / L);
-      T* const first = x + 2 * L * r1_.row_of(k);
-      C z[L], y[L];
-      for (size_t l = 0; l < L; ++l) y[l] = load_block(d, from, l);
-      transpose_points(d, y, z);
-      for (size_t l = 0; l < L; ++l) store_block(d, z[l] * (w * load_block(d, joining, l)), first, row[l]);
+      for (size_t l = 0; l < L; ++l) store_block(d, y[l], to, l);
     }
   }
 
   template <bool kInverse> void rows(const Tables& t, T* data, T factor) const {
-    const size_t groups = width(n2_), group_size = 2 * L * n2_;
-    for (size_t k1 = 0; k1 < n1_ / L; k1 += groups) {
-      for (size_t g = 0; g < groups; ++g) {
+    const size_t group_size = 2 * L * n2_;
+    for (size_t k1 = 0; k1 < n1_ / L; k1 += kGroups) {
+      for (size_t g = 0; g < kGroups; ++g) {
         const T* const from = t.tiles + (k1 + g) * group_size;
         T* const x = t.strip + g * group_size;
         with_radix(r2_.radix[0], [&](auto radix) HWY_ATTR {
@@ -395,21 +304,20 @@ template <class T> class Columns {
               radix, d, n2_, t.rows, [&](size_t k) HWY_ATTR { return load_block(d, from, k); },
               [&](size_t k, C z) HWY_ATTR { store_block(d, z, x, k); });
         });
-        inner_passes<Way::kThere>(d, r2_, r2_.count - 1, n2_, t.rows, x);
       }
-      last_rows<kInverse>(t.strip, groups, data + 2 * L * k1, factor);
+      last_rows<kInverse>(t.strip, data + 2 * L * k1, factor);
     }
   }
 
   // The last pass over the groups of a strip; its blocks are taken in the order of their first results.
-  template <bool kInverse> HWY_INLINE void last_rows(const T* strip, size_t groups, T* data, T factor) const {
+  template <bool kInverse> HWY_INLINE void last_rows(const T* strip, T* data, T factor) const {
     const auto scale = hn::Set(d, factor);
-    with_radix(r2_.radix[r2_.count - 1], [&](auto radix) HWY_ATTR {
+    with_radix(r2_.radix[1], [&](auto radix) HWY_ATTR {
       const size_t blocks = n2_ / radix;
       for (size_t block = 0; block < blocks; ++block) {
         const T* x = strip + 2 * L * r2_.row_of(block);
         T* to = data + 2 * n1_ * block;
-        for (size_t g = 0; g < groups; ++g, x += 2 * L * n2_, to += 2 * L) {
+        for (size_t g = 0; g < kGroups; ++g, x += 2 * L * n2_, to += 2 * L) {
           column_pass(
               radix, d, radix, static_cast<const T*>(nullptr), [&](size_t k) HWY_ATTR { return load_block(d, x, k); },
               [&](size_t k, C z)

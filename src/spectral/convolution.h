@@ -10,7 +10,8 @@ namespace sigvex {
 // What is convolved: out[k] = factor * w[k] * (sum over j of kernel[(k - j) mod n] * w[j] * in[j]). Input and result
 // may be one array.
 template <class T> struct Convolution {
-  const T* in;  // interleaved points, or real samples; zero from in_points on, which nobody reads
+  const T* spectrum;  // of the kernel, n points
+  const T* in;        // interleaved points, or real samples with weights; zero from in_points on, which nobody reads
   size_t in_points;
   bool real;
   const T* weights;  // points w, or null for ones
@@ -25,7 +26,7 @@ template <class T> struct Convolution {
 // two convolutions of half the length of a complex one, which begin alike, are enough. With the chirp w, which is even,
 // F[k] = w[k] sum conj w[k-j] (w z)[j] and F[-k] = w[k] sum conj w[k+j] (w z)[j].
 template <class T> struct RealChirp {
-  const T* sums;         // inverse transform of conj w[l] at places l = 1 .. 2 (N/2), which are the j + k
+  const T* sums;  // spectrum of conj w[l] at places N/2 - l, l = 1 .. 2 (N/2) the j + k: result k comes at N/2 - k
   const T* differences;  // that of conj w[l] at places l and -l up to N/2, which are the k - j
   const T* chirp;        // w, N points
   size_t points;         // N, with N - 1 no more than those of a spectrum
@@ -38,8 +39,7 @@ template <class T> struct ConvolutionKernels {
   // an order of its own, for convolve alone, at any address.
   size_t (*work_size)(const ComplexTables<T>& tables);
   void (*spectrum)(const ComplexTables<T>& tables, T* data, T* work);  // in place
-  void (*convolve)(const ComplexTables<T>& tables, const T* spectrum, const Convolution<T>& convolution, T* work);
-  // On tables and in work space for transforms of the points of a spectrum.
+  void (*convolve)(const ComplexTables<T>& tables, const Convolution<T>& convolution, T* work);
   void (*real_chirp)(const ComplexTables<T>& tables, const RealChirp<T>& chirp, T* work);
 };
 

@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-#include "spectral/columns-inl.h"
+#include "spectral/convolver-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace sigvex {
@@ -25,6 +25,8 @@ template <class D, class T = hn::TFromD<D>> HWY_INLINE hn::VFromD<D> load_sample
     return hn::LoadU(d, from);
   }
 }
+
+template <class T, size_t S> using Convolutions = std::array<Convolution<T>, S>;
 
 // What goes into a convolution, a vector of weighted points at a time, and what comes out of it.
 template <class D, bool kReal, bool kWeighted> class Ends {
@@ -75,8 +77,7 @@ template <class D, bool kReal, bool kWeighted> class Ends {
   HWY_INLINE C weighted(const T* from, const T* weights) const {
     if constexpr (kReal) {
       const auto x = load_samples(d, from);
-      if constexpr (!kWeighted) return {x, hn::Zero(d)};
-      else return weight(weights) * x;
+      return weight(weights) * x;
     } else {
       const C z = load_points<false>(d, from);
       if constexpr (!kWeighted) return z;
@@ -90,53 +91,70 @@ template <class D, bool kReal, bool kWeighted> class Ends {
 
 // Calls f with the ends of a convolution.
 template <class D, class F> HWY_INLINE void with_ends(D, const Convolution<hn::TFromD<D>>& c, F f) {
-  if (!c.weights) return c.real ? f(Ends<D, true, false>(c)) : f(Ends<D, false, false>(c));
-  return c.real ? f(Ends<D, true, true>(c)) : f(Ends<D, false, true>(c));
+  if (!c.weights) return f(Ends<D, false, false>(c));
+  c.real ? f(Ends<D, true, true>(c)) : f(Ends<D, false, true>(c));
 }
 
-// In the nearest cache the transforms in natural order cost no more, and the ends and the product are passes of their
+// In the nearest cache the transforms in natural order cost no more, and the ends and the products are passes of their
 // own.
-template <class D, class T = hn::TFromD<D>>
-void convolve_short(D d, const ComplexTables<T>& tables, const T* spectrum, const Convolution<T>& c, T* work) {
+template <size_t S, class D, class T = hn::TFromD<D>>
+void convolve_short(D d, const ComplexTables<T>& tables, const Convolutions<T, S>& c, T* work) {
   const size_t n = size_t{1} << tables.bits;
-  T *const x = work, *const rest = work + 2 * n;
-  const auto sign = hn::Set(d, c.conjugate ? T(-1) : T(1));
-  with_ends(d, c, [&](auto ends) HWY_ATTR {
-    for (size_t k = 0; k < n; k += kLanes<D>) store_points<false>(d, ends.load(k), x + 2 * k);
-    tables.forward(tables.bits, tables.roots, x, rest, 1);
-    for (size_t k = 0; k < n; k += kLanes<D>) {
-      ComplexOf<D> w = load_points<false>(d, spectrum + 2 * k);
-      w.im = hn::Mul(w.im, sign);
-      store_points<false>(d, load_points<false>(d, x + 2 * k) * w, x + 2 * k);
+  T* const rest = work + 2 * n * S;
+  with_ends(d, c[0], [&](auto ends) HWY_ATTR {
+    for (size_t k = 0; k < n; k += kLanes<D>) store_points<false>(d, ends.load(k), work + 2 * k);
+    tables.forward(tables.bits, tables.roots, work, rest, 1);
+    const auto sign = hn::Set(d, c[0].conjugate ? T(-1) : T(1));
+    for (size_t s = S; s-- > 0;) {
+      T* const x = work + 2 * n * s;
+      for (size_t k = 0; k < n; k += kLanes<D>) {
+        ComplexOf<D> w = load_points<false>(d, c[s].spectrum + 2 * k);
+        w.im = hn::Mul(w.im, sign);
+        store_points<false>(d, load_points<false>(d, work + 2 * k) * w, x + 2 * k);
+      }
+      tables.inverse(tables.bits, tables.roots, x, rest, 1);
+      const decltype(ends) out(c[s]);
+      for (size_t k = 0; k < c[s].out_points; k += kLanes<D>) out.store(k, load_points<true>(d, x + 2 * k));
     }
-    tables.inverse(tables.bits, tables.roots, x, rest, 1);
-    for (size_t k = 0; k < c.out_points; k += kLanes<D>) ends.store(k, load_points<true>(d, x + 2 * k));
   });
 }
 
+// For two kernels at once, as real_chirp has them.
 template <class T> size_t work_size(const ComplexTables<T>& tables) {
-  return tables.bits < kLong<T> ? size_t{4} << tables.bits : Columns<T>(tables.bits).work_size();
+  const size_t points = size_t{2} << tables.bits;
+  return 2 * points + (tables.bits < kLong<T> ? points : Convolver<T>(tables.bits).work_size());
 }
 
 template <class T> void spectrum(const ComplexTables<T>& tables, T* data, T* work) {
   const T scale = 1 / static_cast<T>(size_t{1} << tables.bits);
   if (tables.bits < kLong<T>) return tables.forward(tables.bits, tables.roots, data, work, scale);
-  Columns<T>(tables.bits).spectrum(tables.roots, data, work, scale);
+  Convolver<T>(tables.bits).spectrum(tables.roots, data, work, scale);
 }
 
-template <class T> void convolve(const ComplexTables<T>& tables, const T* spectrum, const Convolution<T>& c, T* work) {
+// One input, that of the first, with one kernel or several.
+template <class T, size_t S> void convolve_all(const ComplexTables<T>& tables, const Convolutions<T, S>& c, T* work) {
+  const size_t n = size_t{1} << tables.bits;
   if (tables.bits < kLong<T>) {
-    return with_lanes<T>(size_t{1} << tables.bits,
-                         [&](auto d) HWY_ATTR { convolve_short(d, tables, spectrum, c, work); });
+    return with_lanes<T>(n, [&](auto d) HWY_ATTR { convolve_short<S>(d, tables, c, work); });
   }
-  with_ends(hn::ScalableTag<T>(), c, [&](auto ends) HWY_ATTR {
+  Pointers<T, S> data;
+  Turns<T, S> turns;
+  for (size_t s = 0; s < S; ++s) {
+    data[s] = work + 2 * n * s;
+    turns[s] = {c[s].spectrum, c[s].conjugate ? T(-1) : T(1)};
+  }
+  with_ends(hn::ScalableTag<T>(), c[0], [&](auto ends) HWY_ATTR {
     using V = hn::VFromD<hn::ScalableTag<T>>;
-    Columns<T>(tables.bits)
+    const auto store = [&](size_t s, size_t k, Complex<V> z) HWY_ATTR { decltype(ends)(c[s]).store(k, z); };
+    Convolver<T>(tables.bits)
         .convolve(
-            tables.roots, work, c.in_points, [&](size_t k) HWY_ATTR { return ends.load(k); },
-            Turn<T>{spectrum, c.conjugate ? T(-1) : T(1)}, c.out_points,
-            [&](size_t k, Complex<V> z) HWY_ATTR { ends.store(k, z); });
+            tables.roots, data, work + 2 * n * S, c[0].in_points, [&](size_t k) HWY_ATTR { return ends.load(k); },
+            turns, c[0].out_points, store);
   });
+}
+
+template <class T> void convolve(const ComplexTables<T>& tables, const Convolution<T>& c, T* work) {
+  convolve_all<T, 1>(tables, {c}, work);
 }
 
 // Points j, j + 1, ... of w (a + ib).
@@ -147,46 +165,43 @@ template <class D, class T = hn::TFromD<D>> HWY_INLINE void fold(D d, const Real
   store_points<false>(d, z * load_points<false>(d, c.chirp + 2 * j), folded + 2 * j);
 }
 
-// Bins k, k + 1, ...
+// Bins k, k + 1, ... of F[k], ..., and F[-k], ..., which stand in reverse order before `back`.
 template <class D, class T = hn::TFromD<D>>
 HWY_INLINE void unfold(D d, const RealChirp<T>& c, size_t k, const T* there, const T* back, T factor) {
   const ComplexOf<D> w = load_points<false>(d, c.chirp + 2 * k);
-  const auto f = (load_points<false>(d, there + 2 * k) * w).re, g = (load_points<false>(d, back + 2 * k) * w).re;
-  store_points<false>(d, ComplexOf<D>{hn::Add(g, f), hn::Sub(g, f)} * hn::Set(d, factor), c.data + 2 * k);
+  const ComplexOf<D> g = load_points<false>(d, back - 2 * (k + kLanes<D> - 1));
+  const auto f = (load_points<false>(d, there + 2 * k) * w).re;
+  const auto mirrored = (ComplexOf<D>{hn::Reverse(d, g.re), hn::Reverse(d, g.im)} * w).re;
+  store_points<false>(d, ComplexOf<D>{hn::Add(mirrored, f), hn::Sub(mirrored, f)} * hn::Set(d, factor), c.data + 2 * k);
 }
 
-// The folded samples stand behind those that are still to be folded, and of the two results, each in the place of the
-// other's input, the first makes room for the bins.
+// The folded samples stand behind those that are still to be folded; of the two results, the one in order makes room
+// for the bins as they come.
 template <class T> void real_chirp(const ComplexTables<T>& tables, const RealChirp<T>& c, T* work) {
   const size_t m = size_t{1} << tables.bits, half = c.points / 2;
-  T *const there = c.data + 2 * m, *const back = c.data;
+  T *const folded = c.data + 2 * m, *const bins = c.data;
   with_lanes<T>(m, [&](auto d) HWY_ATTR {
     constexpr size_t L = kLanes<decltype(d)>;
     const Lanes<T, 1> one;
     size_t j = 1;
-    for (; j + L <= half + 1; j += L) fold(d, c, j, there);
-    for (; j <= half; ++j) fold(one, c, j, there);
-    there[0] = c.data[0];
-    there[1] = 0;
+    for (; j + L <= half + 1; j += L) fold(d, c, j, folded);
+    for (; j <= half; ++j) fold(one, c, j, folded);
+    folded[0] = c.data[0];
+    folded[1] = 0;
     if (c.points % 2 == 0) {  // the sample in the middle is its own mirror image
-      there[2 * half] *= T(0.5);
-      there[2 * half + 1] *= T(0.5);
+      folded[2 * half] *= T(0.5);
+      folded[2 * half + 1] *= T(0.5);
     }
-    std::fill(there + 2 * (half + 1), there + 2 * m, T(0));
-    tables.forward(tables.bits, tables.roots, there, work, 1 / static_cast<T>(m));
-    for (size_t k = 0; k < m; k += L) {
-      const auto z = load_points<false>(d, there + 2 * k);
-      store_points<false>(d, z * load_points<false>(d, c.sums + 2 * k), back + 2 * k);
-      store_points<false>(d, z * load_points<false>(d, c.differences + 2 * k), there + 2 * k);
-    }
-    tables.inverse(tables.bits, tables.roots, there, work, 1);
-    tables.forward(tables.bits, tables.roots, back, work, 1);  // its results stand in reverse order otherwise
-    const T factor = c.factor / 2, sum = there[0];
+    Convolution<T> there{c.differences, folded, half + 1, false, nullptr, false, bins, half + 1, 1}, back = there;
+    back.spectrum = c.sums;
+    back.out = folded;
+    convolve_all<T, 2>(tables, {there, back}, work);
+    const T factor = c.factor / 2, *const mirrored = folded + 2 * half;
+    bins[0] *= 2 * factor;
+    bins[1] = 0;
     size_t k = 1;
-    for (; k + L <= half + 1; k += L) unfold(d, c, k, there, back, factor);
-    for (; k <= half; ++k) unfold(one, c, k, there, back, factor);
-    c.data[0] = 2 * factor * sum;
-    c.data[1] = 0;
+    for (; k + L <= half + 1; k += L) unfold(d, c, k, bins, mirrored, factor);
+    for (; k <= half; ++k) unfold(one, c, k, bins, mirrored, factor);
   });
 }
 

@@ -94,13 +94,13 @@ template <class T> Status prepare_halves(Bluestein<T>& work) {
     for (size_t l = 1; l < n; ++l) put(first, m - l, l);
     SIGVEX_TRY(kernel_spectrum<T>(first, m));
   } else {
-    for (size_t l = 1; l <= n / 2 * 2; ++l) put(first, l % m, l);
+    for (size_t l = 1; l <= n / 2 * 2; ++l) put(first, (m + n / 2 - l) % m, l);
     for (size_t l = 0; l <= n / 2; ++l) {
       put(second, l, l);
       put(second, (m - l) % m, l);
     }
-    SIGVEX_TRY(inverse_transform<T>(first, m));
-    SIGVEX_TRY(inverse_transform<T>(second, m));
+    SIGVEX_TRY(kernel_spectrum<T>(first, m));
+    SIGVEX_TRY(kernel_spectrum<T>(second, m));
   }
   work.halves = block.release();
   return kSuccess;
@@ -131,8 +131,9 @@ template <class T> Status chirp_transform(Vector<T>& v, bool inverse) {
   if (by_library) return transform_by_steps<T>(v, work, inverse);
   SIGVEX_TRY(reshape<T>(v, points<T>(work.kernel), 1));
   const T factor = inverse ? T(1) : T(1) / static_cast<T>(n);
-  const Status status = convolve<T>(work.kernel.data, points<T>(work.kernel),
-                                    {v.data, count(n), !complex, work.chirp.data, inverse, v.data, count(n), factor});
+  const Convolution<T> convolution{work.kernel.data, v.data, count(n), !complex, work.chirp.data,
+                                   inverse,          v.data, count(n), factor};
+  const Status status = convolve<T>(points<T>(work.kernel), convolution);
   v.points = n;
   if (status < 0) v.complex = complex;
   return status;
@@ -152,7 +153,7 @@ template <class T> Status real_chirp_transform(Vector<T>& v) {
   const T factor = T(1) / static_cast<T>(n);
   const Status status =
       holds_half(m, count(n))
-          ? convolve<T>(spectra, m, {v.data, count(n), true, chirp, false, v.data, count(n) / 2 + 1, factor})
+          ? convolve<T>(m, {spectra, v.data, count(n), true, chirp, false, v.data, count(n) / 2 + 1, factor})
           : real_chirp<T>(m, {spectra, spectra + 2 * m, chirp, count(n), v.data, factor});
   v.points = status < 0 ? n : n / 2 + 1;
   if (status < 0) v.complex = 0;

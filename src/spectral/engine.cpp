@@ -80,28 +80,23 @@ template <class T> Status kernel_spectrum(T* kernel, size_t n) {
       n, [&](const ComplexTables<T>& tables, T* work) { convolution_kernels<T>().spectrum(tables, kernel, work); });
 }
 
-template <class T> Status convolve(const T* spectrum, size_t n, const Convolution<T>& c) {
-  return with_work<T>(n, [&](const ComplexTables<T>& tables, T* work) {
-    convolution_kernels<T>().convolve(tables, spectrum, c, work);
-  });
+template <class T> Status convolve(size_t n, const Convolution<T>& c) {
+  return with_work<T>(
+      n, [&](const ComplexTables<T>& tables, T* work) { convolution_kernels<T>().convolve(tables, c, work); });
 }
 
 template <class T> Status real_chirp(size_t m, const RealChirp<T>& c) {
-  const Lease<ComplexTables<T>> tables = complex_tables<T>(std::countr_zero(m));
-  if (!tables) return kFailure;
-  return with_work_space<T>(*tables, [&](T* work) { convolution_kernels<T>().real_chirp(*tables, c, work); });
+  return with_work<T>(
+      m, [&](const ComplexTables<T>& tables, T* work) { convolution_kernels<T>().real_chirp(tables, c, work); });
 }
 
-template <class T> Status inverse_transform(T* data, size_t n) { return run_complex<T>(data, n, true); }
-
-#define SIGVEX_INSTANTIATE(T)                                           \
-  template Status complex_transform<T>(Vector<T>&, bool);               \
-  template Status real_transform<T>(Vector<T>&);                        \
-  template Status real_inverse_transform<T>(Vector<T>&);                \
-  template Status kernel_spectrum<T>(T*, size_t);                       \
-  template Status convolve<T>(const T*, size_t, const Convolution<T>&); \
-  template Status real_chirp<T>(size_t, const RealChirp<T>&);           \
-  template Status inverse_transform<T>(T*, size_t);
+#define SIGVEX_INSTANTIATE(T)                                 \
+  template Status complex_transform<T>(Vector<T>&, bool);     \
+  template Status real_transform<T>(Vector<T>&);              \
+  template Status real_inverse_transform<T>(Vector<T>&);      \
+  template Status kernel_spectrum<T>(T*, size_t);             \
+  template Status convolve<T>(size_t, const Convolution<T>&); \
+  template Status real_chirp<T>(size_t, const RealChirp<T>&);
 SIGVEX_INSTANTIATE(double)
 SIGVEX_INSTANTIATE(float)
 #undef SIGVEX_INSTANTIATE

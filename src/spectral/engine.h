@@ -26,14 +26,11 @@ template <class T> Status real_inverse_transform(Vector<T>& v);
 // released.
 template <class T> Status kernel_spectrum(T* kernel, size_t n);
 
-// As many points as the spectrum has; the result is scaled by nothing but c.factor. With a real kernel, real and
+// Of n points, as many as the spectrum has; the result is scaled by nothing but c.factor. With a real kernel, real and
 // imaginary parts of the points are convolved independently: two real sequences go through one call.
-template <class T> Status convolve(const T* spectrum, size_t n, const Convolution<T>& c);
+template <class T> Status convolve(size_t n, const Convolution<T>& c);
 
 // The real transform of c.points samples, scaled by c.factor, through spectra of m points, a power of two above 2.
 template <class T> Status real_chirp(size_t m, const RealChirp<T>& c);
-
-// n = 2^bits > 2 points to their inverse transform, in place.
-template <class T> Status inverse_transform(T* data, size_t n);
 
 }  // namespace sigvex

@@ -10,7 +10,7 @@
 #include <type_traits>
 
 #include "spectral/columns-inl.h"
-#include "spectral/inplace-inl.h"
+#include "spectral/convolver-inl.h"
 #include "spectral/real-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -129,12 +129,12 @@ template <class T, class F> HWY_INLINE auto with_passes(int bits, F f) {
   }
 }
 
-// Short transforms in self-sorting passes, long ones in two sweeps. From kInPlace on the table holds the roots of both
-// ways, those of the convolutions in front.
+// Short transforms in self-sorting passes, long ones in two sweeps. The table of a long one holds the roots of its
+// convolutions, then its own.
 template <class T> size_t table_size(int bits) {
-  if (bits >= kInPlace) return Columns<T>(bits).table_size() + InPlace<T>(bits).table_size();
-  if (bits >= kLong<T>) return Columns<T>(bits).table_size();
-  return with_passes<T>(bits, [](auto passes) { return passes.table_size(); });
+  if (bits < kLong<T>) return with_passes<T>(bits, [](auto passes) { return passes.table_size(); });
+  const size_t own = bits < kInPlace ? Columns<T>(bits).table_size() : InPlace<T>(bits).table_size();
+  return Convolver<T>(bits).table_size() + own;
 }
 template <class T> size_t work_size(int bits) {
   if (bits >= kInPlace) return InPlace<T>(bits).work_size();
@@ -142,15 +142,17 @@ template <class T> size_t work_size(int bits) {
   return with_passes<T>(bits, [](auto passes) { return passes.work_size(); });
 }
 template <class T> void fill_table(int bits, const TripleTable<T>& roots, T* table) {
-  if (bits >= kInPlace) InPlace<T>(bits).fill(roots, table + Columns<T>(bits).table_size());
-  if (bits >= kLong<T>) return Columns<T>(bits).fill(roots, table);
-  with_passes<T>(bits, [&](auto passes) { passes.fill(roots, table); });
+  if (bits < kLong<T>) return with_passes<T>(bits, [&](auto passes) { passes.fill(roots, table); });
+  const Convolver<T> convolver(bits);
+  convolver.fill(roots, table);
+  T* const own = table + convolver.table_size();
+  bits < kInPlace ? Columns<T>(bits).fill(roots, own) : InPlace<T>(bits).fill(roots, own);
 }
 template <class T, bool kInverse> void run_long(int bits, const T* table, T* data, T* work, T scale) {
-  Columns<T>(bits).template run<kInverse>(table, data, work, scale);
+  Columns<T>(bits).template run<kInverse>(table + Convolver<T>(bits).table_size(), data, work, scale);
 }
 template <class T, bool kInverse> void run_in_place(int bits, const T* table, T* data, T* work, T scale) {
-  InPlace<T>(bits).template run<kInverse>(table + Columns<T>(bits).table_size(), data, work, scale);
+  InPlace<T>(bits).template run<kInverse>(table + Convolver<T>(bits).table_size(), data, work, scale);
 }
 // A function for each length: a short transform takes less time than finding its way through a common one.
 template <class T, bool kInverse> Transform<T> transform_of(int bits) {

@@ -28,12 +28,6 @@ template <class D> HWY_INLINE void store_block(D d, ComplexOf<D> z, hn::TFromD<D
   hn::StoreU(z.re, d, re);
   hn::StoreU(z.im, d, re + kLanes<D>);
 }
-// The same at an aligned address, past the caches.
-template <class D> HWY_INLINE void stream_block(D d, ComplexOf<D> z, hn::TFromD<D>* x, size_t k) {
-  hn::TFromD<D>* const re = x + 2 * kLanes<D> * k;
-  hn::Stream(z.re, d, re);
-  hn::Stream(z.im, d, re + kLanes<D>);
-}
 template <class D> HWY_INLINE ComplexOf<D> broadcast(D d, const hn::TFromD<D>* pair) {
   return {hn::Set(d, pair[0]), hn::Set(d, pair[1])};
 }
