@@ -60,6 +60,7 @@ template <size_t kWidth, class T> void phasor(T* y, size_t n, double w, double p
     }
     for (size_t k = 0; k < kWidth * length; k += kTile) {
       constexpr size_t kShare = kWidth * kRestart / kSide;
+      static_assert(kShare % kTile == 0, "every start of the next blocks has its turn");
       if (k % kShare == 0) starts.compute(k / kShare, next + k / kShare * kRestart);
       for (size_t b = 0; k % kLine == 0 && b < kSide; ++b) hwy::Prefetch(from + kWidth * ahead + k * kSide + b * kLine);
       for (size_t i = 0; i < kTile; i += kWidth) {
