@@ -119,10 +119,9 @@ void convolve_short(D d, const ComplexTables<T>& tables, const Convolutions<T, S
   });
 }
 
-// For two kernels at once, as real_chirp has them.
-template <class T> size_t work_size(const ComplexTables<T>& tables) {
+template <class T> size_t work_size(const ComplexTables<T>& tables, size_t kernels) {
   const size_t points = size_t{2} << tables.bits;
-  return 2 * points + (tables.bits < kLong<T> ? points : Convolver<T>(tables.bits).work_size());
+  return kernels * points + (tables.bits < kLong<T> ? points : Convolver<T>(tables.bits).work_size());
 }
 
 template <class T> void spectrum(const ComplexTables<T>& tables, T* data, T* work) {

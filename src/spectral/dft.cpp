@@ -20,12 +20,14 @@ namespace {
 // Lengths that are no power of two, after Bluestein: jk = (j^2 + k^2 - (k-j)^2) / 2 turns the transform into a product
 // with a chirp, a convolution with the conjugate chirp, which transforms of M points compute, and a product again.
 // Kept for the forward direction of one length; the inverse multiplies by the conjugates, because the chirp's kernel is
-// even and so is its spectrum. Guarded by the work lock.
+// even and so is its spectrum. Each spectrum is built when the first vector comes that needs it. Guarded by the work
+// lock.
+enum class Order { kNone, kNatural, kOwn };
 template <class T> struct Bluestein {
   Vector<T> chirp;   // e^(-i pi k^2/N), N points
-  Vector<T> kernel;  // spectrum of the conjugate chirp, mirrored, M points
-  int32_t length;    // N, 0 while the two vectors are not built
-  bool natural;      // the order of the spectrum: that of dspi_fft, or the engine's own
+  int32_t length;    // N, 0 while there is no chirp
+  Vector<T> kernel;  // for complex points, the spectrum of the conjugate chirp, mirrored, M points
+  Order order;       // in which it stands, that of dspi_fft or the engine's own; none while it is not built
   T* halves;         // for real samples, spectra of M/2 points, null while they are not built
 };
 template <class T> constinit Bluestein<T> bluestein{};
@@ -45,7 +47,7 @@ template <class T> Status build_chirp(Vector<T>& chirp, int32_t length) {
   return kSuccess;
 }
 
-template <class T> Status build_kernel(Vector<T>& kernel, const Vector<T>& chirp, bool natural) {
+template <class T> Status build_kernel(Vector<T>& kernel, const Vector<T>& chirp, Order order) {
   const size_t m = convolution_length(chirp.points);
   SIGVEX_TRY(shape<T>(kernel, m, 1));
   SIGVEX_TRY(dspi::zero<T>(kernel));
@@ -55,21 +57,34 @@ template <class T> Status build_kernel(Vector<T>& kernel, const Vector<T>& chirp
     set_point<T>(kernel, k, {z.re, -z.im});
     set_point<T>(kernel, m - k, {z.re, -z.im});
   }
-  return natural ? dspi::fft<T>(kernel, 1) : kernel_spectrum<T>(kernel.data, m);
+  return order == Order::kNatural ? dspi::fft<T>(kernel, 1) : kernel_spectrum<T>(kernel.data, m);
 }
 
-template <class T> void drop(Bluestein<T>& work) {
+template <class T> Status drop_kernel(Bluestein<T>& work) {
+  work.order = Order::kNone;
+  return dsp::destroy<T>(work.kernel);
+}
+
+// All but the chirp's storage, which the next length takes over.
+template <class T> Status drop(Bluestein<T>& work) {
   work.length = 0;
   std::free(std::exchange(work.halves, nullptr));
+  return drop_kernel<T>(work);
 }
 
-template <class T> Status prepare(Bluestein<T>& work, int32_t length, bool natural) {
-  if (work.length == length && work.natural == natural) return kSuccess;
-  drop<T>(work);
+template <class T> Status prepare(Bluestein<T>& work, int32_t length) {
+  if (work.length == length) return kSuccess;
+  SIGVEX_TRY(drop<T>(work));
   SIGVEX_TRY(build_chirp<T>(work.chirp, length));
-  SIGVEX_TRY(build_kernel<T>(work.kernel, work.chirp, natural));
   work.length = length;
-  work.natural = natural;
+  return kSuccess;
+}
+
+template <class T> Status prepare_kernel(Bluestein<T>& work, Order order) {
+  if (work.order == order) return kSuccess;
+  SIGVEX_TRY(drop_kernel<T>(work));
+  SIGVEX_TRY(build_kernel<T>(work.kernel, work.chirp, order));
+  work.order = order;
   return kSuccess;
 }
 
@@ -77,11 +92,12 @@ template <class T> Status prepare(Bluestein<T>& work, int32_t length, bool natur
 bool holds_half(size_t m, size_t n) { return n + n / 2 <= m; }
 
 // Of the conjugate chirp, for M/2 points: where they hold half a transform its spectrum, the negative lags mirrored,
-// otherwise the two of RealChirp. Built when the first real vector of the length comes.
+// otherwise the two of RealChirp.
 template <class T> Status prepare_halves(Bluestein<T>& work) {
   if (work.halves) return kSuccess;
-  const size_t n = points<T>(work.chirp), m = points<T>(work.kernel) / 2;
-  std::unique_ptr<T, decltype(&std::free)> block(static_cast<T*>(std::calloc(4 * m, sizeof(T))), &std::free);
+  const size_t n = points<T>(work.chirp), m = convolution_length(work.length) / 2;
+  const size_t scalars = holds_half(m, n) ? 2 * m : 4 * m;
+  std::unique_ptr<T, decltype(&std::free)> block(static_cast<T*>(std::calloc(scalars, sizeof(T))), &std::free);
   if (!block) return kFailure;
   T *const first = block.get(), *const second = first + 2 * m;
   const auto put = [&](T* spectrum, size_t place, size_t lag) {
@@ -127,7 +143,8 @@ template <class T> Status chirp_transform(Vector<T>& v, bool inverse) {
   Bluestein<T>& work = bluestein<T>;
   const int32_t n = v.points, complex = v.complex;
   if (!fits(2 * convolution_length(n))) return exhausted<T>(v);
-  SIGVEX_TRY(prepare<T>(work, n, by_library));
+  SIGVEX_TRY(prepare<T>(work, n));
+  SIGVEX_TRY(prepare_kernel<T>(work, by_library ? Order::kNatural : Order::kOwn));
   if (by_library) return transform_by_steps<T>(v, work, inverse);
   SIGVEX_TRY(reshape<T>(v, points<T>(work.kernel), 1));
   const T factor = inverse ? T(1) : T(1) / static_cast<T>(n);
@@ -146,7 +163,7 @@ template <class T> Status real_chirp_transform(Vector<T>& v) {
   const int32_t n = v.points;
   const size_t m = convolution_length(n) / 2;
   if (!fits(4 * m)) return exhausted<T>(v);
-  SIGVEX_TRY(prepare<T>(work, n, false));
+  SIGVEX_TRY(prepare<T>(work, n));
   SIGVEX_TRY(prepare_halves<T>(work));
   SIGVEX_TRY(reshape<T>(v, 2 * m, 1));
   const T *const chirp = work.chirp.data, *const spectra = work.halves;
@@ -165,9 +182,8 @@ template <class T> Status real_chirp_transform(Vector<T>& v) {
 template <class T> Status release_dft() {
   const WorkLock lock;
   Bluestein<T>& work = bluestein<T>;
-  drop<T>(work);
-  SIGVEX_TRY(dsp::destroy<T>(work.chirp));
-  return dsp::destroy<T>(work.kernel);
+  SIGVEX_TRY(drop<T>(work));
+  return dsp::destroy<T>(work.chirp);
 }
 template Status release_dft<double>();
 template Status release_dft<float>();

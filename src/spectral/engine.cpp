@@ -41,11 +41,11 @@ template <class T> Status run_real(T* data, size_t n, bool inverse) {
       *tables->half, [&](T* work) { (inverse ? tables->inverse : tables->forward)(*tables, data, work, scale); });
 }
 
-// Calls f with the tables for convolutions of n points and the work space they need.
-template <class T, class F> Status with_work(size_t n, F f) {
+// Calls f with the tables for convolutions of n points and the work space that so many kernels need.
+template <class T, class F> Status with_work(size_t n, size_t kernels, F f) {
   const Lease<ComplexTables<T>> tables = complex_tables<T>(std::countr_zero(n));
   if (!tables) return kFailure;
-  return in_work_space<T>(tables->convolution_pool, convolution_kernels<T>().work_size(*tables),
+  return in_work_space<T>(tables->convolution_pools[kernels], convolution_kernels<T>().work_size(*tables, kernels),
                           [&](T* work) { f(*tables, work); });
 }
 
@@ -77,17 +77,17 @@ template <class T> Status real_inverse_transform(Vector<T>& v) {
 
 template <class T> Status kernel_spectrum(T* kernel, size_t n) {
   return with_work<T>(
-      n, [&](const ComplexTables<T>& tables, T* work) { convolution_kernels<T>().spectrum(tables, kernel, work); });
+      n, 0, [&](const ComplexTables<T>& tables, T* work) { convolution_kernels<T>().spectrum(tables, kernel, work); });
 }
 
 template <class T> Status convolve(size_t n, const Convolution<T>& c) {
   return with_work<T>(
-      n, [&](const ComplexTables<T>& tables, T* work) { convolution_kernels<T>().convolve(tables, c, work); });
+      n, 1, [&](const ComplexTables<T>& tables, T* work) { convolution_kernels<T>().convolve(tables, c, work); });
 }
 
 template <class T> Status real_chirp(size_t m, const RealChirp<T>& c) {
   return with_work<T>(
-      m, [&](const ComplexTables<T>& tables, T* work) { convolution_kernels<T>().real_chirp(tables, c, work); });
+      m, 2, [&](const ComplexTables<T>& tables, T* work) { convolution_kernels<T>().real_chirp(tables, c, work); });
 }
 
 #define SIGVEX_INSTANTIATE(T)                                 \

@@ -47,11 +47,11 @@ template <class T> struct ComplexTables : TableHead {
   size_t work_size;  // of one transform, in scalars
   const T* roots;
   Transform<T> forward, inverse;
-  mutable WorkspacePool pool, convolution_pool;
+  mutable WorkspacePool pool, convolution_pools[3];  // for convolutions by the number of kernels
 
   void release_parts() {
     pool.release();
-    convolution_pool.release();
+    for (WorkspacePool& each : convolution_pools) each.release();
   }
 };
 
