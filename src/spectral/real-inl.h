@@ -123,12 +123,13 @@ template <class T, size_t R, size_t C> struct RealInPairs {
 #endif
 
 // Whether a transform of 2^bits points and its split are one.
-template <class T> bool real_in_registers(int bits) { return kMaxLanes<T> >= 4 && bits >= 3 && bits <= 5; }
+template <class T> bool real_in_registers(int bits) { return kMaxLanes<T> >= 4 && bits >= 2 && bits <= 5; }
 
 // Calls f with the transform that is one with its split; false if there is none for 2^bits points.
 template <class T, class F> bool with_real_in_registers([[maybe_unused]] int bits, [[maybe_unused]] F f) {
 #if HWY_TARGET != HWY_SCALAR
   if constexpr (kMaxLanes<T> >= 4) {
+    if (bits == 2) return f(RealInPairs<T, 2, 2>()), true;
     if (bits == 3) return f(RealInPairs<T, 4, 2>()), true;
     if (bits == 4) return f(RealInPairs<T, 4, 4>()), true;
     if (bits == 5) return f(RealInPairs<T, 8, 4>()), true;
