@@ -995,7 +995,7 @@ DSP_API int32_t dspfi_irfft(dspf_vector *v);
 
 /**
  * Complex transform of any number of points: dspi_fft for a power of two, otherwise Bluestein's chirp transform. Fewer than
- * two points stay as they are.
+ * two points, or none, stay as they are; their delta becomes 1/delta.
  *   params   inverse: 0 forward, otherwise inverse
  *   sizes    points are kept; a chirp transform works in data, which owns room for M = 4 * 2^floor(log2(N - 1.5)) complex
  *            points afterwards
@@ -1005,7 +1005,7 @@ DSP_API int32_t dspfi_dft(dspf_vector *v, uint32_t inverse);
 
 /**
  * Forward transform of any number N of real samples.
- *   sizes    N/2 + 1 complex bins, N/2 rounded down; data as dspi_rfft or dspi_dft
+ *   sizes    N/2 + 1 complex bins, N/2 rounded down; no points stay none; data as dspi_rfft or dspi_dft
  *   fails    complex (untouched)
  */
 DSP_API int32_t dspi_rdft (dsp_vector  *v);
@@ -1014,7 +1014,7 @@ DSP_API int32_t dspfi_rdft(dspf_vector *v);
 /**
  * Inverse of dspi_rdft.
  *   params   odd: 0 when the samples were even in number, otherwise odd; the half spectrum does not say
- *   sizes    2 points - 2 real samples, with odd 2 points - 1
+ *   sizes    2 points - 2 real samples, with odd 2 points - 1; never below 0
  */
 DSP_API int32_t dspi_irdft (dsp_vector  *v, uint32_t odd);
 DSP_API int32_t dspfi_irdft(dspf_vector *v, uint32_t odd);
@@ -1041,7 +1041,8 @@ DSP_API int32_t dspfi_dct(dspf_vector *v, uint32_t flags);
 /**
  * Hilbert transform by the spectrum: bins of positive frequency times -i, of negative frequency times +i, bin 0 and for
  * even N bin N/2 set to 0. A cosine becomes a sine.
- *   keeps    points, form; delta to rounding
+ *   keeps    points, form
+ *   delta    kept to rounding, but that 0 becomes 1/(N huge)
  */
 DSP_API int32_t dspi_hilbert (dsp_vector  *v);
 DSP_API int32_t dspfi_hilbert(dspf_vector *v);
@@ -1050,7 +1051,7 @@ DSP_API int32_t dspfi_hilbert(dspf_vector *v);
  * Analytic signal: the real part is the signal, the imaginary part its Hilbert transform. The spectrum's positive
  * frequencies are doubled, the negative ones set to 0, bin 0 and for even N bin N/2 kept.
  *   sizes    as many complex points; fewer than two stay as they are
- *   delta    kept to rounding
+ *   delta    as dspi_hilbert
  */
 DSP_API int32_t dspi_analytic (dsp_vector  *v);
 DSP_API int32_t dspfi_analytic(dspf_vector *v);
@@ -1146,8 +1147,9 @@ DSP_API int32_t dspfi_window(dspf_vector *v, uint32_t type, uint32_t flags);
 /**
  * As dspi_window, with a parameter that counts when DSP_WINFLAG_PARAMETER is set (otherwise it is ignored):
  *   cosine sums, Uniform too, and cosine lobe
- *            the width of the window in samples, L > 0: L stands for N in the formula; the weight is 0 beyond |d| = L/2
- *   Kaiser   the width in samples, L > 0: L stands for N, beta is the type's; the weight is 1/I0(beta) beyond |d| = L/2
+ *            the width of the window in samples, L > 0 and finite: L stands for N in the formula; the weight is 0 beyond
+ *            |d| = L/2
+ *   Kaiser   the width in samples, as above: L stands for N, beta is the type's; the weight is 1/I0(beta) beyond |d| = L/2
  *   Gauss    p, as in dspi_window_gauss
  *   sinc     width, as in dspi_window_sinc; scale is pi
  *   Tukey    f, as in dspi_window_tukey
@@ -1165,8 +1167,8 @@ DSP_API int32_t dspfi_window2(dspf_vector *v, uint32_t type, uint32_t flags, flo
  *   gauss    width: p, the standard deviation as a fraction of the frame, not 0 or NaN; DSP_WINFLAG_PARAMETER is ignored
  *   kaiser   beta within +-460.51701859880916, for unity RMS within +-230.25850929940458 (float: twice the logarithm of
  *            huge, and once); DSP_WINFLAG_PARAMETER is refused
- *   sinc     width: not 0, the fraction of the frame at whose ends the argument is -scale and scale; scale in radians,
- *            scale/width finite; DSP_WINFLAG_PARAMETER is ignored
+ *   sinc     width: finite, not 0, the fraction of the frame at whose ends the argument is -scale and scale; scale in
+ *            radians, scale/width finite; DSP_WINFLAG_PARAMETER is ignored
  *   tukey    fraction: f, 0 (Uniform) to 1 (Hann); DSP_WINFLAG_PARAMETER is ignored
  *   keeps    points, form, delta; fewer than 1 point: nothing to do
  *   fails    normalisation 3, a parameter out of range or NaN, DSP_WINFLAG_ALTERNATIVE but for Tukey, a window whose
@@ -1713,8 +1715,8 @@ enum {
  *   state    brought to two real points, by zeros or by cutting; the count, which one that is negative or NaN starts
  *            afresh, goes up by one with each frame that succeeds, to 2^31 - 1 at the most (twin: 2^24)
  *   fails    averaging without accumulator or state, or with a state that shares storage with x, y or the accumulator
- *            (everything untouched); what dspi_window refuses; a frame of another length than those before (accumulator
- *            and count are kept); storage
+ *            (everything untouched); what dspi_window refuses; what dsph_avg refuses, as a frame of another number of bins
+ *            than those before (accumulator and count are kept); storage
  */
 DSP_API int32_t dsph_fft (const dsp_vector  *x, dsp_vector  *y, dsp_vector  *accumulator, dsp_vector  *state,
                            uint32_t type, uint32_t flags);
@@ -1756,8 +1758,8 @@ enum {
  *   sizes    A: the points of c; complex if A or the prepared c is. The first frame and DSP_AVG_LAST: the form of c
  *   delta    of A: of c in the first frame and for DSP_AVG_LAST, then the mean of the two
  *   alias    A may be the current result
- *   fails    A of another length than c (but for the first frame, DSP_AVG_LAST and modes above 6), after the first frame
- *            a reference beyond the last bin: A is untouched; storage
+ *   fails    A of another length than c (but for the first frame, DSP_AVG_LAST and modes above 6), for
+ *            DSP_AVG_SYNCHRONOUS after the first frame a reference beyond the last bin: A is untouched; storage
  */
 DSP_API int32_t dsph_avg (const dsp_vector  *current, dsp_vector  *accumulator, dsp_vector  *work, uint32_t flags,
                            int32_t count, int32_t reference, double weight, double length);
