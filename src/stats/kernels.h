@@ -4,10 +4,25 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
 #include "core/vector.h"
 
 namespace sigvex {
+
+// The bins of a histogram: from lo on, each of the width. A width of 0 counts what is lo.
+template <class T> struct Bins {
+  T lo, width;
+  int32_t n;
+};
+
+// Counts of a few bins. An increment waits for the last one of the same count, and samples that follow each other often
+// share a bin: each of eight in turn has a row of counts, its first for what has no bin. Rows differ in the last 12 bits
+// of their addresses, by which the CPU tells at first whether it must wait.
+struct Tally {
+  static constexpr size_t kTurns = 8, kMost = 511, kLine = 16;
+  uint32_t counts[kTurns][1 + kMost + kLine];
+};
 
 template <class T> struct StatsKernels {
   // Sums over n samples or points, under the block rule of stats/blocks.h; each block is one lane of a vector.
@@ -26,6 +41,13 @@ template <class T> struct StatsKernels {
   // true if there was one.
   using Improve = bool (*)(const T* x, size_t n, T& best);
   Improve largest, smallest, largest_point, smallest_point;
+
+  // The bin that each sample, or the magnitude of each point, falls into; -1 is none. Writes a multiple of 16.
+  using Find = void (*)(const T* x, size_t n, Bins<T> bins, int32_t* to);
+  Find bins_of_samples, bins_of_points;
+  // The same, counted into what `tally` holds.
+  using Count = void (*)(const T* x, size_t n, Bins<T> bins, Tally& tally);
+  Count count_samples, count_points;
 };
 
 template <class T> const StatsKernels<T>& stats_kernels();  // the best for this CPU

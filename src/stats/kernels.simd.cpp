@@ -14,6 +14,8 @@
 #include "core/limits.h"
 #include "core/streams-inl.h"
 #include "stats/blocks.h"
+#include "stats/guards-inl.h"
+#include "stats/histogram-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace sigvex::stats {
@@ -48,22 +50,6 @@ HWY_INLINE void block_sums(const T* x, size_t n, T* totals, Terms terms) {
     }
   };
   streams::side_by_side<kBlock, kWidth>(hn::CappedTag<T, 8>(), n, run);
-}
-
-// Whether Min and Max give their second operand where neither is strictly better: NaN and equal ones, zeros among them.
-constexpr bool kElseSecond = HWY_ARCH_X86 && HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128;
-
-// The guards of core/limits.h on lanes.
-template <class D, class V = hn::Vec<D>> HWY_INLINE V clamped(D d, V x) {
-  const V high = hn::Set(d, Limits<hn::TFromD<D>>::huge), low = hn::Neg(high);
-  if constexpr (kElseSecond) return hn::Max(hn::Min(high, x), low);
-  const V capped = hn::IfThenElse(hn::Gt(x, high), high, x);
-  return hn::IfThenElse(hn::Ge(capped, low), capped, low);
-}
-template <class D, class V = hn::Vec<D>> HWY_INLINE V magsq_capped(D d, V re, V im) {
-  const V high = hn::Set(d, Limits<hn::TFromD<D>>::huge);
-  const auto bounded = hn::And(hn::Le(hn::Abs(re), high), hn::Le(hn::Abs(im), high));
-  return hn::IfThenElse(bounded, re * re + im * im, high);
 }
 
 template <class T> void samples(const T* x, size_t n, Point<T>, T* totals) {
@@ -207,6 +193,10 @@ template <class T> const StatsKernels<T>* kernels() {
       .smallest = improve<1, Below, T>,
       .largest_point = improve<2, Above, T>,
       .smallest_point = improve<2, Below, T>,
+      .bins_of_samples = find_bins<1, T>,
+      .bins_of_points = find_bins<2, T>,
+      .count_samples = count_bins<1, T>,
+      .count_points = count_bins<2, T>,
   };
   return &table;
 }

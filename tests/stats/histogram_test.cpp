@@ -1,3 +1,4 @@
+#include "support/cpu_targets.h"
 #include "support/twin.h"
 
 namespace sigvex_test::histogram_test {
@@ -24,14 +25,22 @@ TEST_BOTH(Histogram, CountsByBinWithAnInclusiveTopEdge) {
       {{}, 0, 1, 2, {0, 0}},
       {Vec<T>(std::vector<T>(1300, 1)), 0, 1, 2, {0, 1300}},
   };
-  for (const auto& [input, lo, width, bins, expected] : rows) {
-    Vec<T> result = Vec<T>::pairs({{9, 9}}), itself(input), owner(input), reader = owner.view(), wanted(expected);
-    wanted->delta = static_cast<T>(width);
-    EXPECT_EQ(hist(input, result, lo, width, bins) + hist(itself, itself, lo, width, bins), 0);
-    EXPECT_EQ(hist(reader, owner, lo, width, bins), 0);
-    EXPECT_TRUE(same(result, wanted) && same(itself, wanted) && same(owner, wanted))
-        << lo << ' ' << width << ' ' << bins;
-  }
+  for_each_cpu_target([&](const char* target) {
+    for (const auto& [input, lo, width, bins, expected] : rows) {
+      Vec<T> result = Vec<T>::pairs({{9, 9}}), itself(input), owner(input), reader = owner.view(), wanted(expected);
+      wanted->delta = static_cast<T>(width);
+      EXPECT_EQ(hist(input, result, lo, width, bins) + hist(itself, itself, lo, width, bins), 0);
+      EXPECT_EQ(hist(reader, owner, lo, width, bins), 0);
+      EXPECT_TRUE(same(result, wanted) && same(itself, wanted) && same(owner, wanted))
+          << target << ' ' << lo << ' ' << width << ' ' << bins;
+      // So many that they are counted in turns.
+      std::vector<T> repeated;
+      for (int k = 0; k < 301; ++k) repeated.insert(repeated.end(), input->data, input->data + input.size());
+      EXPECT_EQ(hist(Vec<T>(repeated, input->complex), result, lo, width, bins), 0);
+      for (size_t k = 0; k < wanted.size(); ++k)
+        EXPECT_EQ(result[k], 301 * wanted[k]) << target << ' ' << lo << ' ' << k;
+    }
+  });
 }
 
 // In single precision the tolerance of the top edge spans whole bins here: they must not be counted behind the last.
