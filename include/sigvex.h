@@ -108,7 +108,8 @@ DSP_API int32_t dspf_realloc(dspf_vector *v, int32_t old_points, int32_t old_com
  * set before other threads use the library. In the hooks points and complex have their new values, allocated its old.
  *   alloc    must leave in data a block for the record's points and form, or null, and dispose of an owned old block
  *   free     must release data; called only for records that own it
- *   realloc  must leave in data a block for the record's points and form that holds the previous contents, or null
+ *   realloc  must leave in data a block for the record's points and form that holds the previous contents, or null; of
+ *            a view it finds null there, and the samples viewed are copied into the block afterwards
  */
 typedef int32_t (*dsp_alloc_hook)(dsp_vector *v);
 typedef int32_t (*dsp_free_hook)(dsp_vector *v);
@@ -187,6 +188,7 @@ DSP_API int32_t dspf_cmp(const dspf_vector *a, const dspf_vector *b, float  tole
 
 /**
  * Converts to single precision, each sample and delta rounded to nearest. The twin has nothing to convert and copies.
+ *   alias    the twin's records may share storage, as for dsp_copy
  *   fails    source and destination are one record (untouched); storage
  */
 DSP_API int32_t dspu_tof (const dsp_vector  *source, dspf_vector *destination);
@@ -522,6 +524,7 @@ DSP_API int32_t dspfi_ptor(dspf_vector *v);
 
 /**
  * a + b. The shorter input counts as extended by zeros; the result has the longer length.
+ *   alias    as above, but to a shorter input a shared block is left only if that owns it
  *   fails    storage only
  */
 DSP_API int32_t dspb_add (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
@@ -529,6 +532,7 @@ DSP_API int32_t dspfb_add(const dspf_vector *a, const dspf_vector *b, dspf_vecto
 
 /**
  * a - b. The shorter input counts as extended by zeros; the result has the longer length.
+ *   alias    as above, but to a shorter input a shared block is left only if that owns it
  *   fails    storage only
  */
 DSP_API int32_t dspb_sub (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
@@ -600,7 +604,7 @@ DSP_API int32_t dspfb_inter(const dspf_vector *a, const dspf_vector *b, dspf_vec
  *   delta    a's
  *   alias    the result may be an input or share storage with one, and the inputs are then copied first; a block that
  *            another input owns is left to it
- *   fails    storage
+ *   fails    storage (the result is then empty, or as it was where a copy of an input failed)
  */
 DSP_API int32_t dspb_pmul (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
 DSP_API int32_t dspfb_pmul(const dspf_vector *a, const dspf_vector *b, dspf_vector *result);

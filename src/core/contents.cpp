@@ -1,6 +1,7 @@
 // dsp_append dsp_copy dsp_copy_at_most dspu_subvec dsp_insert_subvec dsp_cmp dspu_tof
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 
 #include "core/exports.h"
 #include "core/scratch.h"
@@ -77,10 +78,14 @@ template <class T> Status subvec(const Vector<T>& source, Vector<T>& destination
 
 template <class T> Status tof(const Vector<T>& source, Vector<float>& destination) {
   if (static_cast<const void*>(&source) == &destination) return kFailure;
-  destination.delta = static_cast<float>(source.delta);
-  SIGVEX_TRY(shape<float>(destination, points<T>(source), source.complex));
-  for (size_t k = 0, n = size<T>(source); k < n; ++k) destination.data[k] = static_cast<float>(source.data[k]);
-  return kSuccess;
+  if constexpr (std::is_same_v<T, float>) {
+    return subvec<T>(source, destination, 0, source.points);
+  } else {
+    destination.delta = static_cast<float>(source.delta);
+    SIGVEX_TRY(shape<float>(destination, points<T>(source), source.complex));
+    for (size_t k = 0, n = size<T>(source); k < n; ++k) destination.data[k] = static_cast<float>(source.data[k]);
+    return kSuccess;
+  }
 }
 
 }  // namespace dspu

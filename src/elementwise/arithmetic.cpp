@@ -6,7 +6,6 @@
 
 #include "core/exports.h"
 #include "core/limits.h"
-#include "core/scratch.h"
 #include "elementwise/blocks.h"
 #include "elementwise/kernels.h"
 #include "elementwise/operations.h"
@@ -33,14 +32,14 @@ template <class T> Status offset(Vector<T>& v, T offset) {
 template <class T> Status cscale(Vector<T>& v, T re, T im) {
   const TimesComplex<T> f{re, im};
   if (v.complex) return each_point<T>(v, f);
-  SIGVEX_TRY(reshape<T>(v, points<T>(v), 1));
+  SIGVEX_TRY(spread<T>(v));
   map_blocks<T>(v.data, v.data, points<T>(v), f);
   return kSuccess;
 }
 
 template <class T> Status timesi(Vector<T>& v) {
   if (v.complex) return each_point<T>(v, [](Point<T> z) -> Point<T> { return {-z.im, z.re}; });
-  SIGVEX_TRY(reshape<T>(v, points<T>(v), 1));
+  SIGVEX_TRY(spread<T>(v));
   math_kernels<T>().weave(nullptr, v.data, v.data, points<T>(v));
   return kSuccess;
 }

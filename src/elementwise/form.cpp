@@ -4,7 +4,6 @@
 
 #include "core/exports.h"
 #include "core/limits.h"
-#include "core/scratch.h"
 #include "elementwise/kernels.h"
 #include "elementwise/operations.h"
 #include "elementwise/rules.h"
@@ -28,7 +27,7 @@ template <class T> Status each_point_by(Vector<T>& v, typename MathKernels<T>::M
 
 template <class T> Status rtoc(Vector<T>& v) {
   if (v.complex) return kSuccess;
-  SIGVEX_TRY(reshape<T>(v, points<T>(v), 1));
+  SIGVEX_TRY(spread<T>(v));
   math_kernels<T>().weave(v.data, nullptr, v.data, points<T>(v));
   return kSuccess;
 }

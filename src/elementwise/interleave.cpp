@@ -28,7 +28,7 @@ Status weave(const Vector<T>& a, const Vector<T>& b, size_t n, int32_t complex, 
   }
   const size_t given = points<T>(a);  // the result may be an input
   result.delta = a.delta * T(0.5);
-  if (!fits(need)) return exhausted<T>(result);
+  if (!fits(n)) return exhausted<T>(result);
   const bool shared = result.data == a.data || result.data == b.data;
   SIGVEX_TRY(shared ? size_result<T>(a, b, n, complex, result) : reshape<T>(result, n, complex));
   put(a.data, b.data, result.data, given);

@@ -36,17 +36,18 @@ namespace dspb {
 template <class T> Status pmul(const Vector<T>& a, const Vector<T>& b, Vector<T>& result) {
   const size_t n = points<T>(a), m = points<T>(b), total = n > 0 && m > 0 ? n + m - 1 : 0;
   const int32_t complex = a.complex || b.complex;
-  result.delta = a.delta;
-  if (!fits(total * (complex ? 2 : 1))) return exhausted<T>(result);
-  if (overlap<T>(a, result) || overlap<T>(b, result)) {
+  const size_t need = total * (complex ? 2 : 1);
+  leave_to_owner<T>(a, result, need);
+  leave_to_owner<T>(b, result, need);
+  if (fits(need) && (overlap<T>(a, result) || overlap<T>(b, result))) {
     Scratch<T> x, y;
     SIGVEX_TRY(dsp::copy<T>(x, a));
     SIGVEX_TRY(dsp::copy<T>(y, b));
-    leave_to_owner<T>(a, result, 2 * total);
-    leave_to_owner<T>(b, result, 2 * total);
     return pmul<T>(x, y, result);
   }
+  result.delta = a.delta;
   result.complex = complex;
+  if (!fits(need)) return exhausted<T>(result);
   result.points = static_cast<int32_t>(total);
   SIGVEX_TRY(dspi::zero<T>(result));
   with_elements<T>(a, [&](auto x) {

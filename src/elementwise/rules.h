@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "core/limits.h"
+#include "core/scratch.h"
 #include "elementwise/products.h"
 
 namespace sigvex {
@@ -37,6 +38,13 @@ template <class T> Status each_real(Vector<T>& v, void (*kernel)(const T* x, T* 
   if (v.complex) return kFailure;
   kernel(v.data, v.data, points<T>(v));
   return kSuccess;
+}
+
+// Gives a real vector the form and the storage of a complex one, its samples not yet in their places; a negative count
+// stays what it is.
+template <class T> Status spread(Vector<T>& v) {
+  v.complex = 1;
+  return dsp::realloc<T>(v, v.points, 0);
 }
 
 // Calls f with the elements that move as one: samples, or whole points.

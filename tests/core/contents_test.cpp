@@ -92,6 +92,11 @@ TEST(Tof, RoundsEverySampleAndRefusesOneRecord) {
   for (const Vec<float>* v : {&destination, &copied}) EXPECT_TRUE(exactly(*v, {1.0F, 0.1F, kInf<float>}));
   EXPECT_EQ(destination->delta, 0.1F);
   EXPECT_EQ(dspfu_tof(copied, copied), -1);
+  Vec<float> inside = Vec<float>::over(copied->data + 1, 0);
+  inside->allocated = copied->points = 2;
+  EXPECT_EQ(dspfu_tof(copied, inside), 0);
+  EXPECT_TRUE(exactly(inside, {1.0F, 0.1F}));
+  inside->allocated = 0;
 }
 
 }  // namespace sigvex_test::contents_test

@@ -1,5 +1,6 @@
 #include "elementwise/inplace.h"
 #include "support/cpu_targets.h"
+#include "support/failing_storage.h"
 
 namespace sigvex_test::binary_test {
 
@@ -72,6 +73,7 @@ template <class T> Vec<T> sampled(T first, bool complex, size_t spare) {
 // The call gives what it gives on three records that share nothing, and leaves alone what is not the result's.
 template <class T> void expect_as_separate(const Operation<T>& operation, Vec<T>& a, Vec<T>& b, Vec<T>& result) {
   const T* const block = result->allocated > 0 ? result->data : nullptr;
+  const int32_t capacity = result->allocated;
   const Vec<T> kept_a = a, kept_b = b;
   Vec<T> expected;
   expected->delta = result->delta;
@@ -80,6 +82,7 @@ template <class T> void expect_as_separate(const Operation<T>& operation, Vec<T>
   if (status == 0) {
     EXPECT_TRUE(same(result, expected));
     EXPECT_GE(static_cast<size_t>(result->allocated), expected.size());
+    EXPECT_TRUE(result->data == block || capacity < expected->allocated);  // one that suffices is kept
   }
   for (const auto& [input, before] : {std::pair(&a, &kept_a), std::pair(&b, &kept_b)}) {
     if (input == &result || (*input)->allocated <= 0) continue;
@@ -221,6 +224,11 @@ TEST_BOTH(Binary, EachRuleAtItsEdges) {
     EXPECT_EQ(call(many, many, result), -1);
     EXPECT_TRUE(result->data == nullptr && result->points == 0 && result->delta < 9);
   }
+  Vec<T> factor{1, 2}, result{3, 4};
+  result->delta = 9;
+  const FailingStorage<T> none(0);  // not even for the copy of an input: everything stays
+  EXPECT_EQ(product(factor, result, result), -1);
+  EXPECT_TRUE(result->delta == 9 && exactly(result, {3, 4}));
 }
 
 }  // namespace sigvex_test::binary_test
