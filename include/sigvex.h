@@ -138,7 +138,7 @@ DSP_API int32_t dspf_lib_realloc(dspf_realloc_hook hook, dspf_realloc_hook *prev
  * Appends the source's points. A complex source makes a real destination complex first (imaginary parts 0.0); real
  * points enter a complex destination as (x, 0.0).
  *   keeps    the destination's delta; the source's is ignored
- *   alias    appending a vector to itself doubles it
+ *   alias    appending a vector to itself doubles it; source and destination may share storage
  *   fails    storage
  */
 DSP_API int32_t dsp_append (dsp_vector  *destination, const dsp_vector  *source);
@@ -581,7 +581,8 @@ DSP_API int32_t dspfb_min(const dspf_vector *a, const dspf_vector *b, dspf_vecto
  * Joins real parts a and imaginary parts b to a complex vector: point k is (a[k], b[k]).
  *   sizes    the points of the inputs, complex
  *   delta    half of a's
- *   alias    the result may be an input or share storage with one; a block that another input owns is left to it
+ *   alias    the result may be an input or share storage with one; another record over an input's block that has to
+ *            grow leaves the block to an input that owns it
  *   fails    a complex input, unequal point counts (everything untouched); storage
  */
 DSP_API int32_t dspb_ritoc (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
@@ -591,7 +592,8 @@ DSP_API int32_t dspfb_ritoc(const dspf_vector *a, const dspf_vector *b, dspf_vec
  * Interleaves two vectors point by point: a[0], b[0], a[1], b[1] ...
  *   sizes    twice the points of the inputs; complex if either input is, a real sample then counting as (x, 0)
  *   delta    half of a's
- *   alias    the result may be an input or share storage with one; a block that another input owns is left to it
+ *   alias    the result may be an input or share storage with one; another record over an input's block that has to
+ *            grow leaves the block to an input that owns it
  *   fails    unequal point counts (everything untouched); storage
  */
 DSP_API int32_t dspb_inter (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
@@ -602,8 +604,8 @@ DSP_API int32_t dspfb_inter(const dspf_vector *a, const dspf_vector *b, dspf_vec
  * result[i + j] += a[i] * b[j] over all pairs.
  *   sizes    points of a + points of b - 1, none if either input is empty; complex if either input is
  *   delta    a's
- *   alias    the result may be an input or share storage with one, and the inputs are then copied first; a block that
- *            another input owns is left to it
+ *   alias    the result may be an input or share storage with one, and the inputs are then copied first; another
+ *            record over an input's block that has to grow leaves the block to an input that owns it
  *   fails    storage (the result is then empty, or as it was where a copy of an input failed)
  */
 DSP_API int32_t dspb_pmul (const dsp_vector  *a, const dsp_vector  *b, dsp_vector  *result);
