@@ -71,7 +71,7 @@ Status resample(const Vector<T>& in, Vector<T>& out, size_t length, double ratio
 // The built-in kernels as tables. Constants once they are built, so that a call neither builds nor locks.
 template <class T> struct BuiltIn {
   std::atomic<bool> built;
-  alignas(64) T rows[(kMaxResampleSteps + 2) * kWeightRow];
+  alignas(64) T rows[(row_place(kMaxResampleSteps) + 1) * kWeightRow];
 };
 template <class T> constinit BuiltIn<T> built_ins[kResampleSets]{};
 
@@ -86,7 +86,10 @@ template <class T> Status build(uint32_t set) {
   SIGVEX_TRY(dspc::rsmp<T>(kernel, set));
   for (size_t row = 0; row <= steps; ++row) {
     for (size_t k = 0; k < length; ++k) {
-      table.rows[row * kWeightRow + weight_place(k, length)] = kernel.data[1 + (length - 1 - k) * steps + row];
+      const T* const w = kernel.data + (1 + (length - 1 - k) * steps + row);
+      T* const to = table.rows + (row_place(row) * kWeightRow + weight_place(k, length));
+      to[0] = w[0];
+      to[kGroup] = row < steps ? w[1] - w[0] : T(0);
     }
   }
   table.built.store(true, std::memory_order_release);

@@ -20,13 +20,17 @@ template <class T> struct ResampleBank {
 // Scalars that the kernels may read beyond the end of their arrays.
 inline constexpr size_t kResampleSlack = 16;
 
-// A row of a built-in kernel of 8 to 16 points: the weights of the first eight, then those of the last eight, where 0
-// stands for points that are among the first.
-inline constexpr size_t kGroup = 8, kWeightRow = 2 * kGroup;
-inline size_t weight_place(size_t k, size_t length) { return k < kGroup ? k : k + kWeightRow - length; }
+// A row of a built-in kernel of 8 to 16 points: the weights of the first eight and what those of the next row are more,
+// then both for the last eight, where 0 stands for points that are among the first.
+inline constexpr size_t kGroup = 8, kWeightRow = 4 * kGroup;
+inline size_t weight_place(size_t k, size_t length) { return k < kGroup ? k : k + 3 * kGroup - length; }
 
-// The rows for each of 2^step_bits steps between two samples, for the last step's end and one more of any finite
-// values; on a cache line.
+// Where a row stands, counted in rows: those at equal distances, which ratios of small numbers come back to, fall into
+// different sets of the first cache and stay there.
+constexpr size_t row_place(size_t row) { return row ^ row >> 5; }
+
+// The rows for each of 2^step_bits steps between two samples, 2 to 2^15 of them, and for the last one's end; on a cache
+// line, each at its place.
 template <class T> struct WeightTable {
   const T* rows;
   size_t length;

@@ -24,20 +24,19 @@ template <class T> T sum_of_group(const T* l) {
   return ((l[0] + l[1]) + (l[2] + l[3])) + ((l[4] + l[5]) + (l[6] + l[7]));
 }
 
-// y[k] = the sum of group k, for as many groups as a group has lanes.
-template <class T> HWY_INLINE void sums_of_groups(const T* lanes, T* y) {
-  const GroupTag<T> d;
-  constexpr size_t kLanes = hn::MaxLanes(d);
-  HWY_ALIGN T halves[2 * kGroup];
-  for (size_t k = 0; k < 2 * kGroup; k += kLanes) {
-    hn::Vec<decltype(d)> a, b, c, e;
-    hn::LoadInterleaved4(d, lanes + 4 * k, a, b, c, e);
-    hn::Store(hn::Add(hn::Add(a, b), hn::Add(c, e)), d, halves + k);
-  }
-  for (size_t k = 0; k < kGroup; k += kLanes) {
-    hn::Vec<decltype(d)> a, b;
-    hn::LoadInterleaved2(d, halves + 2 * k, a, b);
-    hn::StoreU(hn::Add(a, b), d, y + k);
+// The sums of neighbours, those in a and then those in b.
+#if HWY_TARGET == HWY_SCALAR
+template <class D> HWY_INLINE hn::Vec<D> sums_of_pairs(D, hn::Vec<D> a, hn::Vec<D> b) { return hn::Add(a, b); }
+#else
+template <class D> HWY_INLINE hn::Vec<D> sums_of_pairs(D d, hn::Vec<D> a, hn::Vec<D> b) {
+  return hn::Add(hn::ConcatEven(d, b, a), hn::ConcatOdd(d, b, a));
+}
+#endif
+
+// The sums of pairs in the first `from` vectors, of pairs of those and so on, in the first `to` in the end.
+template <class D> HWY_INLINE void add_pairs(D d, hn::Vec<D>* v, size_t from, size_t to) {
+  for (size_t n = from / 2; n >= to; n /= 2) {
+    for (size_t k = 0; k < n; ++k) v[k] = sums_of_pairs(d, v[2 * k], v[2 * k + 1]);
   }
 }
 
@@ -92,56 +91,161 @@ template <class T> void weigh(const T* x, size_t width, const T* w, size_t n, T*
         x, n, [w](size_t k) { return w[k]; }, y);
 }
 
-// Where an output's weights stand: in a row, and the part t of the way to the next one.
-template <class T, bool kLinear> class Row {
- public:
-  HWY_INLINE Row(const WeightTable<T>& table, Fixed place) {
-    constexpr int kDigits = 53;  // those of fraction()
-    const int below = kDigits - table.step_bits;
-    const uint64_t part = static_cast<uint64_t>(place >> (kFractionBits - kDigits)) & ((uint64_t{1} << kDigits) - 1);
-    const uint64_t half = kLinear ? 0 : uint64_t{1} << (below - 1);
-    a_ = table.rows + ((part + half) >> below) * kWeightRow;
-    const int64_t rest = static_cast<int64_t>(part & ((uint64_t{1} << below) - 1));
-    t_ = static_cast<T>(static_cast<double>(rest) / static_cast<double>(int64_t{1} << below));
-  }
+// What an output is made of: the points from x on, and weights the part t of the way from a row to the next one.
+template <class T, bool kLinear> struct Site {
+  const T *x, *row;
+  T t;
+
   // No fused product, so that the weights are those of scalar code.
-  template <class D> HWY_INLINE hn::Vec<D> at(D d, size_t k) const {
-    const auto low = hn::Load(d, a_ + k);
+  template <class D> HWY_INLINE hn::Vec<D> weights(D d, size_t place) const {
+    const auto low = hn::Load(d, row + place);
     if constexpr (!kLinear) return low;
-    else return hn::Add(low, hn::Mul(hn::Set(d, t_), hn::Sub(hn::Load(d, a_ + kWeightRow + k), low)));
+    else return hn::Add(low, hn::Mul(hn::Set(d, t), hn::Load(d, row + place + kGroup)));
   }
-  HWY_INLINE T at(size_t k) const { return kLinear ? a_[k] + t_ * (a_[kWeightRow + k] - a_[k]) : a_[k]; }
+  HWY_INLINE T weight(size_t place) const { return kLinear ? row[place] + t * row[place + kGroup] : row[place]; }
+};
+
+// A position in two halves, whose sums compilers keep in registers.
+struct Halves {
+  uint64_t high, low;
+  explicit HWY_INLINE Halves(Fixed x) : high(static_cast<uint64_t>(x >> 64)), low(static_cast<uint64_t>(x)) {}
+  HWY_INLINE void operator+=(const Halves& b) {
+    low += b.low;
+    high += b.high + (low < b.low ? 1 : 0);
+  }
+};
+constexpr int kHighBits = kFractionBits - 64;  // of the fraction, in the upper half
+
+// The parts t for kLanes positions side by side, each a step behind the last.
+template <class T> class Parts {
+ public:
+  static constexpr size_t kLanes = hn::MaxLanes(hn::CappedTag<uint64_t, kGroup>());
+
+  HWY_INLINE Parts(Fixed step, int step_bits) : step_bits_(step_bits) {
+    for (size_t bit = 1; bit < kLanes; bit *= 2) {
+      const auto odd = hn::TestBit(hn::Iota(kTag, 0), hn::Set(kTag, bit));
+      const Halves by(bit * step);
+      add(hn::IfThenElseZero(odd, hn::Set(kTag, by.high)), hn::IfThenElseZero(odd, hn::Set(kTag, by.low)), high_, low_);
+    }
+  }
+
+  // The digits below the rows' are those of a double from 1 to 2.
+  HWY_INLINE void store(Halves first, T* t) const {
+    const hn::RebindToFloat<decltype(kTag)> d;
+    auto high = hn::Set(kTag, first.high), low = hn::Set(kTag, first.low);
+    add(high_, low_, high, low);
+    const auto digits = hn::And(hn::Or(hn::ShiftLeft<64 - kHighBits>(high), hn::ShiftRight<kHighBits>(low)),
+                                hn::Set(kTag, ~uint64_t{0} << (64 - 53)));  // those of fraction()
+    const auto one = hn::BitCast(kTag, hn::Set(d, 1.0)),
+               above_one = hn::Or(hn::ShiftRight<12>(hn::ShiftLeftSame(digits, step_bits_)), one);
+    const auto part = hn::Sub(hn::BitCast(d, above_one), hn::BitCast(d, one));
+    if constexpr (sizeof(T) == sizeof(double)) hn::Store(part, d, t);
+    else hn::Store(hn::DemoteTo(hn::Rebind<T, decltype(d)>(), part), hn::Rebind<T, decltype(d)>(), t);
+  }
 
  private:
-  const T* a_;
-  T t_;
+  static constexpr hn::CappedTag<uint64_t, kGroup> kTag{};
+  using V = hn::Vec<decltype(kTag)>;
+  static HWY_INLINE void add(V b_high, V b_low, V& high, V& low) {
+    low = hn::Add(low, b_low);
+    high = hn::Sub(hn::Add(high, b_high), hn::VecFromMask(kTag, hn::Lt(low, b_low)));
+  }
+
+  int step_bits_;
+  V high_ = hn::Zero(kTag), low_ = hn::Zero(kTag);
+};
+
+// The sites of one output after the other. Points and rows are found in registers, from one to the next. The parts are
+// stored for a block at once: single ones are read at full speed only when the vectors they are in have left the core.
+template <class T, bool kLinear> class Sites {
+ public:
+  static constexpr size_t kBlock = 64;
+
+  HWY_INLINE Sites(const WeightTable<T>& table, const T* x, size_t width, Fixed place, Fixed step)
+      : x_(x),
+        width_(width),
+        rows_(table.rows),
+        below_(kHighBits - table.step_bits),
+        place_(place),
+        step_(step),
+        group_step_(Parts<T>::kLanes * step),
+        parts_(step, table.step_bits) {}
+
+  // Comes before the next n sites; n is at most a block.
+  HWY_INLINE void prepare(size_t n) {
+    if constexpr (kLinear) {
+      Halves first = place_;
+      for (size_t i = 0; i < n; i += Parts<T>::kLanes, first += group_step_) parts_.store(first, t_ + i);
+      next_ = t_;
+    }
+  }
+
+  HWY_INLINE Site<T, kLinear> next() {
+    const uint64_t fraction = place_.high & ((uint64_t{1} << kHighBits) - 1), half = kLinear ? 0 : 1;
+    const T* const x = x_ + (place_.high >> kHighBits) * width_;
+    const T* const row = rows_ + row_place((fraction + (half << below_ >> 1)) >> below_) * kWeightRow;
+    place_ += step_;
+    return {x, row, kLinear ? *next_++ : T(0)};
+  }
+
+ private:
+  const T* x_;
+  size_t width_;
+  const T* rows_;
+  int below_;
+  Halves place_, step_, group_step_;
+  Parts<T> parts_;
+  const T* next_ = nullptr;
+  HWY_ALIGN T t_[kBlock];
 };
 
 template <class T, bool kLinear, bool kTail>
 void interpolate_samples(const WeightTable<T>& table, const T* x, Fixed place, Fixed step, T* y, size_t n) {
   const GroupTag<T> d;
-  constexpr size_t kLanes = hn::MaxLanes(d);
-  const size_t tail = table.length - kGroup, among_first = kWeightRow - table.length;
-  HWY_ALIGN T lanes[kGroup * kGroup] = {};
-  const auto group = [&](size_t i) HWY_ATTR {
-    const Row<T, kLinear> row(table, place);
-    const T* const from = x + whole(place);
-    for (size_t k = 0; k < kGroup; k += kLanes) {
-      auto lane = hn::Mul(hn::LoadU(d, from + k), row.at(d, k));
-      if constexpr (kTail) {
-        const auto done = hn::FirstN(d, among_first > k ? std::min(kLanes, among_first - k) : 0);
-        lane = hn::MulAdd(hn::IfThenZeroElse(done, hn::LoadU(d, from + tail + k)), row.at(d, kGroup + k), lane);
-      }
-      hn::Store(lane, d, lanes + i * kGroup + k);
-    }
-    place += step;
-  };
-  for (; n >= kGroup; n -= kGroup, y += kGroup) {
-    for (size_t i = 0; i < kGroup; ++i) group(i);
-    sums_of_groups(lanes, y);
+  constexpr size_t kLanes = hn::MaxLanes(d), kVectors = kGroup / kLanes;
+  const size_t tail = table.length - kGroup, among_first = 2 * kGroup - table.length;
+  hn::Mask<decltype(d)> fresh[kVectors];
+  for (size_t k = 0; k < kVectors; ++k) {
+    const size_t first = k * kLanes, done = among_first > first ? std::min(kLanes, among_first - first) : 0;
+    fresh[k] = hn::Not(hn::FirstN(d, done));
   }
-  for (size_t i = 0; i < n; ++i) group(i);
-  for (size_t i = 0; i < n; ++i) y[i] = sum_of_group(lanes + i * kGroup);
+  Sites<T, kLinear> sites(table, x, 1, place, step);
+  const auto output = [&]() HWY_ATTR {
+    const Site<T, kLinear> site = sites.next();
+    hn::Vec<decltype(d)> lanes[kVectors];
+    for (size_t k = 0; k < kVectors; ++k) {
+      const size_t at = k * kLanes;
+      lanes[k] = hn::Mul(hn::LoadU(d, site.x + at), site.weights(d, at));
+      if constexpr (kTail) {
+        lanes[k] = hn::MulAdd(hn::IfThenElseZero(fresh[k], hn::LoadU(d, site.x + tail + at)),
+                              site.weights(d, 2 * kGroup + at), lanes[k]);
+      }
+    }
+    add_pairs(d, lanes, kVectors, 1);
+    return lanes[0];
+  };
+  const auto store_sums = [&](hn::Vec<decltype(d)>* outputs, T* to) HWY_ATTR {
+    add_pairs(d, outputs, kGroup, kVectors);
+    for (size_t k = 0; k < kVectors; ++k) hn::StoreU(outputs[k], d, to + k * kLanes);
+  };
+  while (n > 0) {
+    const size_t block = std::min(n, sites.kBlock), whole = block / kGroup * kGroup;
+    sites.prepare(block);
+    for (size_t m = 0; m < whole; m += kGroup) {
+      hn::Vec<decltype(d)> outputs[kGroup];
+      for (size_t i = 0; i < kGroup; ++i) outputs[i] = output();
+      store_sums(outputs, y + m);
+    }
+    if (whole < block) {
+      hn::Vec<decltype(d)> outputs[kGroup] = {};
+      T last[kGroup];
+      for (size_t i = 0; i < block - whole; ++i) outputs[i] = output();
+      store_sums(outputs, last);
+      std::copy_n(last, block - whole, y + whole);
+    }
+    y += block;
+    n -= block;
+  }
 }
 
 template <class T, bool kLinear>
@@ -150,10 +254,12 @@ void interpolate_all(const WeightTable<T>& table, const T* x, size_t width, Fixe
     return table.length == kGroup ? interpolate_samples<T, kLinear, false>(table, x, place, step, y, n)
                                   : interpolate_samples<T, kLinear, true>(table, x, place, step, y, n);
   }
-  for (; n > 0; --n, place += step, y += 2) {
-    const Row<T, kLinear> row(table, place);
+  Sites<T, kLinear> sites(table, x, width, place, step);
+  for (size_t m = 0; m < n; ++m, y += 2) {
+    if (m % sites.kBlock == 0) sites.prepare(std::min(n - m, sites.kBlock));
+    const Site<T, kLinear> site = sites.next();
     weighted_point(
-        x + 2 * whole(place), table.length, [&](size_t k) { return row.at(weight_place(k, table.length)); }, y);
+        site.x, table.length, [&](size_t k) { return site.weight(weight_place(k, table.length)); }, y);
   }
 }
 
