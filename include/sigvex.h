@@ -1349,7 +1349,8 @@ DSP_API int32_t dspfs_gmean(const dspf_vector *v, dspf_vector *result);
 /**
  * Harmonic mean: n / S, S being the sum of the reciprocals. Form of v.
  *   real     0.0 if a sample is 0.0; huge if S is 0.0
- *   complex  parts clamped; 1 / |z|^2 counts as huge where z is 0, and 1 / |S|^2 where S is 0 or NaN
+ *   complex  parts clamped; 1 / |z|^2 counts as huge where |z|^2 is 0 (also by underflow), and 1 / |S|^2 where that is 0
+ *            or NaN
  *   returns  0; no points give 0.0
  */
 DSP_API int32_t dsps_hmean (const dsp_vector  *v, dsp_vector  *result);
@@ -1854,8 +1855,9 @@ DSP_API int32_t dspfc_fir2(dspf_vector *v, int32_t set);
  *   alias    output, input and the other records may be one or share storage: the output is then built aside and copied
  *            in at the end. An output that is the state takes its place
  *   fails    storage: an output apart from the input is then empty or half computed, one that is the input, or shares
- *            storage with it, is as it was; the state has its length, form and delta, but not the block. Where only the copy
- *            at the end fails, as such an output is a view or too small, the output is empty and the state has the block
+ *            storage with it, is as it was; the state has at most its length, form and delta, not the block. Where only the
+ *            copy at the end fails, as such an output is a view or too small, the output is empty and the state has the
+ *            block
  */
 
 /**
@@ -2340,9 +2342,9 @@ DSP_API int32_t dspff_fclose(FILE *stream);
  *   returns  1 a vector was read; 0 at the end of the input: the vector then has 0 points; -1 failure
  *   fails    in a binary record: unknown magic, values of a size other than 4 and 8, an end before the last value (the
  *            vector keeps the fields and values that came, the other values being 0.0, unless more than 2^20 points are
- *            claimed: storage then grows with the data, and is given up); in text: what is not a number, fewer values
- *            than declared (the vector keeps what came before); an input error; storage. The stream is left where the
- *            failure was found.
+ *            claimed: storage then grows with the data, and is given up); in text: what is not a number, another
+ *            number of values than declared (the vector keeps what came before); an input error; storage. The stream is
+ *            left where the failure was found.
  */
 DSP_API int32_t dspf_fread (dsp_vector  *v, FILE *stream);
 DSP_API int32_t dspff_fread(dspf_vector *v, FILE *stream);
