@@ -17,8 +17,8 @@ template <class T> struct Bins {
 };
 
 // Counts of a few bins. An increment waits for the last one of the same count, and samples that follow each other often
-// share a bin: each of eight in turn has a row of counts, its first for what has no bin. Rows differ in the last 12 bits
-// of their addresses, by which the CPU tells at first whether it must wait.
+// share a bin: each of eight in turn has a row of counts, its first for what has no bin. Rows differ in the last 12
+// bits of their addresses, by which the CPU tells at first whether it must wait.
 struct Tally {
   static constexpr size_t kTurns = 8, kMost = 511, kLine = 16;
   uint32_t counts[kTurns][1 + kMost + kLine];
