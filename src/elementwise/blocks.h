@@ -5,6 +5,7 @@
 
 #include <type_traits>
 
+#include "core/fetch.h"
 #include "core/vector.h"
 
 namespace sigvex {
@@ -44,9 +45,8 @@ template <class T> class Block<Point<T>> {
  public:
   Block() = default;
   Block(const T* from, size_t k) {
-    constexpr size_t kLine = 64, kAhead = 1024;  // bytes: the CPU fetches too late for loads that come in twos
-    const auto* const at = reinterpret_cast<const char*>(from + 2 * k);
-    for (size_t i = 0; i < 2 * kBlock * sizeof(T); i += kLine) __builtin_prefetch(at + i + kAhead);
+    constexpr size_t kAhead = 16 * kCacheLine<T>;  // the CPU fetches too late for loads that come in twos
+    for (size_t i = 0; i < 2 * kBlock; i += kCacheLine<T>) fetch(from, 2 * k + kAhead + i);
     for (size_t i = 0; i < kBlock; ++i) {
       re_[i] = from[2 * (k + i)];
       im_[i] = from[2 * (k + i) + 1];

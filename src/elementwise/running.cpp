@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "core/exports.h"
+#include "core/fetch.h"
 #include "core/limits.h"
 #include "elementwise/operations.h"
 
@@ -61,10 +62,10 @@ template <class T, class F> Status differences(Vector<T>& v, F rule) {
   const size_t width = v.complex ? 2 : 1, n = size<T>(v);
   T* const x = v.data;
   on_widest_vectors(n, [=] {
-    constexpr size_t kSome = 1024 / sizeof(T), kLine = 64 / sizeof(T), kAhead = 6 * kSome;
+    constexpr size_t kSome = 16 * kCacheLine<T>, kAhead = 6 * kSome;
     for (size_t end = n, first; end > width; end = first) {
       first = end > width + kSome ? end - kSome : width;
-      for (size_t k = 0; k < kSome; k += kLine) __builtin_prefetch(x + first - kAhead + k);
+      for (size_t k = 0; k < kSome; k += kCacheLine<T>) fetch(x, first - kAhead + k);
       for (size_t k = end; k-- > first;) x[k] = rule(x[k] - x[k - width]) * rate;
     }
   });

@@ -5,12 +5,12 @@
 #define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "stats/kernels.simd.cpp"
-#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
 #include <algorithm>
 
+#include "core/fetch.h"
 #include "core/limits.h"
 #include "core/streams-inl.h"
 #include "stats/blocks.h"
@@ -31,7 +31,7 @@ HWY_INLINE void block_sums(const T* x, size_t n, T* totals, Terms terms) {
   std::fill_n(totals, kSums, T(0));
   const auto run = [&](auto d, size_t first, size_t blocks, size_t length, auto at) HWY_ATTR {
     using D = decltype(d);
-    constexpr size_t kPiece = streams::kPiece<D>, kTile = std::max(kWidth, kPiece), kLine = 64 / sizeof(T),
+    constexpr size_t kPiece = streams::kPiece<D>, kTile = std::max(kWidth, kPiece), kLine = kCacheLine<T>,
                      kLanes = hn::MaxLanes(D());
     const T* const from = x + kWidth * first;
     const size_t ahead = n - first >= 2 * blocks * kBlock ? kWidth * blocks * kBlock : 0;  // to the next blocks
@@ -39,7 +39,7 @@ HWY_INLINE void block_sums(const T* x, size_t n, T* totals, Terms terms) {
     for (auto& s : sum) s = hn::Zero(d);
     const auto add = [&sum](size_t s, auto term) HWY_ATTR { sum[s] = sum[s] + term; };
     for (size_t k = 0; k < kWidth * length; k += kTile) {
-      for (size_t b = 0; k % kLine == 0 && b < kLanes; ++b) hwy::Prefetch(from + ahead + k * kLanes + b * kLine);
+      for (size_t b = 0; k % kLine == 0 && b < kLanes; ++b) fetch(from, ahead + k * kLanes + b * kLine);
       for (size_t i = 0; i < kTile; i += kPiece) streams::load(d, from + k + i, at, y + i);
       for (size_t i = 0; i < kTile; i += kWidth) terms(d, y + i, add);
     }
@@ -156,8 +156,8 @@ template <size_t kWidth, class Better, class T> bool improve(const T* x, size_t 
     auto strange = hn::Ne(hn::Zero(d), hn::Zero(d));
     for (auto& t : top) t = hn::Set(d, best);
     for (; n >= kVectors * kLanes; n -= kVectors * kLanes, x += kWidth * kVectors * kLanes) {
-      constexpr size_t kLine = 64 / sizeof(T), kAhead = 16 * kLine;  // the CPU fetches too late for points
-      for (size_t i = 0; i < kWidth * kVectors * kLanes; i += kLine) hwy::Prefetch(x + kAhead + i);
+      constexpr size_t kLine = kCacheLine<T>, kAhead = 16 * kLine;  // the CPU fetches too late for points
+      for (size_t i = 0; i < kWidth * kVectors * kLanes; i += kLine) fetch(x, kAhead + i);
       for (size_t i = 0; i < kVectors; ++i) {
         const auto y = level(d, x + kWidth * i * kLanes, width);
         top[i] = better.lanes(y, top[i]);
