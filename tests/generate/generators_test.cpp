@@ -28,7 +28,7 @@ template <class T> std::vector<std::complex<T>> phasors(int n, T delta, double f
 
 TEST_BOTH(Generators, OscillatorsTurnAndRestartExactlyOnEveryTarget) {
   for_each_cpu_target([](const char* target) {
-    for (const int n : {0, 1, 255, 256, 257, 1023, 1024, 1025, 2303, 6000}) {
+    for (const int n : {0, 1, 255, 256, 257, 1023, 1024, 1025, 2303, 17000}) {
       const std::vector<std::complex<T>> expected = phasors<T>(n, T(0.01), 3.7, 0.3);
       for (const bool wide : {false, true}) {
         Vec<T> cosine = Vec<T>::over(nullptr, n, wide, T(0.01)), turning = Vec<T>::over(nullptr, n, wide, T(0.01));
