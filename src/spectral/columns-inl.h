@@ -131,51 +131,20 @@ HWY_INLINE void column_pass_back(Radix<R>, D d, size_t rows, const hn::TFromD<D>
   }
 }
 
-// The last pass, the product with a spectrum that stands in the same order, and the first pass back.
-template <size_t R, class D, class T = hn::TFromD<D>>
-HWY_INLINE void column_turn(Radix<R>, D d, const T* HWY_RESTRICT spectrum, T* HWY_RESTRICT block, hn::VFromD<D> sign) {
-  ComplexOf<D> x[R];
-  for (size_t k = 0; k < R; ++k) x[k] = load_block(d, block, k);
-  transform(d, x);
-  for (size_t k = 0; k < R; ++k) {
-    ComplexOf<D> w = load_block(d, spectrum, k);
-    w.im = hn::Mul(w.im, sign);
-    const ComplexOf<D> y = x[k] * w;
-    x[k] = {y.im, y.re};
-  }
-  transform(d, x);
-  for (size_t k = 0; k < R; ++k) store_block(d, x[k], block, k);
-}
+enum class Way { kThere, kBack };
 
-enum class Way { kThere, kBack, kThereAndBack };
-
-// What a strip is multiplied with where it turns: a spectrum in the strip's own order, its imaginary parts times sign.
-template <class T> struct Turn {
-  const T* spectrum = nullptr;
-  T sign = 1;
-
-  Turn from(size_t at) const { return {spectrum + at, sign}; }
-};
-
-// The passes from `pass` to before `end` on neighbouring blocks of a strip, there, back, or both. Where more than two
-// are left, the blocks that a pass leaves are taken one by one, because all together may exceed the nearest cache.
+// The passes from `pass` to before `end` on neighbouring blocks of a strip. Where more than two are left, the blocks
+// that a pass leaves are taken one by one, because all together may exceed the nearest cache.
 template <Way way, class D, class T = hn::TFromD<D>>
-void column_passes(D d, const Radices& r, int pass, int end, size_t blocks, size_t rows, const T* roots, T* x,
-                   Turn<T> turn = {}) {
+void column_passes(D d, const Radices& r, int pass, int end, size_t blocks, size_t rows, const T* roots, T* x) {
   if (pass >= end) return;
-  const bool last = pass + 1 == end;
   const size_t radix = r.radix[pass], apart = rows / radix;
   const auto each_block = [&](auto pass_of) HWY_ATTR {
     with_radix(radix, [&](auto constant) HWY_ATTR {
       for (size_t block = 0; block < blocks; ++block) pass_of(constant, 2 * kLanes<D> * rows * block);
     });
   };
-  if (way == Way::kThereAndBack && last) {
-    const auto sign = hn::Set(d, turn.sign);
-    return each_block([&](auto constant, size_t at)
-                          HWY_ATTR { column_turn(constant, d, turn.spectrum + at, x + at, sign); });
-  }
-  if (way != Way::kBack) {
+  if (way == Way::kThere) {
     each_block([&](auto constant, size_t at) HWY_ATTR {
       column_pass(
           constant, d, rows, roots, [&](size_t k) HWY_ATTR { return load_block(d, x + at, k); },
@@ -184,13 +153,13 @@ void column_passes(D d, const Radices& r, int pass, int end, size_t blocks, size
   }
   const T* const next = roots + 2 * (radix - 1) * apart;
   if (end - pass <= 2) {
-    column_passes<way>(d, r, pass + 1, end, blocks * radix, apart, next, x, turn);
+    column_passes<way>(d, r, pass + 1, end, blocks * radix, apart, next, x);
   } else {
     for (size_t at = 0; at < 2 * kLanes<D> * rows * blocks; at += 2 * kLanes<D> * apart) {
-      column_passes<way>(d, r, pass + 1, end, 1, apart, next, x + at, way == Way::kThereAndBack ? turn.from(at) : turn);
+      column_passes<way>(d, r, pass + 1, end, 1, apart, next, x + at);
     }
   }
-  if (way != Way::kThere) {
+  if (way == Way::kBack) {
     each_block([&](auto constant, size_t at) HWY_ATTR {
       column_pass_back(
           constant, d, rows, roots, [&](size_t k) HWY_ATTR { return load_block(d, x + at, k); },

@@ -36,8 +36,8 @@ template <class T> struct RealChirp {
 
 template <class T> struct ConvolutionKernels {
   // Of the tables' n points, n > 2; work is aligned to kAlignment bytes, its size in scalars depends on the number of
-  // kernels: none for spectrum, two for real_chirp. A spectrum is n points in an order of its own, for these alone, at
-  // any address.
+  // kernels: two for real_chirp, otherwise one. A spectrum is n points in an order of its own, for these alone, at any
+  // address.
   size_t (*work_size)(const ComplexTables<T>& tables, size_t kernels);
   void (*spectrum)(const ComplexTables<T>& tables, T* data, T* work);  // in place
   void (*convolve)(const ComplexTables<T>& tables, const Convolution<T>& convolution, T* work);

@@ -41,11 +41,10 @@ template <class D, bool kReal, bool kWeighted> class Ends {
   // Points k, k + 1, ...
   HWY_INLINE C load(size_t k) const {
     if (HWY_LIKELY(k + L <= c_.in_points)) return weighted(c_.in + kWidth * k, weights(k));
+    if (k >= c_.in_points) return {hn::Zero(d), hn::Zero(d)};
     alignas(kAlignment) T points[2 * L] = {}, weights_left[2 * L] = {};
-    if (k < c_.in_points) {
-      std::copy_n(c_.in + kWidth * k, kWidth * (c_.in_points - k), points);
-      if (kWeighted) std::copy_n(weights(k), 2 * (c_.in_points - k), weights_left);
-    }
+    std::copy_n(c_.in + kWidth * k, kWidth * (c_.in_points - k), points);
+    if (kWeighted) std::copy_n(weights(k), 2 * (c_.in_points - k), weights_left);
     return weighted(points, weights_left);
   }
 
@@ -120,8 +119,8 @@ void convolve_short(D d, const ComplexTables<T>& tables, const Convolutions<T, S
 }
 
 template <class T> size_t work_size(const ComplexTables<T>& tables, size_t kernels) {
-  const size_t points = size_t{2} << tables.bits;
-  return kernels * points + (tables.bits < kLong<T> ? points : Convolver<T>(tables.bits).work_size());
+  if (tables.bits < kLong<T>) return (kernels + 1) * (size_t{2} << tables.bits);
+  return Convolver<T>(tables.bits).work_size(kernels);
 }
 
 template <class T> void spectrum(const ComplexTables<T>& tables, T* data, T* work) {
@@ -136,19 +135,15 @@ template <class T, size_t S> void convolve_all(const ComplexTables<T>& tables, c
   if (tables.bits < kLong<T>) {
     return with_lanes<T>(n, [&](auto d) HWY_ATTR { convolve_short<S>(d, tables, c, work); });
   }
-  Pointers<T, S> data;
   Turns<T, S> turns;
-  for (size_t s = 0; s < S; ++s) {
-    data[s] = work + 2 * n * s;
-    turns[s] = {c[s].spectrum, c[s].conjugate ? T(-1) : T(1)};
-  }
+  for (size_t s = 0; s < S; ++s) turns[s] = {c[s].spectrum, c[s].conjugate ? T(-1) : T(1)};
   with_ends(hn::ScalableTag<T>(), c[0], [&](auto ends) HWY_ATTR {
     using V = hn::VFromD<hn::ScalableTag<T>>;
     const auto store = [&](size_t s, size_t k, Complex<V> z) HWY_ATTR { decltype(ends)(c[s]).store(k, z); };
     Convolver<T>(tables.bits)
         .convolve(
-            tables.roots, data, work + 2 * n * S, c[0].in_points, [&](size_t k) HWY_ATTR { return ends.load(k); },
-            turns, c[0].out_points, store);
+            tables.roots, work, c[0].in_points, [&](size_t k) HWY_ATTR { return ends.load(k); }, turns, c[0].out_points,
+            store);
   });
 }
 

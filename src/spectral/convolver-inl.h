@@ -1,6 +1,6 @@
 // Convolutions too long for the nearest cache. The order of a spectrum is free, so that a pass of radix 4 over all
 // points, quarter by quarter in step, leaves four convolutions of a quarter of the length, each in a quarter of the
-// memory. They are done one after the other, the same way as long as they exceed the second-level cache, and a pass
+// memory. They are done one after the other, the same way as long as they are longer than three sweeps pay, and a pass
 // back joins them.
 #if defined(SIGVEX_SPECTRAL_CONVOLVER_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef SIGVEX_SPECTRAL_CONVOLVER_INL_H
@@ -9,17 +9,21 @@
 #define SIGVEX_SPECTRAL_CONVOLVER_INL_H
 #endif
 
-#include "spectral/inplace-inl.h"
+#include "spectral/sweeps-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace sigvex {
 namespace HWY_NAMESPACE {
 
+template <class T, size_t S> using Pointers = std::array<T*, S>;  // to arrays of as many kernels
+
 template <class T> class Convolver {
  public:
   explicit Convolver(int bits) : n_(size_t{1} << bits), near_(near_bits(bits)), near_n_(size_t{1} << near_bits(bits)) {}
 
-  size_t work_size() const { return near_.work_size(); }
+  // For one input and so many kernels, or for a spectrum, which takes as much as one: arrays of n points where those of
+  // the quarters are not all.
+  size_t work_size(size_t kernels) const { return kernels * array_size() + near_.work_size(kernels); }
 
   // For each length on the way down the roots of its pass, then those of the shortest.
   size_t table_size() const {
@@ -32,14 +36,16 @@ template <class T> class Convolver {
     near_.fill(roots, table);
   }
 
-  // As those of InPlace.
+  // As those of Sweeps, the spectrum in place of data.
   void spectrum(const T* table, T* data, T* work, T factor) const {
     spectrum(n_, table, data, work, factor, [&](size_t k) HWY_ATTR { return load_points<false>(d, data + 2 * k); });
   }
   template <size_t S, class Load, class Store>
-  void convolve(const T* table, const Pointers<T, S>& data, T* work, size_t given, Load load, const Turns<T, S>& turns,
-                size_t wanted, Store store) const {
-    convolve(n_, table, data, work, given, load, turns, wanted, store);
+  void convolve(const T* table, T* work, size_t given, Load load, const Turns<T, S>& turns, size_t wanted,
+                Store store) const {
+    Pointers<T, S> data;
+    for (size_t s = 0; s < S; ++s) data[s] = work + s * array_size();
+    convolve(n_, table, data, work + S * array_size(), given, load, turns, wanted, store);
   }
 
  private:
@@ -48,7 +54,9 @@ template <class T> class Convolver {
   static constexpr D d{};
   static constexpr size_t L = kLanes<D>;
 
-  static int near_bits(int bits) { return bits < 16 ? bits : 14 + bits % 2; }
+  // Up to 2^18 points the strips and what the sweeps leave for each other stay in the caches.
+  static int near_bits(int bits) { return bits < 19 ? bits : 18 - bits % 2; }
+  size_t array_size() const { return n_ > near_n_ ? 2 * n_ : 0; }
 
   // Points that stand in blocks, of one array or of several.
   struct Blocks {
@@ -73,7 +81,7 @@ template <class T> class Convolver {
   template <size_t S, class Load, class Store>
   void convolve(size_t n, const T* table, const Pointers<T, S>& data, T* work, size_t given, Load load,
                 const Turns<T, S>& turns, size_t wanted, Store store) const {
-    if (n == near_n_) return near_.convolve(table, data, work, given, load, turns, wanted, store);
+    if (n == near_n_) return near_.convolve(table, work, given, load, turns, wanted, store);
     fours(n, table, given, load, Blocks{data[0]});
     for (size_t k = 0; k < n; k += n / 4) {
       Pointers<T, S> quarter = data;
@@ -147,7 +155,7 @@ template <class T> class Convolver {
   }
 
   size_t n_;
-  InPlace<T> near_;
+  Sweeps<T> near_;
   size_t near_n_;
 };
 

@@ -57,7 +57,7 @@ template <class T> Status build_kernel(Vector<T>& kernel, const Vector<T>& chirp
     set_point<T>(kernel, k, {z.re, -z.im});
     set_point<T>(kernel, m - k, {z.re, -z.im});
   }
-  return order == Order::kNatural ? dspi::fft<T>(kernel, 1) : kernel_spectrum<T>(kernel.data, m);
+  return order == Order::kNatural ? dspi::fft<T>(kernel, 1) : kernel_spectrum<T>(kernel.data, m, 1);
 }
 
 template <class T> Status drop_kernel(Bluestein<T>& work) {
@@ -108,15 +108,15 @@ template <class T> Status prepare_halves(Bluestein<T>& work) {
   if (holds_half(m, n)) {
     for (size_t l = 0; l <= n / 2; ++l) put(first, l, l);
     for (size_t l = 1; l < n; ++l) put(first, m - l, l);
-    SIGVEX_TRY(kernel_spectrum<T>(first, m));
+    SIGVEX_TRY(kernel_spectrum<T>(first, m, 1));
   } else {
     for (size_t l = 1; l <= n / 2 * 2; ++l) put(first, (m + n / 2 - l) % m, l);
     for (size_t l = 0; l <= n / 2; ++l) {
       put(second, l, l);
       put(second, (m - l) % m, l);
     }
-    SIGVEX_TRY(kernel_spectrum<T>(first, m));
-    SIGVEX_TRY(kernel_spectrum<T>(second, m));
+    SIGVEX_TRY(kernel_spectrum<T>(first, m, 2));
+    SIGVEX_TRY(kernel_spectrum<T>(second, m, 2));
   }
   work.halves = block.release();
   return kSuccess;

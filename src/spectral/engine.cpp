@@ -45,7 +45,7 @@ template <class T> Status run_real(T* data, size_t n, bool inverse) {
 template <class T, class F> Status with_work(size_t n, size_t kernels, F f) {
   const Lease<ComplexTables<T>> tables = complex_tables<T>(std::countr_zero(n));
   if (!tables) return kFailure;
-  return in_work_space<T>(tables->convolution_pools[kernels], convolution_kernels<T>().work_size(*tables, kernels),
+  return in_work_space<T>(tables->convolution_pools[kernels - 1], convolution_kernels<T>().work_size(*tables, kernels),
                           [&](T* work) { f(*tables, work); });
 }
 
@@ -75,9 +75,10 @@ template <class T> Status real_inverse_transform(Vector<T>& v) {
   return kSuccess;
 }
 
-template <class T> Status kernel_spectrum(T* kernel, size_t n) {
-  return with_work<T>(
-      n, 0, [&](const ComplexTables<T>& tables, T* work) { convolution_kernels<T>().spectrum(tables, kernel, work); });
+template <class T> Status kernel_spectrum(T* kernel, size_t n, size_t kernels) {
+  return with_work<T>(n, kernels, [&](const ComplexTables<T>& tables, T* work) {
+    convolution_kernels<T>().spectrum(tables, kernel, work);
+  });
 }
 
 template <class T> Status convolve(size_t n, const Convolution<T>& c) {
@@ -94,7 +95,7 @@ template <class T> Status real_chirp(size_t m, const RealChirp<T>& c) {
   template Status complex_transform<T>(Vector<T>&, bool);     \
   template Status real_transform<T>(Vector<T>&);              \
   template Status real_inverse_transform<T>(Vector<T>&);      \
-  template Status kernel_spectrum<T>(T*, size_t);             \
+  template Status kernel_spectrum<T>(T*, size_t, size_t);     \
   template Status convolve<T>(size_t, const Convolution<T>&); \
   template Status real_chirp<T>(size_t, const RealChirp<T>&);
 SIGVEX_INSTANTIATE(double)

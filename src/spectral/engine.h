@@ -22,9 +22,9 @@ template <class T> Status real_inverse_transform(Vector<T>& v);
 // Circular convolutions with a kernel that is kept as its spectrum, which stands in an order of the engine's own: no
 // transform is put in natural order, and nothing is done for zeros behind the input or points nobody wants.
 //
-// Turns the complex kernel, a power of two above 2 points, into its spectrum, in place. It serves until the caches are
-// released.
-template <class T> Status kernel_spectrum(T* kernel, size_t n);
+// Turns the complex kernel, a power of two above 2 points, into its spectrum, in place and in the work space of
+// convolutions with so many kernels at once. It serves until the caches are released.
+template <class T> Status kernel_spectrum(T* kernel, size_t n, size_t kernels);
 
 // Of n points, as many as the spectrum has; the result is scaled by nothing but c.factor. With a real kernel, real and
 // imaginary parts of the points are convolved independently: two real sequences go through one call.

@@ -11,6 +11,7 @@
 
 #include "spectral/columns-inl.h"
 #include "spectral/convolver-inl.h"
+#include "spectral/inplace-inl.h"
 #include "spectral/real-inl.h"
 
 HWY_BEFORE_NAMESPACE();

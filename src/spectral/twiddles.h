@@ -47,7 +47,7 @@ template <class T> struct ComplexTables : TableHead {
   size_t work_size;  // of one transform, in scalars
   const T* roots;
   Transform<T> forward, inverse;
-  mutable WorkspacePool pool, convolution_pools[3];  // for convolutions by the number of kernels
+  mutable WorkspacePool pool, convolution_pools[2];  // for convolutions with one kernel, with two
 
   void release_parts() {
     pool.release();
