@@ -13,6 +13,7 @@
 #include "core/limits.h"
 #include "core/locks.h"
 #include "core/scratch.h"
+#include "core/widest.h"
 #include "elementwise/operations.h"
 #include "elementwise/rules.h"
 #include "elementwise/sort_key.h"
@@ -136,25 +137,35 @@ template <class T> void sort_samples(T* x, size_t n) {
   }
 }
 
+// A rank with its place behind it, as one integer: no two are equal. As pairs whose order is that of the ranks alone,
+// the vector sort of libhwy 1.0.3 loses places of equal ones on AVX2.
+uint64_t placed(uint32_t rank, size_t place) { return uint64_t{rank} << 32 | place; }
+uint32_t rank_of(uint64_t placed) { return static_cast<uint32_t>(placed >> 32); }
+size_t place_of(uint64_t placed) { return static_cast<uint32_t>(placed); }
+hwy::uint128_t placed(uint64_t rank, size_t place) { return {place, rank}; }
+uint64_t rank_of(hwy::uint128_t placed) { return placed.hi; }
+size_t place_of(hwy::uint128_t placed) { return placed.lo; }
+
 // Sorts the squared magnitudes with their places, in vectors, and then the points of equal ones among themselves.
-// False, and nothing done, for a few points and where there is no memory for it.
+// False, and nothing done, for a few points, without memory for it and before AVX2: without SSSE3, a vector sort of
+// 128-bit integers ends the process.
 template <class T> bool sort_by_magnitude(Point<T>* z, size_t n) {
-  using Place = std::conditional_t<sizeof(T) == 8, hwy::K64V64, hwy::K32V32>;
+  using Rank = typename SortKey<T>::Bits;
+  using Placed = decltype(placed(Rank(), n));
   constexpr size_t kVectorsPay = 256;
-  if (n < kVectorsPay) return false;
-  const std::unique_ptr<Place[]> order(new (std::nothrow) Place[n]);
+  if (n < kVectorsPay || widest_vectors() == Vectors::kBaseline) return false;
+  const std::unique_ptr<Placed[]> order(new (std::nothrow) Placed[n]);
   const std::unique_ptr<Point<T>[]> given(new (std::nothrow) Point<T>[n]);
   if (!order || !given) return false;
   for (size_t k = 0; k < n; ++k) {
     const T m = magsq(z[k]);
-    order[k].value = static_cast<decltype(Place::value)>(k);
-    order[k].key = m == m ? SortKey<T>::rank(m) : 0;  // one NaN is like another
+    order[k] = placed(m == m ? SortKey<T>::rank(m) : Rank(0), k);  // one NaN is like another
   }
   std::copy_n(z, n, given.get());
   hwy::Sorter()(order.get(), n, hwy::SortAscending());
-  for (size_t k = 0; k < n; ++k) z[k] = given[order[k].value];
+  for (size_t k = 0; k < n; ++k) z[k] = given[place_of(order[k])];
   for (size_t first = 0, end; first < n; first = end) {
-    for (end = first + 1; end < n && order[end].key == order[first].key;) ++end;
+    for (end = first + 1; end < n && rank_of(order[end]) == rank_of(order[first]);) ++end;
     if (end - first > 1) std::sort(z + first, z + end, before<T>);
   }
   return true;
