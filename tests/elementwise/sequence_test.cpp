@@ -157,7 +157,7 @@ template <class T, class F> Vec<T> numbered(size_t n, bool complex, F from) {
   return {scalars, complex};
 }
 
-TEST_BOTH(Sequence, HalvesAndReversalsMoveEveryPoint) {
+TEST_BOTH(Sequence, HalvesReversalsAndZerosMoveEveryPoint) {
   for (const bool complex : {false, true}) {
     for (const size_t n : {0, 1, 2, 3, 4, 5, 7, 8, 16, 17, 32, 64, 65, 128, 256, 1001, 1024, 4096}) {
       const auto expect = [=](Vec<T>& v, auto from) {
@@ -168,6 +168,13 @@ TEST_BOTH(Sequence, HalvesAndReversalsMoveEveryPoint) {
       expect(v, [n](size_t k) { return (k + (n + 1) / 2) % n; });
       EXPECT_EQ(TWIN_OF(i, swap_halves2)(v), 0);
       expect(v, [](size_t k) { return k; });
+      const size_t factor = 1 + n % 5, width = complex ? 2 : 1;
+      Vec<T> apart, spread = v;
+      EXPECT_EQ(TWIN_OF(u, zinter)(v, apart, int32_t(factor)) | TWIN_OF(i, zinter)(spread, int32_t(factor)), 0);
+      EXPECT_TRUE(exactly(apart, spread.samples()) && apart.size() == factor * v.size());
+      for (size_t k = 0; k < apart.size(); ++k) {
+        ASSERT_EQ(apart[k], k / width % factor ? 0 : v[k / width / factor * width + k % width]) << n;
+      }
       EXPECT_EQ(TWIN_OF(i, rev)(v), 0);
       expect(v, [n](size_t k) { return n - 1 - k; });
       if (n == 0 || (n & (n - 1)) != 0) continue;
