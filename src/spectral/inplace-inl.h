@@ -24,14 +24,14 @@ namespace HWY_NAMESPACE {
 // Shorter ones take less time by way of a second array.
 inline constexpr int kInPlace = 14;
 
+// p, in bits and as it is: a row is several cache lines, a square a fraction of the second-level cache.
+inline constexpr int kSideBits = 6;
+inline constexpr size_t kSide = size_t{1} << kSideBits;
+
 template <class T> class InPlace {
  public:
   explicit InPlace(int bits)
-      : side_bits_(side_bits(bits)),
-        p_(size_t{1} << side_bits_),
-        q_(size_t{1} << (bits - 2 * side_bits_)),
-        strips_(bits - side_bits_, p_),
-        side_(side_bits_, (side_bits_ + 3) / 4) {}
+      : q_(size_t{1} << (bits - 2 * kSideBits)), strips_(bits - kSideBits, p_), side_(kSideBits, 2) {}
 
   size_t work_size() const { return std::max(strips_.work_size(), 2 * p_ * p_); }
 
@@ -48,28 +48,6 @@ template <class T> class InPlace {
     }
     const T* const side_roots = table + strips_.table_size();
     for (size_t v = 0; v < q_; ++v) square<kInverse>(side_roots, data + 2 * p_ * v, work, factor);
-  }
-
- private:
-  using D = hn::ScalableTag<T>;
-  using C = ComplexOf<D>;
-  static constexpr D d{};
-  static constexpr size_t L = kLanes<D>;
-
-  // The smallest squares have rows of several cache lines; larger ones where the strips would outgrow the caches.
-  static int side_bits(int bits) { return std::max(6, bits / 3); }
-
-  // Where the points of result k of the columns go, in scalars.
-  size_t place_of(size_t k) const { return 2 * p_ * ((k & (p_ - 1)) * q_ + (k >> side_bits_)); }
-
-  // As many rows as there are lanes, so many scalars apart, transposed into x.
-  HWY_INLINE void transpose_rows(const T* data, T* x, size_t apart) const {
-    for (size_t c = 0; c < p_; c += L) {
-      C z[L], y[L];
-      for (size_t l = 0; l < L; ++l) z[l] = load_block(d, data + apart * l + 2 * c, 0);
-      transpose_points(d, z, y);
-      for (size_t l = 0; l < L; ++l) store_block(d, y[l], x, c + l);
-    }
   }
 
   // A square, its rows read as blocks and left as points. The blocks of the last pass are taken in the order of their
@@ -98,8 +76,27 @@ template <class T> class InPlace {
     });
   }
 
-  int side_bits_;
-  size_t p_, q_;
+ private:
+  using D = hn::ScalableTag<T>;
+  using C = ComplexOf<D>;
+  static constexpr D d{};
+  static constexpr size_t L = kLanes<D>;
+  static constexpr size_t p_ = kSide;
+
+  // Where the points of result k of the columns go, in scalars.
+  size_t place_of(size_t k) const { return 2 * p_ * ((k & (p_ - 1)) * q_ + (k >> kSideBits)); }
+
+  // As many rows as there are lanes, so many scalars apart, transposed into x.
+  HWY_INLINE void transpose_rows(const T* data, T* x, size_t apart) const {
+    for (size_t c = 0; c < p_; c += L) {
+      C z[L], y[L];
+      for (size_t l = 0; l < L; ++l) z[l] = load_block(d, data + apart * l + 2 * c, 0);
+      transpose_points(d, z, y);
+      for (size_t l = 0; l < L; ++l) store_block(d, y[l], x, c + l);
+    }
+  }
+
+  size_t q_;
   Strips<T> strips_;
   Radices side_;
 };

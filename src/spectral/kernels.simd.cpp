@@ -11,7 +11,7 @@
 
 #include "spectral/columns-inl.h"
 #include "spectral/convolver-inl.h"
-#include "spectral/inplace-inl.h"
+#include "spectral/far-inl.h"
 #include "spectral/real-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -130,34 +130,36 @@ template <class T, class F> HWY_INLINE auto with_passes(int bits, F f) {
   }
 }
 
-// Short transforms in self-sorting passes, long ones in two sweeps. The table of a long one holds the roots of its
+// Calls f with the sweeps of n = 2^bits.
+template <class T, class F> auto with_sweeps(int bits, F f) {
+  if (bits >= kFar) return f(Far<T>(bits));
+  if (bits >= kInPlace) return f(InPlace<T>(bits));
+  return f(Columns<T>(bits));
+}
+
+// Short transforms in self-sorting passes, long ones in sweeps. The table of a long one holds the roots of its
 // convolutions, then its own.
 template <class T> size_t table_size(int bits) {
   if (bits < kLong<T>) return with_passes<T>(bits, [](auto passes) { return passes.table_size(); });
-  const size_t own = bits < kInPlace ? Columns<T>(bits).table_size() : InPlace<T>(bits).table_size();
-  return Convolver<T>(bits).table_size() + own;
+  return Convolver<T>(bits).table_size() + with_sweeps<T>(bits, [](auto sweeps) { return sweeps.table_size(); });
 }
 template <class T> size_t work_size(int bits) {
-  if (bits >= kInPlace) return InPlace<T>(bits).work_size();
-  if (bits >= kLong<T>) return Columns<T>(bits).work_size();
-  return with_passes<T>(bits, [](auto passes) { return passes.work_size(); });
+  if (bits < kLong<T>) return with_passes<T>(bits, [](auto passes) { return passes.work_size(); });
+  return with_sweeps<T>(bits, [](auto sweeps) { return sweeps.work_size(); });
 }
 template <class T> void fill_table(int bits, const TripleTable<T>& roots, T* table) {
   if (bits < kLong<T>) return with_passes<T>(bits, [&](auto passes) { passes.fill(roots, table); });
   const Convolver<T> convolver(bits);
   convolver.fill(roots, table);
-  T* const own = table + convolver.table_size();
-  bits < kInPlace ? Columns<T>(bits).fill(roots, own) : InPlace<T>(bits).fill(roots, own);
+  with_sweeps<T>(bits, [&](auto sweeps) { sweeps.fill(roots, table + convolver.table_size()); });
 }
 template <class T, bool kInverse> void run_long(int bits, const T* table, T* data, T* work, T scale) {
-  Columns<T>(bits).template run<kInverse>(table + Convolver<T>(bits).table_size(), data, work, scale);
-}
-template <class T, bool kInverse> void run_in_place(int bits, const T* table, T* data, T* work, T scale) {
-  InPlace<T>(bits).template run<kInverse>(table + Convolver<T>(bits).table_size(), data, work, scale);
+  with_sweeps<T>(bits, [&](auto sweeps) HWY_ATTR {
+    sweeps.template run<kInverse>(table + Convolver<T>(bits).table_size(), data, work, scale);
+  });
 }
 // A function for each length: a short transform takes less time than finding its way through a common one.
 template <class T, bool kInverse> Transform<T> transform_of(int bits) {
-  if (bits >= kInPlace) return run_in_place<T, kInverse>;
   if (bits >= kLong<T>) return run_long<T, kInverse>;
   return with_passes<T>(bits, [](auto passes) -> Transform<T> { return decltype(passes)::template run<kInverse>; });
 }
