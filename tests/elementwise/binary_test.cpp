@@ -196,6 +196,11 @@ TEST_BOTH(Binary, EachRuleAtItsEdges) {
                z({1, 1, 0, 0, 0, 2, 0, 0}),
                z({nan, 0, 0, 0, 0, 0, tiny, 0}),
                {huge, huge, 0, 0, huge, huge, huge, huge}},
+              // by way of the reciprocal, and that last
+              {quotient, z({5, 10}), {3}, {5 * (1 / T(3)), 10 * (1 / T(3))}},
+              {quotient, {5}, z({1, 11}), {5 * (1 / T(122)), -55 * (1 / T(122))}},
+              {quotient, z({5, 0}), z({1, 11}), {5 * (1 / T(122)), -55 * (1 / T(122))}},
+              {WITH(b, avg_add, T(0.3)), {1}, z({1, 7}), {1, (1 - T(0.3)) * 7}},
               {larger, {nan, 1, 0, 2}, {1, nan, least, inf}, {1, nan, least, inf}},
               {smaller, {nan, 1, least, 2}, {1, nan, 0, -inf}, {1, nan, 0, -inf}},
               // out of range counts as huge, which a point in range may exceed

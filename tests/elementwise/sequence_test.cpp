@@ -11,7 +11,7 @@ SUITE_OF_BOTH(Sequence);
 TEST_BOTH(Sequence, EachRuleAtItsEdges) {
   constexpr T nan = kNaN<T>, inf = kInf<T>, pi = std::numbers::pi_v<T>, turn = 2 * pi, huge = kHuge<T>, least = T(-0.0);
   constexpr T big = 2 / kEps<T>, most = std::numeric_limits<T>::max(), faint = -kTiny<T> / 2;
-  const T beyond = std::nextafter(pi, T(4));
+  const T beyond = std::nextafter(pi, T(4)), below = 19 * turn;
   constexpr uint32_t up = DSP_EDGE_UP, down = DSP_EDGE_DOWN, both = DSP_EDGE_EITHER;
   const InPlace<T> d = TWIN_OF(i, differ), i = TWIN_OF(i, integ), u = TWIN_OF(i, unwrap), p = TWIN_OF(i, pdiffer);
   const InPlace<T> sort = TWIN_OF(i, sort), recon = TWIN_OF(i, recon), zero = TWIN_OF(i, zero);
@@ -33,14 +33,19 @@ TEST_BOTH(Sequence, EachRuleAtItsEdges) {
       {u, {beyond}, {beyond - turn}},
       {u, {3, -3, 4}, {3, 3 + (-6 + turn), 4}},  // 4 is measured against the corrected -3
       {u, {100}, {std::fmod(T(100), turn) - turn}},
-      {u, {20000}, {std::fmod(T(20000), turn)}},  // 3183.1 turns
-      {u, {40000000}, {std::fmod(T(40000000), turn) - turn}},
+      {u, {20000}, {std::fmod(T(20000), turn)}},            // 3183.1 turns
+      {u, {T(3.8e9)}, {std::fmod(T(3.8e9), turn) - turn}},  // too many turns for exact products
+      {u, {below}, {std::fmod(below, turn) - turn}},        // rounded down, but not its quotient by a turn
       {u, {1, nan, 1}, {1, nan, nan}},
       {p, {0, 3, -3, beyond}, {0, 6, 2 * (-6 + turn), 2 * (beyond + 3 - turn)}, T(0.5)},
       {p, {4, nan, 1, 2}, {4 - turn, nan, nan, 1}, 1},
       {p, {-pi, -pi, inf}, {-pi * huge, 0, nan}, 0},
       {WITH(i, unwrap_wnd, 360), {350, 10, 190, 370, -inf, 0}, {-10, 10, 190, 370, nan, nan}},
       {WITH(i, unwrap_wnd, 4096), {0, 4095, 4094, 0, -8193}, {0, -1, -2, 0, -1}},
+      {WITH(i, unwrap_wnd, 2), {0, 3, 0, -3}, {0, 1, 0, -1}},                    // half a period is left as it is
+      {WITH(i, unwrap_wnd, 2), {1 / big, 1 + 2 / big}, {1 / big, 1 + 2 / big}},  // though the step is rounded
+      {WITH(i, unwrap_wnd, 2), {-2, least, -2}, {0, least, least}},
+      {WITH(i, unwrap_wnd, most), {most}, {0}},
       {WITH(i, unwrap_wnd, inf), {9, -9, most}, {9, -9, most}},
       {recon, z({1, 2, 3, 4, 5, 6}), z({1, 2, 3, 4, 5, 6, 3, -4})},
       {WITH(i, orecon, 0), z({1, 2, 3, 4, 5, 6}), z({1, 2, 3, 4, 5, 6, 3, -4})},
@@ -77,6 +82,7 @@ TEST_BOTH(Sequence, EachRuleAtItsEdges) {
       {WITH(i, edge, 1, 1, up), {0, 2, -1, 0.5, 0, 1.5, 0.5, 1.5}, {4 + T(2) / 3}, 1},  // 0 is on the band, 0.5 within
       {WITH(i, edge, 0, 2, both), {-3, 1, -1, 1, -1, 3, -3}, {0.75, 5.5}, 1},  // noise fires once; 3 had to arm down
       {WITH(i, edge, 0, 0, up), {0, 1, 2, 3}, {}, 1},
+      {WITH(i, edge, 0, 0, both), {1, 0, 1}, {1}, 1},
       {WITH(i, edge, 0, 0, up), {-1, nan, 1, -1, 3}, {3.25}, 1},
       {WITH(i, edge, 0, 0, up), {-inf, inf, -1, inf}, {0.5, 2}, 1},
       {WITH(i, edge, huge, 0, up), {-1, inf, -1, 1}, {1}, 1},

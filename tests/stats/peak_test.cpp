@@ -24,6 +24,7 @@ TEST_BOTH(Peak, FindsAndRefines) {
       {{5, nan}, 0, 0, {nan, 1}},
       {{-3 * huge, -2 * huge}, 0, 0, {-3 * huge, 0}},
       {{2, -4, 0, -4}, DSP_PEAK_MINIMUM, 0, {-4, 1}},
+      {{nan, 1, 1}, DSP_PEAK_MINIMUM, 0, {1, 1}},
       {{3 * huge, 2 * huge}, DSP_PEAK_MINIMUM, 0, {3 * huge, 0}},
       {{1, 2, 3, 4}, DSP_PEAK_AT_INDEX, 10, {4, 3}},
       {{1, 2, 3, 4}, DSP_PEAK_AT_INDEX | DSP_PEAK_MINIMUM, 1, {2, 1}},
