@@ -15,15 +15,12 @@ HWY_BEFORE_NAMESPACE();
 namespace sigvex {
 namespace HWY_NAMESPACE {
 
-template <class T, size_t S> using Pointers = std::array<T*, S>;  // to arrays of as many kernels
-
 template <class T> class Convolver {
  public:
   explicit Convolver(int bits) : n_(size_t{1} << bits), near_(near_bits(bits)), near_n_(size_t{1} << near_bits(bits)) {}
 
-  // For one input and so many kernels, or for a spectrum, which takes as much as one: arrays of n points where those of
-  // the quarters are not all.
-  size_t work_size(size_t kernels) const { return kernels * array_size() + near_.work_size(kernels); }
+  // An array for each kernel, or for a spectrum, and what the sweeps need.
+  size_t work_size(size_t kernels) const { return kernels * place(n_) + near_.work_size(); }
 
   // For each length on the way down the roots of its pass, then those of the shortest.
   size_t table_size() const {
@@ -38,14 +35,16 @@ template <class T> class Convolver {
 
   // As those of Sweeps, the spectrum in place of data.
   void spectrum(const T* table, T* data, T* work, T factor) const {
-    spectrum(n_, table, data, work, factor, [&](size_t k) HWY_ATTR { return load_points<false>(d, data + 2 * k); });
+    spectrum(
+        n_, table, work, work + place(n_), factor,
+        [&](size_t k) HWY_ATTR { return load_points<false>(d, data + 2 * k); }, data);
   }
   template <size_t S, class Load, class Store>
   void convolve(const T* table, T* work, size_t given, Load load, const Turns<T, S>& turns, size_t wanted,
                 Store store) const {
-    Pointers<T, S> data;
-    for (size_t s = 0; s < S; ++s) data[s] = work + s * array_size();
-    convolve(n_, table, data, work + S * array_size(), given, load, turns, wanted, store);
+    Pointers<T, S> arrays;
+    for (size_t s = 0; s < S; ++s) arrays[s] = work + s * place(n_);
+    convolve(n_, table, arrays, work + S * place(n_), given, load, turns, wanted, store);
   }
 
  private:
@@ -56,45 +55,46 @@ template <class T> class Convolver {
 
   // Up to 2^18 points the strips and what the sweeps leave for each other stay in the caches.
   static int near_bits(int bits) { return bits < 19 ? bits : 18 - bits % 2; }
-  size_t array_size() const { return n_ > near_n_ ? 2 * n_ : 0; }
+  static size_t place(size_t k) { return Sweeps<T>::place(k); }
 
-  // Points that stand in blocks, of one array or of several.
+  // The points of one array or of several, in blocks.
   struct Blocks {
     T* x;
-    HWY_INLINE C operator()(size_t k) const { return load_block(d, x + 2 * k, 0); }
-    HWY_INLINE void operator()(size_t k, C z) const { store_block(d, z, x + 2 * k, 0); }
+    HWY_INLINE C operator()(size_t k) const { return load_block(d, x + place(k), 0); }
+    HWY_INLINE void operator()(size_t k, C z) const { store_block(d, z, x + place(k), 0); }
   };
 
   template <size_t S> struct Stores {
     Pointers<T, S> x;
-    HWY_INLINE void operator()(size_t s, size_t k, C z) const { store_block(d, z, x[s] + 2 * k, 0); }
+    HWY_INLINE void operator()(size_t s, size_t k, C z) const { store_block(d, z, x[s] + place(k), 0); }
   };
 
-  template <class Load> void spectrum(size_t n, const T* table, T* data, T* work, T factor, Load load) const {
-    if (n == near_n_) return near_.spectrum(table, data, work, factor, load);
-    fours(n, table, n, load, Blocks{data});
+  template <class Load> void spectrum(size_t n, const T* table, T* array, T* strip, T factor, Load load, T* to) const {
+    if (n == near_n_) return near_.spectrum(table, array, strip, factor, load, to);
+    fours(n, table, n, load, Blocks{array});
     for (size_t k = 0; k < n; k += n / 4) {
-      spectrum(n / 4, table + pass_size(n), data + 2 * k, work, factor, Blocks{data + 2 * k});
+      T* const quarter = array + place(k);
+      spectrum(n / 4, table + pass_size(n), quarter, strip, factor, Blocks{quarter}, to + 2 * k);
     }
   }
 
   template <size_t S, class Load, class Store>
-  void convolve(size_t n, const T* table, const Pointers<T, S>& data, T* work, size_t given, Load load,
+  void convolve(size_t n, const T* table, const Pointers<T, S>& arrays, T* strip, size_t given, Load load,
                 const Turns<T, S>& turns, size_t wanted, Store store) const {
-    if (n == near_n_) return near_.convolve(table, work, given, load, turns, wanted, store);
-    fours(n, table, given, load, Blocks{data[0]});
+    if (n == near_n_) return near_.convolve(table, arrays, strip, given, load, turns, wanted, store);
+    fours(n, table, given, load, Blocks{arrays[0]});
     for (size_t k = 0; k < n; k += n / 4) {
-      Pointers<T, S> quarter = data;
+      Pointers<T, S> quarter = arrays;
       Turns<T, S> turned = turns;
       for (size_t s = 0; s < S; ++s) {
-        quarter[s] += 2 * k;
+        quarter[s] += place(k);
         turned[s].spectrum += 2 * k;
       }
-      convolve(n / 4, table + pass_size(n), quarter, work, n / 4, Blocks{quarter[0]}, turned, n / 4,
+      convolve(n / 4, table + pass_size(n), quarter, strip, n / 4, Blocks{quarter[0]}, turned, n / 4,
                Stores<S>{quarter});
     }
     for (size_t s = 0; s < S; ++s) {
-      fours_back(n, table, wanted, Blocks{data[s]}, [&](size_t k, C z) HWY_ATTR { store(s, k, z); });
+      fours_back(n, table, wanted, Blocks{arrays[s]}, [&](size_t k, C z) HWY_ATTR { store(s, k, z); });
     }
   }
 

@@ -24,6 +24,7 @@ template <class T> struct Turn {
   T sign = 1;
 };
 template <class T, size_t S> using Turns = std::array<Turn<T>, S>;
+template <class T, size_t S> using Pointers = std::array<T*, S>;  // to the arrays of as many kernels
 
 // A row, seen as a square of side by side points: across its rows, and after the transposition of squares of lanes by
 // lanes across its columns.
@@ -81,34 +82,37 @@ template <class T> class Sweeps {
  public:
   explicit Sweeps(int bits) : strips_(bits - static_cast<int>(Row<T>::kBits), p_) {}
 
-  // One array for each kernel, and a strip.
-  size_t work_size(size_t kernels) const { return kernels * array_size() + strips_.work_size(); }
+  size_t work_size() const { return strips_.work_size(); }
+
+  // Where point k of an array stands, in scalars.
+  static size_t place(size_t k) { return 2 * k + k / p_ * kPad; }
 
   size_t table_size() const { return strips_.table_size() + Row<T>::table_size(); }
   void fill(const TripleTable<T>& roots, T* table) const { Row<T>::fill(roots, strips_.fill(roots, table)); }
 
-  // To data, the spectrum of load(k), vectors of points from k on, in the order in which convolve multiplies.
-  template <class Load> void spectrum(const T* table, T* data, T* work, T factor, Load load) const {
-    columns(table, strips_.rows() * p_, load, work, work + array_size());
+  // The spectrum of load(k), vectors of points from k on, in the order in which convolve multiplies, by way of an
+  // array.
+  template <class Load> void spectrum(const T* table, T* array, T* strip, T factor, Load load, T* to) const {
+    columns(table, strips_.rows() * p_, load, array, strip);
     const auto scale = hn::Set(d, factor);
     for (size_t row = 0; row < strips_.rows(); ++row) {
       C x[Row<T>::kVectors];
-      Row<T>::there(table + strips_.table_size(), work + kPitch * row, x);
-      for (size_t k = 0; k < Row<T>::kVectors; ++k) store_block(d, x[k] * scale, data + 2 * p_ * row, k);
+      Row<T>::there(table + strips_.table_size(), array + kPitch * row, x);
+      for (size_t k = 0; k < Row<T>::kVectors; ++k) store_block(d, x[k] * scale, to + 2 * p_ * row, k);
     }
   }
 
-  // The transform of load(k), the first `given` points of which may differ from zero, times the spectra of some turns,
-  // each product transformed back: to store(s, k, z), the first `wanted` points at least, their parts exchanged.
+  // In the first of the arrays, the transform of load(k), the first `given` points of which may differ from zero, times
+  // the spectra of some turns, each product in its array and transformed back: to store(s, k, z), the first `wanted`
+  // points at least, their parts exchanged.
   template <size_t S, class Load, class Store>
-  void convolve(const T* table, T* work, size_t given, Load load, const Turns<T, S>& turns, size_t wanted,
-                Store store) const {
-    T* const strip = work + S * array_size();
-    columns(table, given, load, work, strip);
-    for (size_t row = 0; row < strips_.rows(); ++row) turn<S>(table + strips_.table_size(), work, row, turns);
+  void convolve(const T* table, const Pointers<T, S>& arrays, T* strip, size_t given, Load load,
+                const Turns<T, S>& turns, size_t wanted, Store store) const {
+    columns(table, given, load, arrays[0], strip);
+    for (size_t row = 0; row < strips_.rows(); ++row) turn<S>(table + strips_.table_size(), arrays, row, turns);
     for (size_t s = 0; s < S; ++s) {
       columns_back(
-          table, wanted, [&](size_t k, C z) HWY_ATTR { store(s, k, z); }, work + s * array_size(), strip);
+          table, wanted, [&](size_t k, C z) HWY_ATTR { store(s, k, z); }, arrays[s], strip);
     }
   }
 
@@ -116,9 +120,7 @@ template <class T> class Sweeps {
   using D = hn::ScalableTag<T>;
   using C = ComplexOf<D>;
   static constexpr D d{};
-  static constexpr size_t L = kLanes<D>, p_ = Row<T>::kPoints, kPitch = 2 * p_ + 128 / sizeof(T);
-
-  size_t array_size() const { return kPitch * strips_.rows(); }
+  static constexpr size_t L = kLanes<D>, p_ = Row<T>::kPoints, kPad = 128 / sizeof(T), kPitch = 2 * p_ + kPad;
 
   // Whether of the points before `end` none is in the second half of the rows of the strip from column c on.
   bool in_first_half(size_t end, size_t c) const { return end <= strips_.rows() / 2 * p_ + c; }
@@ -139,9 +141,10 @@ template <class T> class Sweeps {
     }
   }
 
-  template <size_t S> void turn(const T* roots, T* data, size_t row, const Turns<T, S>& turns) const {
+  template <size_t S>
+  void turn(const T* roots, const Pointers<T, S>& arrays, size_t row, const Turns<T, S>& turns) const {
     C x[Row<T>::kVectors];
-    Row<T>::there(roots, data + kPitch * row, x);
+    Row<T>::there(roots, arrays[0] + kPitch * row, x);
     for (size_t s = 0; s < S; ++s) {
       const T* const spectrum = turns[s].spectrum + 2 * p_ * row;
       const auto sign = hn::Set(d, turns[s].sign);
@@ -152,7 +155,7 @@ template <class T> class Sweeps {
         const C z = x[k] * w;
         y[k] = {z.im, z.re};
       }
-      Row<T>::back(roots, y, data + s * array_size() + kPitch * row);
+      Row<T>::back(roots, y, arrays[s] + kPitch * row);
     }
   }
 
