@@ -1000,11 +1000,11 @@ DSP_API int32_t dspfi_irfft(dspf_vector *v);
  * ------------------------------------------------------------------------------------------------------------------ */
 
 /**
- * Complex transform of any number of points: dspi_fft for a power of two, otherwise Bluestein's chirp transform. Fewer than
- * two points, or none, stay as they are; their delta becomes 1/delta.
+ * Complex transform of any number of points: dspi_fft for a power of two, otherwise a convolution, with Bluestein's chirp
+ * or, of 65537 complex points, after Rader. Fewer than two points, or none, stay as they are; delta becomes 1/delta.
  *   params   inverse: 0 forward, otherwise inverse
- *   sizes    points are kept; a chirp transform works in data, which owns room for M = 4 * 2^floor(log2(N - 1.5)) complex
- *            points afterwards
+ *   sizes    points are kept; a convolution works in data, which then owns room for M = 4 * 2^floor(log2(N - 1.5))
+ *            complex points
  */
 DSP_API int32_t dspi_dft (dsp_vector  *v, uint32_t inverse);
 DSP_API int32_t dspfi_dft(dspf_vector *v, uint32_t inverse);

@@ -11,6 +11,7 @@
 #include "elementwise/operations.h"
 #include "spectral/engine.h"
 #include "spectral/operations.h"
+#include "spectral/rader.h"
 #include "spectral/roots.h"
 #include "spectral/settings.h"
 
@@ -142,6 +143,7 @@ template <class T> Status chirp_transform(Vector<T>& v, bool inverse) {
   const WorkLock lock;
   Bluestein<T>& work = bluestein<T>;
   const int32_t n = v.points, complex = v.complex;
+  if (n == kRaderLength && complex && !by_library) return rader_transform<T>(v, inverse);
   if (!fits(2 * convolution_length(n))) return exhausted<T>(v);
   SIGVEX_TRY(prepare<T>(work, n));
   SIGVEX_TRY(prepare_kernel<T>(work, by_library ? Order::kNatural : Order::kOwn));
@@ -182,6 +184,7 @@ template <class T> Status real_chirp_transform(Vector<T>& v) {
 template <class T> Status release_dft() {
   const WorkLock lock;
   Bluestein<T>& work = bluestein<T>;
+  release_rader<T>();
   SIGVEX_TRY(drop<T>(work));
   return dsp::destroy<T>(work.chirp);
 }

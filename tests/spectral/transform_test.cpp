@@ -18,17 +18,12 @@ struct Length {
 };
 // Convolutions of two points up to those that begin with quarters; 4097 points are one more than half of what is
 // padded.
-constexpr Length kLengths[] = {{2},          {3},
-                               {4},          {5},
-                               {6},          {7},
-                               {8},          {9},
-                               {12},         {16},
-                               {31},         {33},
-                               {64},         {99},
-                               {100},        {1009, 7},
-                               {1024, 7},    {4097, 911},
-                               {4098, 61},   {8191, 1777},
-                               {20011, 997}, {262147, 99991}};
+// clang-format off
+constexpr Length kLengths[] = {
+    {2},  {3},  {4},  {5},   {6},       {7},       {8},         {9},        {12},         {16},         {31},
+    {33}, {64}, {99}, {100}, {1009, 7}, {1024, 7}, {4097, 911}, {4098, 61}, {8191, 1777}, {20011, 997},
+    {65537, 13001}, {262147, 99991}};
+// clang-format on
 
 // Either transform of a length: the one for powers of two only there.
 template <class F> void for_each_way(const Length& length, F check) {
