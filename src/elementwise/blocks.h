@@ -83,9 +83,10 @@ template <bool kBackwards, class One, class Some> void in_blocks(size_t n, One o
 // Parts are taken apart in wide registers or, at some cost, in memory: the wide loop pays from the first block on.
 template <class F> void on_vectors_for_blocks(size_t n, F loop) { n < kBlock ? loop() : on_widest_vectors(loop); }
 
-// y[k] = f(x[k]) for n elements X, f giving points.
+// y[k] = f(x[k]) for n elements X, f giving points. A loop with what f holds is handed over by its address: a copy of
+// so many words is read in other sizes than it is stored in, which takes longer than a block.
 template <class X, class T, class F> void map_blocks(const T* x, T* y, size_t n, F f) {
-  on_vectors_for_blocks(n, [=] {
+  const auto loop = [=] {
     const auto one = [=](size_t k) { store<T>(y, k, f(Element<X>::at(x, k))); };
     in_blocks<!std::is_same_v<X, Point<T>>>(n, one, [=](size_t k) {
       const Block<X> in(x, k);
@@ -93,6 +94,11 @@ template <class X, class T, class F> void map_blocks(const T* x, T* y, size_t n,
       for (size_t i = 0; i < kBlock; ++i) out.set(i, f(in[i]));
       out.store(y, k);
     });
+  };
+  if (n < kBlock) return loop();
+  on_widest_vectors([&loop] {
+    const auto own = loop;  // which no store of the loop can change
+    own();
   });
 }
 
