@@ -75,18 +75,6 @@ template <class T> T* fill_column(const Radices& r, const TripleTable<T>& roots,
   return to;
 }
 
-// A block of the roots of order n that join result k and the columns from c on; the next one follows.
-template <class D, class T = hn::TFromD<D>>
-T* fill_joining(D, size_t k, size_t c, size_t n, const TripleTable<T>& roots, T* to) {
-  constexpr size_t L = kLanes<D>;
-  for (size_t l = 0; l < L; ++l) {
-    const Point<T> w = root_of(roots, k * (c + lane_point<D>(l)), n);
-    to[l] = w.re;
-    to[l + L] = w.im;
-  }
-  return to + 2 * L;
-}
-
 template <size_t R> using Radix = std::integral_constant<size_t, R>;
 
 template <class F> HWY_INLINE void with_radix(size_t radix, F f) {
@@ -200,8 +188,8 @@ template <class T> class Columns {
   void fill(const TripleTable<T>& roots, T* table) const {
     T* to = fill_column(r2_, roots, fill_column(r1_, roots, table));
     for (size_t j = 0; j < n2_; j += L) {
-      for (size_t k = 0; k < L; ++k) to = fill_joining(d, k, j, n1_ * n2_, roots, to);
-      for (size_t k = 0; k < n1_; k += L) to = fill_joining(d, k, j, n1_ * n2_, roots, to);
+      for (size_t k = 0; k < L; ++k) to = fill_roots(d, k, j, n1_ * n2_, roots, to);
+      for (size_t k = 0; k < n1_; k += L) to = fill_roots(d, k, j, n1_ * n2_, roots, to);
     }
   }
 

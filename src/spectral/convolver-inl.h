@@ -102,18 +102,11 @@ template <class T> class Convolver {
   static constexpr size_t kRun = 256;
   static size_t pass_size(size_t n) { return 2 * 3 * (kRun + n / 4 / kRun); }
   static T* fill_fours(size_t n, const TripleTable<T>& roots, T* to) {
-    const auto put = [&](size_t k, size_t apart) {
-      const Point<T> w = root_of(roots, k, n);
-      to[0] = w.re;
-      to[apart] = w.im;
-    };
     for (size_t p = 0; p < kRun; p += L) {
-      for (size_t k = 1; k < 4; ++k, to += L) {
-        for (size_t l = 0; l < L; ++l, ++to) put(k * (p + lane_point<D>(l)), L);
-      }
+      for (size_t k = 1; k < 4; ++k) to = fill_roots(d, k, p, n, roots, to);
     }
     for (size_t p = 0; p < n / 4; p += kRun) {
-      for (size_t k = 1; k < 4; ++k, to += 2) put(k * p, 1);
+      for (size_t k = 1; k < 4; ++k) to = fill_roots(Lanes<T, 1>(), k, p, n, roots, to);
     }
     return to;
   }

@@ -46,13 +46,11 @@ template <class T> class Far {
   void fill(const TripleTable<T>& roots, T* table) const {
     T* to = fill_column(middle_, roots, fill_column(side_, roots, table));
     for (size_t r = 0; r < q_; ++r) {
-      for (size_t row = 0; row < kSide; ++row, to += 2) {
-        const Point<T> w = root_of(roots, r * side_.result_in(row), kSide * q_);
-        to[0] = w.re;
-        to[1] = w.im;
+      for (size_t row = 0; row < kSide; ++row) {
+        to = fill_roots(Lanes<T, 1>(), side_.result_in(row), r, kSide * q_, roots, to);
       }
     }
-    const auto put = [&](size_t k, size_t c) { to = fill_joining(d, k, c, kSide * q_ * kSide, roots, to); };
+    const auto put = [&](size_t k, size_t c) { to = fill_roots(d, k, c, kSide * q_ * kSide, roots, to); };
     const auto put_row = [&](size_t k) {
       for (size_t c = 0; c < kSide; c += L) put(k, c);
     };

@@ -36,18 +36,24 @@ template <class T> Point<T> root_of(const TripleTable<T>& roots, size_t k, size_
   return roots.root(k * (static_cast<size_t>(roots.n) / n));
 }
 
-// The roots of a pass of a radix over n points in order of use: by groups of columns, which are lanes, then by result.
+// A block of roots of order n, those by which result k of the columns from c on, which are lanes, is multiplied; the
+// next one follows.
 template <class D, class T = hn::TFromD<D>>
-T* fill_pass(D, size_t n, size_t radix, const TripleTable<T>& roots, T* to) {
+T* fill_roots(D, size_t k, size_t c, size_t n, const TripleTable<T>& roots, T* to) {
   constexpr size_t L = kLanes<D>;
-  for (size_t p = 0; p < n / radix; p += L) {
-    for (size_t k = 1; k < radix; ++k, to += 2 * L) {
-      for (size_t l = 0; l < L; ++l) {
-        const Point<T> w = root_of(roots, (p + lane_point<D>(l)) * k, n);
-        to[l] = w.re;
-        to[l + L] = w.im;
-      }
-    }
+  for (size_t l = 0; l < L; ++l) {
+    const Point<T> w = root_of(roots, k * (c + lane_point<D>(l)), n);
+    to[l] = w.re;
+    to[l + L] = w.im;
+  }
+  return to + 2 * L;
+}
+
+// The roots of a pass of a radix over n points in order of use: by groups of columns, then by result.
+template <class D, class T = hn::TFromD<D>>
+T* fill_pass(D d, size_t n, size_t radix, const TripleTable<T>& roots, T* to) {
+  for (size_t c = 0; c < n / radix; c += kLanes<D>) {
+    for (size_t k = 1; k < radix; ++k) to = fill_roots(d, k, c, n, roots, to);
   }
   return to;
 }

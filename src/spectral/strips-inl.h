@@ -30,7 +30,7 @@ template <class T> class Strips {
   size_t table_size() const { return column_.roots_size() + columns_ / L * joining_size(); }
   T* fill(const TripleTable<T>& roots, T* table) const {
     T* to = fill_column(column_, roots, table);
-    const auto put = [&](size_t k, size_t c) { to = fill_joining(d, k, c, rows_ * columns_, roots, to); };
+    const auto put = [&](size_t k, size_t c) { to = fill_roots(d, k, c, rows_ * columns_, roots, to); };
     for (size_t c = 0; c < columns_; c += L) {
       for (size_t k = 0; k < last_; ++k) put(rows_ / last_ * k, c);
       for (size_t row = 0; row < rows_; row += last_) put(column_.result_in(row), c);
